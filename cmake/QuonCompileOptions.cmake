@@ -1,0 +1,18 @@
+# The options that every target of the project shares.
+add_library(quon_compile_options INTERFACE)
+target_compile_definitions(quon_compile_options INTERFACE
+  UNICODE _UNICODE WINVER=0x0A00 _WIN32_WINNT=0x0A00 NOMINMAX)
+
+if(MSVC)
+  target_compile_options(quon_compile_options INTERFACE
+    /W4 /permissive- /Zc:__cplusplus /utf-8 /fp:precise $<$<BOOL:${QUON_WARNINGS_AS_ERRORS}>:/WX>)
+else()
+  target_compile_options(quon_compile_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+    # Results are bit-exact with a plain evaluation: no fused multiply-add.
+    -ffp-contract=off
+    $<$<BOOL:${QUON_WARNINGS_AS_ERRORS}>:-Werror>)
+  target_compile_definitions(quon_compile_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+  # The compiler's run-time is linked in, so that a program needs no DLL beside ours.
+  target_link_options(quon_compile_options INTERFACE -static)
+endif()

@@ -1,0 +1,29 @@
+# GoogleTest from Debian's sources, and the tests of the project.
+set(QUON_GOOGLETEST_DIR /usr/src/googletest CACHE PATH "Sources of GoogleTest")
+if(NOT EXISTS ${QUON_GOOGLETEST_DIR}/CMakeLists.txt)
+  message(FATAL_ERROR "No GoogleTest sources in ${QUON_GOOGLETEST_DIR}: run scripts/setup.sh or set QUON_GOOGLETEST_DIR")
+endif()
+set(BUILD_GMOCK ON)
+set(INSTALL_GTEST OFF)
+add_subdirectory(${QUON_GOOGLETEST_DIR} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+
+# Every test that starts a Windows program needs the prefix, made and warm.
+add_test(NAME wine-prefix COMMAND ${CMAKE_SOURCE_DIR}/scripts/wine-prefix.sh)
+set_tests_properties(wine-prefix PROPERTIES FIXTURES_SETUP wine-prefix)
+
+# quon_test(<name> SOURCES ... [LIBRARIES ...] [SERIAL] [TIMEOUT seconds])
+# One test program. SERIAL: it uses the registry, the locale or the clock of the whole prefix.
+function(quon_test name)
+  cmake_parse_arguments(arg "SERIAL" "TIMEOUT" "SOURCES;LIBRARIES" ${ARGN})
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 120)
+  endif()
+  add_executable(${name} ${arg_SOURCES})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE quon_compile_options Quon::Framework ${arg_LIBRARIES} gmock gtest gtest_main)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED wine-prefix TIMEOUT ${arg_TIMEOUT})
+  if(arg_SERIAL)
+    set_tests_properties(${name} PROPERTIES RUN_SERIAL TRUE)
+  endif()
+endfunction()

@@ -1,0 +1,8 @@
+#!/usr/bin/env bash
+# Runs a Windows program under Wine in the project's own prefix: wine-run.sh PROGRAM [ARGUMENT...]
+# WINEPREFIX chooses another prefix; without it the prefix is build/wine in the source tree.
+set -euo pipefail
+top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+export WINEPREFIX=${WINEPREFIX:-$top/build/wine}
+export WINEDEBUG=${WINEDEBUG:--all}
+exec wine "$@"
