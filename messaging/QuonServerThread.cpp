@@ -1,0 +1,249 @@
+#include "messaging/QuonServerThread.h"
+
+#include "module/QuonEllipsis.h"
+
+#include <memory>
+#include <new>
+
+namespace
+{
+
+constexpr DWORD kMaximumHandles = MAXIMUM_WAIT_OBJECTS;
+constexpr DWORD kUnhandledError = 0x8000FFFF;
+
+class Lock
+{
+public:
+    explicit Lock(CRITICAL_SECTION& section) : m_section(section) { ::EnterCriticalSection(&m_section); }
+    ~Lock() { ::LeaveCriticalSection(&m_section); }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+
+private:
+    CRITICAL_SECTION& m_section;
+};
+
+// Lives on the stack of Start until the thread has set the event: the thread copies what it needs before.
+struct StartBlock
+{
+    HANDLE started;
+    QuonServerThread* server;
+};
+
+// What travels to the server thread with a procedure call, which frees it.
+struct HandlerWork
+{
+    QuonServerThread* server;
+    QuonServerEventHandler* handler;
+    HANDLE handle;
+};
+static_assert(sizeof(HandlerWork) == 24, "three pointers");
+
+QuonServerResult QueueHandlerWork(QuonServerThread* server, QuonServerEventHandler* handler, PAPCFUNC routine)
+{
+    HandlerWork* const work = new (std::nothrow) HandlerWork{server, handler, nullptr};
+    if (work == nullptr)
+    {
+        return kQuonServerOutOfMemory;
+    }
+    work->handle = handler->GetHandle();
+    // A block that could not be queued is not freed: nobody can tell whether the thread has seen it.
+    return ::QueueUserAPC(routine, server->GetThreadHandle(), reinterpret_cast<ULONG_PTR>(work)) != 0
+               ? kQuonServerOk
+               : kQuonServerRefused;
+}
+
+// The index of the handle that ended a wait for any of `count` handles, signalled or abandoned; -1 for anything else.
+int IndexOfWaitResult(DWORD result, DWORD count)
+{
+    if (result < WAIT_OBJECT_0 + count)
+    {
+        return static_cast<int>(result - WAIT_OBJECT_0);
+    }
+    if (result >= WAIT_ABANDONED_0 && result < WAIT_ABANDONED_0 + count)
+    {
+        return static_cast<int>(result - WAIT_ABANDONED_0);
+    }
+    return -1;
+}
+
+}  // namespace
+
+QuonServerThread::QuonServerThread() : m_thread(nullptr), m_threadId(0), m_running(false), m_unused(nullptr)
+{
+    ::InitializeCriticalSection(&m_lifeCycle);
+}
+
+QuonServerThread::~QuonServerThread()
+{
+    {
+        const Lock lock(m_lifeCycle);
+        Join();
+    }
+    ::DeleteCriticalSection(&m_lifeCycle);
+}
+
+QuonServerResult QuonServerThread::Start()
+{
+    const Lock lock(m_lifeCycle);
+    if (m_thread != nullptr)
+    {
+        return kQuonServerOk;
+    }
+    StartBlock block = {::CreateEventW(nullptr, FALSE, FALSE, nullptr), this};
+    if (block.started == nullptr)
+    {
+        return kQuonServerNoThread;
+    }
+    m_thread = ::CreateThread(nullptr, 0, &QuonServerThread::ThreadProc, &block, CREATE_SUSPENDED, &m_threadId);
+    if (m_thread != nullptr && ::ResumeThread(m_thread) != 0)
+    {
+        ::WaitForSingleObject(block.started, INFINITE);
+    }
+    ::CloseHandle(block.started);
+    return m_thread != nullptr ? kQuonServerOk : kQuonServerNoThread;
+}
+
+QuonServerResult QuonServerThread::AddHandler(QuonServerEventHandler* handler)
+{
+    return QueueHandlerWork(this, handler, &QuonServerThread::AddHandlerApc);
+}
+
+QuonServerResult QuonServerThread::RemoveHandler(QuonServerEventHandler* handler)
+{
+    return QueueHandlerWork(this, handler, &QuonServerThread::RemoveHandlerApc);
+}
+
+QuonServerResult QuonServerThread::Stop(DWORD* out)
+{
+    {
+        const Lock lock(m_lifeCycle);
+        Join();
+    }
+    if (out != nullptr)
+    {
+        *out = 0;
+    }
+    return kQuonServerRefused;
+}
+
+void QuonServerThread::Join()
+{
+    if (m_thread != nullptr)
+    {
+        ::QueueUserAPC(&QuonServerThread::WakeApc, m_thread, reinterpret_cast<ULONG_PTR>(this));
+        ::WaitForSingleObject(m_thread, INFINITE);
+    }
+}
+
+DWORD QuonServerThread::Run(HANDLE started)
+{
+    m_running = true;
+    ::SetEvent(started);
+    while (m_running)
+    {
+        WaitOnce();
+    }
+    CloseSignaledHandlers();
+    return 0;
+}
+
+void QuonServerThread::WaitOnce()
+{
+    HANDLE handles[kMaximumHandles] = {};
+    const DWORD count = m_selector.GetHandles(handles);
+    if (count == 0)
+    {
+        ::SleepEx(INFINITE, TRUE);
+        return;
+    }
+    const int index =
+        IndexOfWaitResult(::WaitForMultipleObjectsEx(count, handles, FALSE, INFINITE, TRUE), count);
+    if (index >= 0)
+    {
+        Dispatch(handles[index]);
+    }
+}
+
+void QuonServerThread::Dispatch(HANDLE handle)
+{
+    QuonSynchronizedSelector::HandleRecord record = {};
+    if (m_selector.Find(handle, record))
+    {
+        record.handler->OnSignaled();
+    }
+}
+
+// Handlers whose handles are not signalled at this moment are left alone: they are their owners' to clean up.
+void QuonServerThread::CloseSignaledHandlers()
+{
+    HANDLE handles[kMaximumHandles] = {};
+    const DWORD count = m_selector.GetHandles(handles);
+    for (DWORD index = 0; index < count; ++index)
+    {
+        QuonSynchronizedSelector::HandleRecord record = {};
+        if (!m_selector.Find(handles[index], record) || record.handler == nullptr)
+        {
+            continue;
+        }
+        const DWORD state = ::WaitForSingleObject(handles[index], 0);
+        if (state == WAIT_OBJECT_0 || state == WAIT_ABANDONED)
+        {
+            record.handler->OnSignaled();
+            record.handler->OnClose();
+            delete record.handler;
+        }
+    }
+}
+
+QuonServerResult QuonServerThread::DoAddHandler(QuonServerEventHandler* handler)
+{
+    return m_selector.Add(handler->GetHandle(), handler);
+}
+
+QuonServerResult QuonServerThread::DoRemoveHandler(HANDLE handle)
+{
+    QuonServerEventHandler* handler = nullptr;
+    return m_selector.Remove(handle, handler);
+}
+
+void QuonServerThread::ServerHook() {}
+
+HANDLE QuonServerThread::GetThreadHandle() const
+{
+    return m_thread;
+}
+
+DWORD WINAPI QuonServerThread::ThreadProc(void* startBlock)
+{
+    // Start gives its stack back as soon as the event is set.
+    const StartBlock block = *static_cast<const StartBlock*>(startBlock);
+    try
+    {
+        return block.server->Run(block.started);
+    }
+    catch (const QuonEllipsis&)
+    {
+        return kUnhandledError;
+    }
+}
+
+void CALLBACK QuonServerThread::AddHandlerApc(ULONG_PTR workBlock)
+{
+    const std::unique_ptr<HandlerWork> block(reinterpret_cast<HandlerWork*>(workBlock));
+    if (block->server != nullptr && block->handler != nullptr)
+    {
+        block->server->DoAddHandler(block->handler);
+    }
+}
+
+void CALLBACK QuonServerThread::RemoveHandlerApc(ULONG_PTR workBlock)
+{
+    const std::unique_ptr<HandlerWork> block(reinterpret_cast<HandlerWork*>(workBlock));
+    if (block->server != nullptr && block->handle != nullptr)
+    {
+        block->server->DoRemoveHandler(block->handle);
+    }
+}
+
+void CALLBACK QuonServerThread::WakeApc(ULONG_PTR) {}

@@ -1,0 +1,97 @@
+/// @file
+/// A worker thread that waits on handles and calls their handlers.
+#pragma once
+
+#include <afx.h>
+
+#include "messaging/QuonServerEventHandler.h"
+#include "messaging/QuonServerResult.h"
+#include "messaging/QuonSynchronizedSelector.h"
+#include "module/Export.h"
+
+/// A thread that sleeps in alertable waits on a set of handles and calls a handler when one is signalled. Changes of the
+/// set, from any thread, travel to it as asynchronous procedure calls, so that its table needs no lock; they take effect at
+/// its next wait.
+///
+/// The class never clears its running flag. A derived class does, on the server thread (from a handler or a procedure call
+/// of its own), before Stop or the destructor is called: both wait for the thread without limit.
+class QUON_API QuonServerThread
+{
+public:
+    QuonServerThread();
+    QuonServerThread(const QuonServerThread&) = delete;
+    QuonServerThread& operator=(const QuonServerThread&) = delete;
+
+    /// Wakes the thread, if there is one, and waits for its end. Handlers still registered are not deleted.
+    virtual ~QuonServerThread();
+
+    /// Starts the thread and returns once it runs. Does nothing when there is a thread already.
+    /// @return kQuonServerOk, or kQuonServerNoThread when the event or the thread could not be created
+    virtual QuonServerResult Start();
+
+    /// Sends the thread a handler to register. May be called on any thread; the handle is asked for on this one and again
+    /// on the server thread.
+    /// @param handler stays the caller's until the thread's end, which deletes it when its handle is signalled then
+    /// @return kQuonServerOk when it was sent; kQuonServerOutOfMemory; kQuonServerRefused when it could not be queued
+    virtual QuonServerResult AddHandler(QuonServerEventHandler* handler);
+
+    /// Sends the thread a handler to take out, by the handle it has now. May be called on any thread.
+    /// @param handler the caller's again once the thread has processed it; it is not deleted
+    /// @return as for AddHandler
+    virtual QuonServerResult RemoveHandler(QuonServerEventHandler* handler);
+
+    /// Wakes the thread and waits without limit for its end; the running flag must have been cleared on it. The thread
+    /// handle stays open.
+    /// @param out set to 0 when not null
+    /// @return kQuonServerRefused, always
+    virtual QuonServerResult Stop(DWORD* out);
+
+    /// The thread's work: waits and calls handlers until the running flag is cleared, then closes and deletes the handlers
+    /// whose handles are signalled at that moment.
+    /// @param started set once the thread runs
+    /// @return the thread's exit value, 0
+    virtual DWORD Run(HANDLE started);
+
+    /// Registers a handler. On the server thread only.
+    /// @return kQuonServerOk, or kQuonServerRefused when the handle is registered already
+    virtual QuonServerResult DoAddHandler(QuonServerEventHandler* handler);
+
+    /// Takes a handle out of the table; its handler is not deleted. On the server thread only.
+    /// @return kQuonServerOk, or kQuonServerRefused when the handle is not registered
+    virtual QuonServerResult DoRemoveHandler(HANDLE handle);
+
+    /// For derived classes. Does nothing and is not called.
+    virtual void ServerHook();
+
+    /// @return the thread's handle, owned by this object; null before Start
+    HANDLE GetThreadHandle() const;
+
+    /// The thread's start routine.
+    /// @param startBlock what Start put together
+    /// @return the result of Run, or 0x8000FFFF when a QuonEllipsis escaped it
+    static DWORD WINAPI ThreadProc(void* startBlock);
+
+    /// Carries AddHandler to the server thread. @param workBlock freed
+    static void CALLBACK AddHandlerApc(ULONG_PTR workBlock);
+    /// Carries RemoveHandler to the server thread. @param workBlock freed
+    static void CALLBACK RemoveHandlerApc(ULONG_PTR workBlock);
+    /// Does nothing: it only ends the thread's wait.
+    static void CALLBACK WakeApc(ULONG_PTR server);
+
+private:
+    void Join();
+    void Dispatch(HANDLE handle);
+    void WaitOnce();
+    void CloseSignaledHandlers();
+
+    CRITICAL_SECTION m_lifeCycle;
+    HANDLE m_thread;
+    DWORD m_threadId;
+
+protected:
+    bool m_running;  ///< Cleared by a derived class, on the server thread, to end it.
+
+private:
+    QuonSynchronizedSelector m_selector;
+    void* m_unused;
+};

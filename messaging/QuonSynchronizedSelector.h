@@ -1,0 +1,51 @@
+/// @file
+/// The handle table of a server thread.
+#pragma once
+
+#include <afx.h>
+#include <afxtempl.h>
+
+#include "messaging/QuonServerResult.h"
+#include "module/Export.h"
+
+class QuonServerEventHandler;
+
+/// Maps waitable handles to the handlers that serve them. Has no lock: it is used on one thread, to which a
+/// QuonServerThread carries every change. Handlers are not owned.
+class QUON_API QuonSynchronizedSelector
+{
+public:
+    /// What the table holds for a handle.
+    struct HandleRecord
+    {
+        bool active;                      ///< Only active records take part in the wait.
+        QuonServerEventHandler* handler;  ///< Not owned.
+    };
+
+    QuonSynchronizedSelector();
+    QuonSynchronizedSelector(const QuonSynchronizedSelector&) = delete;
+    QuonSynchronizedSelector& operator=(const QuonSynchronizedSelector&) = delete;
+    virtual ~QuonSynchronizedSelector();
+
+    /// Registers an active record.
+    /// @return kQuonServerOk, or kQuonServerRefused when the handle is already registered; the first handler then stays
+    QuonServerResult Add(HANDLE handle, QuonServerEventHandler* handler);
+
+    /// Takes a handle out of the table.
+    /// @param handler receives the handler, which is not deleted; untouched on failure
+    /// @return kQuonServerOk, or kQuonServerRefused when the handle is not registered
+    QuonServerResult Remove(HANDLE handle, QuonServerEventHandler*& handler);
+
+    /// Writes the handles of the active records in the order of the table's buckets, which is not that of registration.
+    /// @param handles room for 64 handles, the limit of one wait; the table does not check it
+    /// @return the number of handles written
+    DWORD GetHandles(HANDLE* handles) const;
+
+    /// Looks a handle up.
+    /// @param record receives a copy of the record; untouched when there is none
+    /// @return whether the handle is registered
+    bool Find(HANDLE handle, HandleRecord& record) const;
+
+private:
+    CMap<void*, void*, HandleRecord, HandleRecord> m_map;
+};

@@ -1,0 +1,70 @@
+/// @file
+/// Routes window messages of one hidden window to registered callbacks.
+#pragma once
+
+#include <afx.h>
+
+#include "module/Export.h"
+
+/// A window message as the callbacks see it.
+struct WndMsgRecord
+{
+    HWND window;               ///< The hidden window.
+    unsigned __int64 message;  ///< The message number, a UINT.
+    WPARAM wParam;             ///< As sent.
+    LPARAM lParam;             ///< As sent.
+    unsigned __int64 unused1;  ///< 0.
+    unsigned __int64 unused2;  ///< 0.
+};
+
+/// The process's window message server. Used on one thread, the one that first called GetWndMsgServer: its message loop
+/// dispatches the callbacks. There is no lock; registering while a message is being dispatched is not allowed.
+struct QUON_API QuonWndMsgServer
+{
+    /// Something that observes window messages.
+    struct QUON_API Callback
+    {
+        Callback();
+        Callback(const Callback&);
+        Callback& operator=(const Callback&);
+
+        /// Called for each message that the callback is registered for, on the window's thread, before the system's
+        /// default handling. A QuonEllipsis that it throws is swallowed.
+        /// @param message not owned, valid during the call
+        virtual void OnMessage(const WndMsgRecord* message) = 0;
+        virtual ~Callback();
+    };
+
+    QuonWndMsgServer();
+    QuonWndMsgServer(const QuonWndMsgServer&) = delete;
+    QuonWndMsgServer& operator=(const QuonWndMsgServer&) = delete;
+    virtual ~QuonWndMsgServer();
+
+    /// Registers a callback, behind those that the message has already.
+    /// @param message the message number
+    /// @param cookie receives the registration's cookie: 1 for the first, then one more each time
+    /// @param callback not owned
+    /// @return S_OK; E_POINTER for a null callback, which uses up no cookie; E_FAIL when there is no memory
+    virtual HRESULT AddCallback(const UINT* message, UINT* cookie, Callback* callback) = 0;
+
+    /// Removes a registration. The value is used twice, as message number and as cookie, so only a registration whose
+    /// cookie equals its message number can be removed.
+    /// @return S_OK; E_INVALIDARG for 0; E_FAIL when there is no such registration
+    virtual HRESULT RemoveCallback(const UINT* value) = 0;
+
+    /// @return the hidden window, null when it could not be created
+    virtual HWND GetWindow() = 0;
+
+    /// @return the result of PostMessageW to the hidden window. Without a window that reaches the calling thread's own
+    /// queue.
+    virtual BOOL PostToWindow(UINT message, WPARAM wParam, LPARAM lParam) = 0;
+
+    /// Waits until the window's thread has processed the message.
+    /// @return the result of SendMessageW to the hidden window
+    virtual LRESULT SendToWindow(UINT message, WPARAM wParam, LPARAM lParam) = 0;
+
+    /// The one server of the process, created with its window on the first call, on the calling thread, and destroyed at
+    /// process exit.
+    /// @return never null
+    static QuonWndMsgServer* GetWndMsgServer();
+};
