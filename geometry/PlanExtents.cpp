@@ -4,7 +4,7 @@ namespace
 {
 
 /// Points of one block that each of the two runs of bounds takes.
-constexpr std::size_t kRunLength = 128;
+constexpr std::size_t kRunLength = 16;
 
 struct Bounds
 {

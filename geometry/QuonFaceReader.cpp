@@ -19,16 +19,39 @@ void AddPoints(PlanExtents& extents, const VxGePoint3dArray& points)
     extents.Add(points.GetPoints(), static_cast<std::size_t>(points.GetLogicalLength()));
 }
 
+/// Appends in one go where the array can; the host's may know only single points.
+template <typename Array>
+void AppendRun(Array& to, const VxGePoint3d* points, int count)
+{
+    if constexpr (requires { to.Append(points, count); })
+    {
+        to.Append(points, count);
+    }
+    else
+    {
+        for (int i = 0; i < count; ++i)
+        {
+            to.Append(points[i]);
+        }
+    }
+}
+
 /// Appends three points of `from`, from `first` on. Only the storage bounds them, not the logical length: past that, what
 /// the storage holds is taken. Past the storage there is nothing to take, there the origin stands in.
 void AppendTriangle(VxGePoint3dArray& to, const VxGePoint3dArray& from, unsigned int first)
 {
-    const VxGePoint3d* const points = from.GetPoints();
+    const VxGePoint3d* points = from.GetPoints() + first;
     const auto stored = static_cast<unsigned int>(from.GetPhysicalLength());
-    for (unsigned int index = first; index < first + kTriangleCorners; ++index)
+    VxGePoint3d cut[kTriangleCorners];
+    if (stored < first + kTriangleCorners)
     {
-        to.Append(index < stored ? points[index] : VxGePoint3d{0.0, 0.0, 0.0});
+        for (unsigned int i = 0; i < kTriangleCorners; ++i)
+        {
+            cut[i] = first + i < stored ? points[i] : VxGePoint3d{0.0, 0.0, 0.0};
+        }
+        points = cut;
     }
+    AppendRun(to, points, int{kTriangleCorners});
 }
 
 }  // namespace

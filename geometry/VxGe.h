@@ -16,11 +16,6 @@
 
 #include "module/Export.h"
 
-#include <cstring>
-#include <limits>
-#include <new>
-#include <utility>
-
 /// A point in space.
 struct VxGePoint3d
 {
@@ -29,89 +24,66 @@ struct VxGePoint3d
     double z;
 };
 
-/// Gives the storage `points` of `physicalLength` points (null for 0) room for `newPhysicalLength` points and keeps those
-/// that fit. Every point that the storage gains is (0, 0, 0) or one that stood there before a shrinking.
-///
-/// All arrays, of every module, take and return their storage here: it belongs to one heap whichever module grows or
-/// frees an array, and whatever C run-time that module has.
-/// @return the storage, null for the new length 0; null also when memory is exhausted, `points` then stays as it is.
-QUON_API VxGePoint3d* VxGeResizeStorage(VxGePoint3d* points, int physicalLength, int newPhysicalLength);
-
 /// A growable array of points. Removing and assigning keep the storage, so that an array which is filled again and again
 /// allocates only while it has not yet had room for its largest contents.
 ///
-/// Whatever needs more storage throws std::bad_alloc when there is none; the array then stays as it was.
-/// Not for several threads at a time.
+/// All that takes or returns storage is done inside the library: whichever module grows or ends an array, and whatever C
+/// run-time that module has, the storage belongs to one heap. What needs more storage throws std::bad_alloc when there is
+/// none; the array then stays as it was. Not for several threads at a time.
 class VxGePoint3dArray
 {
 public:
     /// An empty array with room for `physicalLength` points; it grows by `growLength` points at a time (at least 1).
-    explicit VxGePoint3dArray(int physicalLength = 0, int growLength = 8) : m_growLength(growLength)
-    {
-        SetPhysicalLength(physicalLength);
-    }
+    QUON_API explicit VxGePoint3dArray(int physicalLength = 0, int growLength = 8);
 
     /// A deep copy with room for just the points of `other`; its grow length is that of `other`.
-    VxGePoint3dArray(const VxGePoint3dArray& other) : m_growLength(other.m_growLength) { *this = other; }
+    QUON_API VxGePoint3dArray(const VxGePoint3dArray& other);
 
-    /// Takes the storage of `other`, which is empty afterwards.
-    VxGePoint3dArray(VxGePoint3dArray&& other) noexcept : m_growLength(other.m_growLength) { Swap(other); }
+    /// Takes the storage of `other`, which has none afterwards.
+    QUON_API VxGePoint3dArray(VxGePoint3dArray&& other) noexcept;
 
-    ~VxGePoint3dArray() { VxGeResizeStorage(m_points, m_physicalLength, 0); }
+    QUON_API ~VxGePoint3dArray();
 
     /// Replaces the points by copies of those of `other`. Storage that suffices is kept, so is the grow length.
-    VxGePoint3dArray& operator=(const VxGePoint3dArray& other)
-    {
-        if (this != &other)
-        {
-            if (other.m_logicalLength > m_physicalLength)
-            {
-                SetPhysicalLength(other.m_logicalLength);
-            }
-            if (other.m_logicalLength > 0)
-            {
-                std::memcpy(m_points, other.m_points,
-                            static_cast<std::size_t>(other.m_logicalLength) * sizeof(VxGePoint3d));
-            }
-            m_logicalLength = other.m_logicalLength;
-        }
-        return *this;
-    }
+    QUON_API VxGePoint3dArray& operator=(const VxGePoint3dArray& other);
 
     /// Exchanges all with `other`, the grow length included.
-    VxGePoint3dArray& operator=(VxGePoint3dArray&& other) noexcept
-    {
-        Swap(other);
-        return *this;
-    }
+    QUON_API VxGePoint3dArray& operator=(VxGePoint3dArray&& other) noexcept;
 
     /// Adds a copy of `point` at the end; `point` may be one of the array's own.
     void Append(const VxGePoint3d& point)
     {
-        const VxGePoint3d copy = point;
         if (m_logicalLength >= m_physicalLength)
         {
-            Grow();
+            AppendGrowing(&point, 1);
+            return;
         }
-        m_points[m_logicalLength++] = copy;
+        m_points[m_logicalLength] = point;
+        m_logicalLength += 1;
+    }
+
+    /// Adds copies of the `count` points from `points` on, which may be the array's own.
+    void Append(const VxGePoint3d* points, int count)
+    {
+        if (count > m_physicalLength - m_logicalLength)
+        {
+            AppendGrowing(points, count);
+            return;
+        }
+        VxGePoint3d* const end = m_points + m_logicalLength;
+        for (int i = 0; i < count; ++i)
+        {
+            end[i] = points[i];
+        }
+        m_logicalLength += count;
     }
 
     /// Removes all points and keeps the storage.
     void RemoveAll() { m_logicalLength = 0; }
 
-    /// Makes room for exactly `physicalLength` points (0 for less than 0); points beyond are removed.
-    void SetPhysicalLength(int physicalLength)
-    {
-        const int length = physicalLength > 0 ? physicalLength : 0;
-        VxGePoint3d* const points = VxGeResizeStorage(m_points, m_physicalLength, length);
-        if (points == nullptr && length > 0)
-        {
-            throw std::bad_alloc();
-        }
-        m_points = points;
-        m_physicalLength = length;
-        m_logicalLength = m_logicalLength < length ? m_logicalLength : length;
-    }
+    /// Makes room for exactly `physicalLength` points (0 for less than 0); points beyond are removed. Room that is gained
+    /// holds (0, 0, 0), or a point that stood there before a shrinking.
+    QUON_API void SetPhysicalLength(int physicalLength);
 
     /// The first point; null while the physical length is 0. Valid until the array grows, is assigned to or ends.
     VxGePoint3d* GetPoints() { return m_points; }
@@ -121,7 +93,7 @@ public:
     int GetPhysicalLength() const { return m_physicalLength; }
     /// The points in use.
     int GetLogicalLength() const { return m_logicalLength; }
-    /// The points that the storage gains whenever an appended point finds it full.
+    /// The points that the storage gains, once or several times, whenever appended points find it full.
     int GetGrowLength() const { return m_growLength; }
     bool IsEmpty() const { return m_logicalLength == 0; }
 
@@ -135,27 +107,11 @@ public:
     const VxGePoint3d* end() const { return m_points + m_logicalLength; }
 
 private:
-    void Grow()
-    {
-        const int growLength = m_growLength > 0 ? m_growLength : 1;
-        if (m_physicalLength > (std::numeric_limits<int>::max)() - growLength)
-        {
-            throw std::bad_alloc();
-        }
-        SetPhysicalLength(m_physicalLength + growLength);
-    }
+    QUON_API void AppendGrowing(const VxGePoint3d* points, int count);
 
-    void Swap(VxGePoint3dArray& other) noexcept
-    {
-        std::swap(m_points, other.m_points);
-        std::swap(m_physicalLength, other.m_physicalLength);
-        std::swap(m_logicalLength, other.m_logicalLength);
-        std::swap(m_growLength, other.m_growLength);
-    }
-
-    VxGePoint3d* m_points = nullptr;
-    int m_physicalLength = 0;
-    int m_logicalLength = 0;
+    VxGePoint3d* m_points;
+    int m_physicalLength;
+    int m_logicalLength;
     int m_growLength;
 };
 

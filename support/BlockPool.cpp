@@ -2,6 +2,8 @@
 
 #include "support/BlockPoolInternal.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <cstring>
 
@@ -10,9 +12,11 @@ using namespace QuonBlockPool_details;
 namespace
 {
 
-char* FirstElement(PageHeader* page)
+std::uintptr_t SystemPageSize()
 {
-    return reinterpret_cast<char*>(page) + kElementsOffset;
+    SYSTEM_INFO system{};
+    ::GetSystemInfo(&system);
+    return system.dwPageSize;
 }
 
 /// Links the elements of `page` into a chain in address order and puts it in front of the list.
@@ -41,76 +45,15 @@ void LinkElements(void** listHead, PageHeader* page)
     *listHead = first;
 }
 
-/// The two ends of the elements of one page on their list, as far as there is just one of each.
-struct Runs
-{
-    std::size_t count = 0;
-    void* before = nullptr;
-    void* after = nullptr;
-};
-
-/// Counts the runs of neighbours that the elements of `page`, which are all free, form on the list.
-Runs FindRuns(PageHeader* page)
-{
-    Runs runs;
-    char* element = FirstElement(page);
-    for (std::uint64_t i = 0; i < page->capacity; ++i, element += page->elementSize)
-    {
-        void* const previous = Previous(element);
-        void* const next = Next(element);
-        if (PageOf(previous) != page)
-        {
-            runs.count += 1;
-            runs.before = previous;
-        }
-        if (PageOf(next) != page)
-        {
-            runs.after = next;
-        }
-    }
-    return runs;
-}
-
-void UnlinkElements(void** listHead, PageHeader* page)
-{
-    const Runs runs = FindRuns(page);
-    if (runs.count == 1)
-    {
-        // Mostly a page's elements are neighbours on the list: then the whole run is taken out at once.
-        if (runs.before != nullptr)
-        {
-            SetNext(runs.before, runs.after);
-        }
-        else
-        {
-            *listHead = runs.after;
-        }
-        if (runs.after != nullptr)
-        {
-            SetPrevious(runs.after, runs.before);
-        }
-        return;
-    }
-    char* element = FirstElement(page);
-    for (std::uint64_t i = 0; i < page->capacity; ++i, element += page->elementSize)
-    {
-        Unlink(listHead, element);
-    }
-}
-
-/// Returns a page without an element in use to the pool.
-void ReturnPage(void** listHead, PageHeader* page)
-{
-    UnlinkElements(listHead, page);
-    ReleasePage(page);
-}
-
 }  // namespace
+
+// Beside the functions that read it for every element, which spares them an indirection.
+const std::uintptr_t QuonBlockPool_details::g_pageMask = ~(SystemPageSize() - 1);
 
 void* PoolAddPage(void** listHead, std::size_t* elementSize)
 {
     const std::size_t size = (std::max)(*elementSize, kLinksSize);
-    const std::size_t capacity = (g_pageSize - kElementsOffset) / size;
+    const std::size_t capacity = (PageSize() - kElementsOffset) / size;
     auto* const page = static_cast<PageHeader*>(TakePage());
     if (page == nullptr)
     {

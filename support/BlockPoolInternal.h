@@ -61,13 +61,13 @@ inline void Unlink(void** listHead, void* node)
 {
     void* const previous = Previous(node);
     void* const next = Next(node);
+    if (*listHead == node)
+    {
+        *listHead = next;
+    }
     if (previous != nullptr)
     {
         SetNext(previous, next);
-    }
-    else
-    {
-        *listHead = next;
     }
     if (next != nullptr)
     {
@@ -75,19 +75,28 @@ inline void Unlink(void** listHead, void* node)
     }
 }
 
-/// The system's page size and the mask that clears an address's offset within its page.
-extern const std::size_t g_pageSize;
+/// Clears an address's offset within its page: the negation of the system's page size.
 extern const std::uintptr_t g_pageMask;
+
+inline std::size_t PageSize()
+{
+    return ~g_pageMask + 1;
+}
 
 inline PageHeader* PageOf(const void* address)
 {
     return reinterpret_cast<PageHeader*>(reinterpret_cast<std::uintptr_t>(address) & g_pageMask);
 }
 
+inline char* FirstElement(PageHeader* page)
+{
+    return reinterpret_cast<char*>(page) + kElementsOffset;
+}
+
 /// @return a page of any contents; null when the system has no memory.
 void* TakePage();
 
-/// Takes back a page that holds no element in use and is on no list of elements.
-void ReleasePage(PageHeader* page);
+/// Takes the elements of `page`, which are all free, off the list and takes the page back.
+void ReturnPage(void** listHead, PageHeader* page);
 
 }  // namespace QuonBlockPool_details
