@@ -13,8 +13,8 @@ struct Bounds
     double maxX;
     double maxY;
 
-    // Each line is one minimum or maximum instruction, with exactly the outcome for NaN and equal values that is wanted:
-    // the bound is the operand that stays.
+    // Each line is one minimum or maximum instruction, with exactly the outcome for NaN and equal values that is
+    // wanted: the bound is the operand that stays.
     void Add(double x, double y)
     {
         minX = x < minX ? x : minX;
@@ -42,7 +42,8 @@ void PlanExtents::Add(const VxGePoint3d* points, std::size_t count)
     const Bounds none{m_start, m_start, -m_start, -m_start};
     Bounds total{m_minX, m_minY, m_maxX, m_maxY};
     // One run of bounds waits for the previous point's comparison; two runs keep up with the memory. Each takes
-    // neighbouring points, and they are joined in storage order, so that the result is that of the plain loop to the bit.
+    // neighbouring points, and they are joined in storage order, so that the result is that of the plain loop to the
+    // bit.
     for (; count >= 2 * kRunLength; count -= 2 * kRunLength, points += 2 * kRunLength)
     {
         Bounds second = none;

@@ -36,8 +36,8 @@ void AppendRun(Array& to, const VxGePoint3d* points, int count)
     }
 }
 
-/// Appends three points of `from`, from `first` on. Only the storage bounds them, not the logical length: past that, what
-/// the storage holds is taken. Past the storage there is nothing to take, there the origin stands in.
+/// Appends three points of `from`, from `first` on. Only the storage bounds them, not the logical length: past that,
+/// what the storage holds is taken. Past the storage there is nothing to take, there the origin stands in.
 void AppendTriangle(VxGePoint3dArray& to, const VxGePoint3dArray& from, unsigned int first)
 {
     const VxGePoint3d* points = from.GetPoints() + first;

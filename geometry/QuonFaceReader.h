@@ -25,7 +25,8 @@ public:
     QuonFaceReader(const QuonFaceReader&) = delete;
     QuonFaceReader& operator=(const QuonFaceReader&) = delete;
 
-    /// Writes the next face into `face`, whose previous contents are discarded. Faces come in the order of their adding.
+    /// Writes the next face into `face`, whose previous contents are discarded. Faces come in the order of their
+    /// adding.
     /// @return false when there is none left; `face` is then untouched.
     virtual bool GetNextFace(VxGePoint3dArray& face) = 0;
 
@@ -35,9 +36,9 @@ public:
     /// @return the number of faces, whether read or not.
     virtual int GetFaceCount() = 0;
 
-    /// Stores the smallest and largest x and y of all corners; z is ignored, and coordinates that are not a number leave
-    /// the extents as they are. Without corners the minima are the reader's start value and the maxima its negative. The
-    /// cursor stays where it is. No pointer may be null.
+    /// Stores the smallest and largest x and y of all corners; z is ignored, and coordinates that are not a number
+    /// leave the extents as they are. Without corners the minima are the reader's start value and the maxima its
+    /// negative. The cursor stays where it is. No pointer may be null.
     virtual void GetExtents(double* minX, double* minY, double* maxX, double* maxY) = 0;
 
     virtual ~QuonFaceReader();

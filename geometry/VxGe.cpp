@@ -18,9 +18,9 @@ namespace
 
 constexpr unsigned int kLargestExactLength = 64;
 
-/// The points that the block for `physicalLength` points really holds. An array grows by a fixed, small number of points;
-/// if its block grew as often, appending n points would copy n * n of them. Blocks of more than a few points are
-/// therefore rounded up by at most a quarter, and most growths find room in the block that is there.
+/// The points that the block for `physicalLength` points really holds. An array grows by a fixed, small number of
+/// points; if its block grew as often, appending n points would copy n * n of them. Blocks of more than a few points
+/// are therefore rounded up by at most a quarter, and most growths find room in the block that is there.
 std::size_t BlockLength(int physicalLength)
 {
     const auto length = static_cast<unsigned int>(physicalLength);
@@ -96,7 +96,8 @@ VxGePoint3dArray& VxGePoint3dArray::operator=(const VxGePoint3dArray& other)
         }
         if (other.m_logicalLength > 0)
         {
-            std::memcpy(m_points, other.m_points, static_cast<std::size_t>(other.m_logicalLength) * sizeof(VxGePoint3d));
+            std::memcpy(m_points, other.m_points,
+                        static_cast<std::size_t>(other.m_logicalLength) * sizeof(VxGePoint3d));
         }
         m_logicalLength = other.m_logicalLength;
     }

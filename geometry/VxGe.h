@@ -24,12 +24,12 @@ struct VxGePoint3d
     double z;
 };
 
-/// A growable array of points. Removing and assigning keep the storage, so that an array which is filled again and again
-/// allocates only while it has not yet had room for its largest contents.
+/// A growable array of points. Removing and assigning keep the storage, so that an array which is filled again and
+/// again allocates only while it has not yet had room for its largest contents.
 ///
-/// All that takes or returns storage is done inside the library: whichever module grows or ends an array, and whatever C
-/// run-time that module has, the storage belongs to one heap. What needs more storage throws std::bad_alloc when there is
-/// none; the array then stays as it was. Not for several threads at a time.
+/// All that takes or returns storage is done inside the library: whichever module grows or ends an array, and whatever
+/// C run-time that module has, the storage belongs to one heap. What needs more storage throws std::bad_alloc when
+/// there is none; the array then stays as it was. Not for several threads at a time.
 class VxGePoint3dArray
 {
 public:
@@ -81,8 +81,8 @@ public:
     /// Removes all points and keeps the storage.
     void RemoveAll() { m_logicalLength = 0; }
 
-    /// Makes room for exactly `physicalLength` points (0 for less than 0); points beyond are removed. Room that is gained
-    /// holds (0, 0, 0), or a point that stood there before a shrinking.
+    /// Makes room for exactly `physicalLength` points (0 for less than 0); points beyond are removed. Room that is
+    /// gained holds (0, 0, 0), or a point that stood there before a shrinking.
     QUON_API void SetPhysicalLength(int physicalLength);
 
     /// The first point; null while the physical length is 0. Valid until the array grows, is assigned to or ends.

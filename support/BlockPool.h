@@ -1,9 +1,9 @@
 /// @file
 /// A process-wide pool of small elements of equal size.
 ///
-/// Memory comes from the system in regions of 16 pages and is handed out page by page; a page is carved into elements of
-/// one size, which sit on a free list. The list's head belongs to the caller: one head, null at first, for each element
-/// size and each user of its own.
+/// Memory comes from the system in regions of 16 pages and is handed out page by page; a page is carved into elements
+/// of one size, which sit on a free list. The list's head belongs to the caller: one head, null at first, for each
+/// element size and each user of its own.
 ///
 /// ```cpp
 /// void* freeNodes = nullptr;
@@ -35,7 +35,7 @@
 QUON_API void* PoolAddPage(void** listHead, std::size_t* elementSize);
 
 /// Takes the first element off the list, which must not be empty.
-/// @return the element. Its first 16 bytes were used by the list, the others are as the last user left them (0 at first).
+/// @return the element, whose contents are undefined.
 QUON_API void* PoolAllocate(void** listHead);
 
 /// Gives an element back, in front of the list that it came from. When it is the last one of its page that was in use,

@@ -21,7 +21,8 @@ std::uintptr_t SystemGranularity()
 
 using RegionTable = std::map<std::uintptr_t, std::uint32_t>;
 
-/// What all lists of the process share. The regions are not given back at the library's end: elements may still be in use.
+/// What all lists of the process share. The regions are not given back at the library's end: elements may still be in
+/// use.
 struct PoolState
 {
     const std::uintptr_t regionMask = ~(SystemGranularity() - 1);

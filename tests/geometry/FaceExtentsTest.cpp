@@ -84,7 +84,8 @@ void ExpectAllReadersAgree(const std::vector<VxGePoint3d>& points, std::mt19937&
         triangle.Append(points.data() + i, 3);
         triangles.AddFace(triangle);
     }
-    ExpectSameBits(ExtentsOf(triangles), PlainExtents({points.begin(), points.begin() + static_cast<long>(whole)}, kLargest));
+    ExpectSameBits(ExtentsOf(triangles),
+                   PlainExtents({points.begin(), points.begin() + static_cast<long>(whole)}, kLargest));
 
     QuonMultiPolyFaceReader polygons;
     for (std::size_t i = 0; i < points.size();)
@@ -153,10 +154,7 @@ TEST(FaceExtents, FollowTheStrictComparisons)
         Extents multi;
     };
     const Row rows[] = {
-        {"NaN never moves a bound",
-         {{kNaN, 1, 0}, {2, kNaN, 0}, {kNaN, kNaN, 0}},
-         {2, 1, 2, 1},
-         {2, 1, 2, 1}},
+        {"NaN never moves a bound", {{kNaN, 1, 0}, {2, kNaN, 0}, {kNaN, kNaN, 0}}, {2, 1, 2, 1}, {2, 1, 2, 1}},
         {"nothing but NaN leaves the start values",
          {{kNaN, kNaN, 0}, {kNaN, kNaN, 0}, {kNaN, kNaN, 0}},
          {kInfinity, kInfinity, -kInfinity, -kInfinity},
@@ -197,8 +195,9 @@ TEST(FaceExtents, FollowTheStrictComparisons)
 TEST(FaceExtents, AreThoseOfThePlainLoopToTheBit)
 {
     std::mt19937 random(1309);
-    const double special[] = {0.0,       -0.0, 1.0,      -1.0,      kInfinity, -kInfinity, kNaN, std::copysign(kNaN, -1.0),
-                              kLargest,  5e-324, -5e-324, -kLargest};
+    const double special[] = {0.0,       -0.0,       1.0,     -1.0,
+                              kInfinity, -kInfinity, kNaN,    std::copysign(kNaN, -1.0),
+                              kLargest,  5e-324,     -5e-324, -kLargest};
     for (int round = 0; round < 3000; ++round)
     {
         SCOPED_TRACE(round);

@@ -282,8 +282,7 @@ TEST(QuonMultiPolyFaceReader, HandsPolygonsOutInTheOrderAdded)
     for (int pass = 0; pass < 2; ++pass)
     {
         SCOPED_TRACE(pass);
-        ExpectFaces(reader,
-                    {ToVector(MakeRun(0, 6)), {}, ToVector(MakeRun(20, 1)), ToVector(MakeRun(30, 100))});
+        ExpectFaces(reader, {ToVector(MakeRun(0, 6)), {}, ToVector(MakeRun(20, 1)), ToVector(MakeRun(30, 100))});
         EXPECT_EQ(reader.GetFaceCount(), 4);
         reader.Reset();
     }
@@ -375,6 +374,16 @@ TEST(FaceReaders, DoNotMoveOnWhenMemoryIsExhausted)
     EXPECT_THROW(polygons.AddFace(more), std::bad_alloc);
     counter.SetExhausted(false);
     EXPECT_EQ(polygons.GetFaceCount(), 1);
+
+    // Two triangles leave room for two corners of the eight that the array grows by.
+    EXPECT_EQ(triangles.AddFace(more), 2);
+    counter.SetExhausted(true);
+    EXPECT_THROW(triangles.AddFace(more), std::bad_alloc);
+    counter.SetExhausted(false);
+    EXPECT_EQ(triangles.GetFaceCount(), 2);
+    EXPECT_EQ(triangles.AddFace(MakeRun(5, 3)), 3);
+    triangles.Reset();
+    ExpectFaces(triangles, {ToVector(Triangle(0)), ToVector(MakeRun(0, 3)), ToVector(MakeRun(5, 3))});
 }
 
 TEST(FaceReaders, AreDeletedThroughTheirInterface)

@@ -199,11 +199,11 @@ TEST(PointReaders, KeepTheOrderOfTheirSlots)
         VxGePoint3d point{};
         for (int pass = 0; pass < 2; ++pass)
         {
-            EXPECT_TRUE((CallSlot<bool, double*, double*, double*, bool*>(*reader, 0, &point.x, &point.y, &point.z,
-                                                                          nullptr)));
+            EXPECT_TRUE(
+                (CallSlot<bool, double*, double*, double*, bool*>(*reader, 0, &point.x, &point.y, &point.z, nullptr)));
             EXPECT_TRUE(SameBits(point, points[0]));
-            EXPECT_FALSE((CallSlot<bool, double*, double*, double*, bool*>(*reader, 0, &point.x, &point.y, &point.z,
-                                                                           nullptr)));
+            EXPECT_FALSE(
+                (CallSlot<bool, double*, double*, double*, bool*>(*reader, 0, &point.x, &point.y, &point.z, nullptr)));
             CallSlot<void>(*reader, 1);
         }
         EXPECT_EQ((CallSlot<int>(*reader, 2)), 1);

@@ -204,16 +204,9 @@ TEST(VxGePoint3dArray, AppendsItsOwnPointsWhileItsBlockMoves)
     array.SetPhysicalLength(40);
     array.Append(array.GetPoints(), 5);
     EXPECT_EQ(array.GetPhysicalLength(), 40);
-    ExpectPoints(array, {{1, 2, 3},
-                         {4, 5, 6},
-                         {1, 2, 3},
-                         {4, 5, 6},
-                         {1, 2, 3},
-                         {1, 2, 3},
-                         {4, 5, 6},
-                         {1, 2, 3},
-                         {4, 5, 6},
-                         {1, 2, 3}});
+    ExpectPoints(
+        array,
+        {{1, 2, 3}, {4, 5, 6}, {1, 2, 3}, {4, 5, 6}, {1, 2, 3}, {1, 2, 3}, {4, 5, 6}, {1, 2, 3}, {4, 5, 6}, {1, 2, 3}});
 }
 
 TEST(VxGePoint3dArray, AppendingARunGrowsByWholeGrowLengths)

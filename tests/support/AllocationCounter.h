@@ -9,10 +9,11 @@
 namespace quon_test
 {
 
-/// While it lives, counts the library's calls of malloc, realloc and free, and lets realloc fail on demand. One at a time.
+/// While it lives, counts the library's calls of malloc, realloc and free, and lets realloc fail on demand. One at a
+/// time.
 ///
-/// What the compiler's run-time needs to throw never fails: the exception's memory comes from malloc, and a few bytes for
-/// each thread from realloc.
+/// What the compiler's run-time needs to throw never fails: the exception's memory comes from malloc, and a few bytes
+/// for each thread from realloc.
 class AllocationCounter
 {
 public:
