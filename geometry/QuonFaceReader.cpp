@@ -131,7 +131,7 @@ void QuonMultiTriFaceReader::GetExtents(double* minX, double* minY, double* maxX
 int QuonMultiTriFaceReader::AddFace(const VxGePoint3dArray& face)
 {
     AppendTriangle(*m_corners, face, 0);
-    return GetFaceCount();
+    return QuonMultiTriFaceReader::GetFaceCount();
 }
 
 QuonMultiPolyFaceReader::QuonMultiPolyFaceReader() : m_polygons(new std::vector<VxGePoint3dArray>), m_cursor(0) {}
