@@ -59,8 +59,8 @@ struct QuonFileInfo
 ///
 /// **Comparing.** There are no comparison operators; `==` with a string would compare addresses. Compare the texts.
 ///
-/// **Failures and threads.** Nothing but lack of memory throws; an object is then as it was before the call. There are
-/// no locks: one object is used by one thread at a time, different objects by any.
+/// **Failures and threads.** Nothing but lack of memory throws. There are no locks: one object is used by one thread at
+/// a time, different objects by any.
 class QUON_API QuonPath
 {
 public:
@@ -106,9 +106,9 @@ public:
     /// normalizes, each as far as the flags ask for it.
     void ApplyFlags(QuonPathFlags flags);
 
-    /// Sets the text to a well-known folder; the separator stays. When the system cannot tell the folder, or for an
-    /// unknown id, the text stays as it is. Names of more than 260 characters are cut or, where the system gives none
-    /// that is cut, count as not told.
+    /// Sets the text to a well-known folder; the separator stays. When the system does not tell the folder, or for an
+    /// unknown id, the text stays as it is. The system is given room for 260 characters: what is longer it cuts or does
+    /// not tell.
     void SetToFolder(QuonFolderId folder);
 
     /// Joins in place: normalizes this path (even when nothing is appended), normalizes `other` with this path's
