@@ -21,7 +21,7 @@ void Push(MatcherStack& stack, const wchar_t* folder, const wchar_t* pattern, un
     matcher->SetSkipDots(TRUE);
     matcher->FindFirst(folder, pattern, filter);
     stack.AddTail(matcher.get());
-    matcher.release();
+    static_cast<void>(matcher.release());
 }
 
 // From `folder`, which the deepest matcher searches, down to a folder without (further) subfolders: its matcher, which
