@@ -373,6 +373,17 @@ TEST(CStringEditTest, Tokenizes)
     }
 }
 
+TEST(CStringEditTest, TokenizingWithoutDelimitersStaysWhereItIs)
+{
+    const CString text(L"a,b");
+    int position = 1;
+    EXPECT_EQ(Text(text.Tokenize(L"", position)), L",b");
+    EXPECT_EQ(position, 1);
+    position = 3;
+    EXPECT_EQ(Text(text.Tokenize(L"", position)), L"");
+    EXPECT_EQ(position, -1);
+}
+
 TEST(CStringEditTest, Formats)
 {
     CString text(L"before");

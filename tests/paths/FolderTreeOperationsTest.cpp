@@ -259,6 +259,19 @@ TEST_F(RemoveCurrentFolder, MakesTheParentCurrent)
     EXPECT_FALSE(m_root.Exists(L"from"));
 }
 
+TEST_F(RemoveCurrentFolder, MakesTheParentCurrentAlsoForAFolderGivenWithASeparatorAtItsEnd)
+{
+    EXPECT_EQ(RemoveWhileIn(m_root / L"from", m_root / L"from//"), m_root.Path());
+    EXPECT_FALSE(m_root.Exists(L"from"));
+}
+
+TEST_F(RemoveCurrentFolder, ComparesForeignLettersWithoutCaseToo)
+{
+    m_root.WriteFile(L"\u00E4\u0436\\file");
+    EXPECT_EQ(RemoveWhileIn(m_root / L"\u00E4\u0436", m_root / L"\u00C4\u0416"), m_root.Path());
+    EXPECT_FALSE(m_root.Exists(L"\u00E4\u0436"));
+}
+
 TEST_F(RemoveCurrentFolder, LeavesAFolderFurtherDownAsWell)
 {
     EXPECT_EQ(RemoveWhileIn(m_root / L"from\\B\\B1", m_root / L"from\\"), m_root.Path());
