@@ -59,8 +59,9 @@ struct QuonFileInfo
 ///
 /// **Comparing.** There are no comparison operators; `==` with a string would compare addresses. Compare the texts.
 ///
-/// **Failures and threads.** Nothing but lack of memory throws. There are no locks: one object is used by one thread at
-/// a time, different objects by any.
+/// **Failures and threads.** Nothing but lack of memory throws (a `CMemoryException*`, as the framework's strings do),
+/// and Normalize() not even then. There are no locks: one object is used by one thread at a time, different objects by
+/// any.
 class QUON_API QuonPath
 {
 public:
@@ -129,7 +130,8 @@ public:
     /// Rewrites the text with the object's separator: every run of "\", "/" and double quotes between two components
     /// becomes one separator, a double quote parts components as a separator does and vanishes, two leading separators
     /// (a UNC path) stay two, one stays one, and a trailing run becomes one. "." and ".." are kept. A text of two
-    /// separators and nothing else becomes three.
+    /// separators and nothing else becomes three. Without memory for the new text the old one stays, and nothing is
+    /// thrown.
     void Normalize();
     /// Makes the separator "/" and normalizes.
     void NormalizeToSlashes();
