@@ -267,9 +267,15 @@ TEST_F(RemoveCurrentFolder, MakesTheParentCurrentAlsoForAFolderGivenWithASeparat
 
 TEST_F(RemoveCurrentFolder, ComparesForeignLettersWithoutCaseToo)
 {
-    m_root.WriteFile(L"\u00E4\u0436\\file");
-    EXPECT_EQ(RemoveWhileIn(m_root / L"\u00E4\u0436", m_root / L"\u00C4\u0416"), m_root.Path());
-    EXPECT_FALSE(m_root.Exists(L"\u00E4\u0436"));
+    const std::wstring lower = L"\u00E4\u0436";
+    const std::wstring upper = L"\u00C4\u0416";
+    for (const auto& [current, removed] : {std::pair(lower, upper), std::pair(upper, lower)})
+    {
+        SCOPED_TRACE(testing::PrintToString(current));
+        m_root.WriteFile(current + L"\\file");
+        EXPECT_EQ(RemoveWhileIn(m_root / current, m_root / removed), m_root.Path());
+        EXPECT_FALSE(m_root.Exists(current));
+    }
 }
 
 TEST_F(RemoveCurrentFolder, LeavesAFolderFurtherDownAsWell)

@@ -279,6 +279,36 @@ TEST(SearchHandles, DepthFirstTreeKeepsOnePerLevel)
     EXPECT_EQ(journal.OpenNow(), 0u);
 }
 
+// The last events that closed something, without what came before.
+Names Closings(const Names& events, std::size_t count)
+{
+    return Names(events.end() - static_cast<std::ptrdiff_t>(count), events.end());
+}
+
+TEST(SearchHandles, DepthFirstTreeClosesFromTheRootDown)
+{
+    const TemporaryFolder folder;
+    folder.MakeFolder(L"A\\A1");
+    SearchJournal journal;
+    QuonDFSDirectoryTree tree;
+    tree.FindFirst(folder.Path().c_str(), L"*", 0);
+    tree.Close();
+    EXPECT_EQ(Closings(journal.Events(), 3), (Names{L"close " + folder.Path() + L"\\*", L"close " + (folder / L"A\\*"),
+                                                    L"close " + (folder / L"A\\A1\\*")}));
+}
+
+TEST(SearchHandles, FileTreeClosesTheSearchForFilesFirst)
+{
+    const TemporaryFolder folder;
+    folder.WriteFile(L"A\\file");
+    SearchJournal journal;
+    QuonDFSFileTree tree;
+    tree.FindFirst(folder.Path().c_str(), L"f*", 0);
+    tree.Close();
+    EXPECT_EQ(Closings(journal.Events(), 3), (Names{L"close " + (folder / L"A\\f*"), L"close " + folder.Path() + L"\\*",
+                                                    L"close " + (folder / L"A\\*")}));
+}
+
 TEST(SearchHandles, DepthFirstTreeSearchesEveryLevelForThePattern)
 {
     const TemporaryFolder folder;
