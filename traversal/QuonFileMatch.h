@@ -10,8 +10,8 @@
 /// 2 it must be clear, 3 nothing matches. The names below are the fields' values 1 and 2; codes of different fields are
 /// combined with `|`. Bits above 15 are ignored.
 ///
-/// A filter is *not* a set of `FILE_ATTRIBUTE_` flags. Two codes merely coincide with one: 0x10 is "must be a folder" and
-/// also FILE_ATTRIBUTE_DIRECTORY; 0x20 is "must not be a folder" and also FILE_ATTRIBUTE_ARCHIVE.
+/// A filter is *not* a set of `FILE_ATTRIBUTE_` flags. Two codes merely coincide with one: 0x10 is "must be a folder"
+/// and also FILE_ATTRIBUTE_DIRECTORY; 0x20 is "must not be a folder" and also FILE_ATTRIBUTE_ARCHIVE.
 /// @{
 inline constexpr unsigned int kQuonMatchEverything = 0;         ///< no condition at all
 inline constexpr unsigned int kQuonMatchArchive = 0x1;          ///< the archive bit must be set
@@ -64,19 +64,21 @@ public:
     /// Whether there is a current match.
     virtual bool IsFound() const = 0;
 
-    /// The full path of the current match, with the separator "\".
+    /// The full path of the current match, with the separator `\`.
     virtual QuonPath GetFoundPath() const = 0;
 
-    /// The path of the current match relative to the folder, with the separator "\".
+    /// The path of the current match relative to the folder, with the separator `\`.
     virtual QuonPath GetFoundName() const = 0;
 
-    /// The folder given to FindFirst, as given, with the separator "\"; empty before FindFirst and after Close.
+    /// The folder given to FindFirst, as given, with the separator `\`; empty before FindFirst and after Close.
     virtual QuonPath GetFolder() const = 0;
 
     virtual ~QuonFileMatch();
 
 protected:
     QuonFileMatch();
+    /// For copying of derived classes; there is nothing here to copy.
     QuonFileMatch(const QuonFileMatch&);
+    /// For assignment of derived classes; there is nothing here to assign.
     QuonFileMatch& operator=(const QuonFileMatch&);
 };

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 
 #include "support/SearchJournal.h"
 #include "support/TemporaryFolder.h"
@@ -28,16 +29,11 @@ TEST(SearchCall, TwoFiltersExactlyLimitTheSearchToFolders)
         unsigned int filter;
         FINDEX_SEARCH_OPS operation;
     } kRows[] = {
-        {0x10, FindExSearchLimitToDirectories},
-        {0x2090, FindExSearchLimitToDirectories},
-        {0x0, FindExSearchNameMatch},
-        {0x20, FindExSearchNameMatch},
-        {0x30, FindExSearchNameMatch},
-        {0x11, FindExSearchNameMatch},
-        {0x12, FindExSearchNameMatch},
-        {0x90, FindExSearchNameMatch},
-        {0x2010, FindExSearchNameMatch},
-        {0x2091, FindExSearchNameMatch},
+        {0x10, FindExSearchLimitToDirectories}, {0x2090, FindExSearchLimitToDirectories},
+        {0x0, FindExSearchNameMatch},           {0x20, FindExSearchNameMatch},
+        {0x30, FindExSearchNameMatch},          {0x11, FindExSearchNameMatch},
+        {0x12, FindExSearchNameMatch},          {0x90, FindExSearchNameMatch},
+        {0x2010, FindExSearchNameMatch},        {0x2091, FindExSearchNameMatch},
         {0x10010, FindExSearchNameMatch},  // the same condition, but not the same code
         {0x80002090, FindExSearchNameMatch},
     };
@@ -258,7 +254,8 @@ TEST(SearchHandles, BreadthFirstTreeKeepsNoneOpen)
         EXPECT_EQ(journal.OpenNow(), 0u) << Text(tree.GetFoundName());
     }
     EXPECT_EQ(journal.MostOpen(), 1u);
-    EXPECT_EQ(journal.Paths(), (Names{folder / L"A*", folder / L"A\\*", folder / L"A\\A1\\*", folder / L"A\\A1\\A11\\*"}));
+    EXPECT_EQ(journal.Paths(),
+              (Names{folder / L"A*", folder / L"A\\*", folder / L"A\\A1\\*", folder / L"A\\A1\\A11\\*"}));
     for (const quon_test::SearchOpening& call : journal.Openings())
     {
         EXPECT_EQ(call.operation, FindExSearchLimitToDirectories);
@@ -274,12 +271,53 @@ TEST(SearchHandles, DepthFirstTreeKeepsOnePerLevel)
     SearchJournal journal;
     QuonDFSDirectoryTree tree;
     std::vector<std::size_t> open;
-    for (tree.FindFirst(folder.Path().c_str(), L"A*", 0); tree.IsFound(); tree.FindNext())
+    for (tree.FindFirst(folder.Path().c_str(), L"*", 0); tree.IsFound(); tree.FindNext())
     {
         open.push_back(journal.OpenNow());
     }
-    EXPECT_EQ(open, (std::vector<std::size_t>{4, 3, 2, 2, 1}));
+    EXPECT_EQ(open, (std::vector<std::size_t>{4, 3, 2, 2, 2, 1}));
     EXPECT_EQ(journal.OpenNow(), 0u);
+}
+
+// The last events that closed something, without what came before.
+Names Closings(const Names& events, std::size_t count)
+{
+    return Names(events.end() - static_cast<std::ptrdiff_t>(count), events.end());
+}
+
+TEST(SearchHandles, DepthFirstTreeClosesFromTheRootDown)
+{
+    const TemporaryFolder folder;
+    folder.MakeFolder(L"A\\A1");
+    SearchJournal journal;
+    QuonDFSDirectoryTree tree;
+    tree.FindFirst(folder.Path().c_str(), L"*", 0);
+    tree.Close();
+    EXPECT_EQ(Closings(journal.Events(), 3), (Names{L"close " + folder.Path() + L"\\*", L"close " + (folder / L"A\\*"),
+                                                    L"close " + (folder / L"A\\A1\\*")}));
+}
+
+TEST(SearchHandles, FileTreeClosesTheSearchForFilesFirst)
+{
+    const TemporaryFolder folder;
+    folder.WriteFile(L"A\\file");
+    SearchJournal journal;
+    QuonDFSFileTree tree;
+    tree.FindFirst(folder.Path().c_str(), L"f*", 0);
+    tree.Close();
+    EXPECT_EQ(Closings(journal.Events(), 3), (Names{L"close " + (folder / L"A\\f*"), L"close " + folder.Path() + L"\\*",
+                                                    L"close " + (folder / L"A\\*")}));
+}
+
+TEST(SearchHandles, DepthFirstTreeSearchesEveryLevelForThePattern)
+{
+    const TemporaryFolder folder;
+    folder.MakeFolder(L"A\\A1\\A11");
+    folder.MakeFolder(L"AB");
+    folder.MakeFolder(L"B");
+    SearchJournal journal;
+    QuonDFSDirectoryTree tree;
+    Walk(tree, folder.Path(), L"A*", 0);
     EXPECT_EQ(journal.Paths(), (Names{folder / L"A*", folder / L"A\\A*", folder / L"A\\A1\\A*",
                                       folder / L"A\\A1\\A11\\A*", folder / L"AB\\A*"}));
     for (const quon_test::SearchOpening& call : journal.Openings())
@@ -311,6 +349,62 @@ TEST(SearchHandles, FileTreesWalkEveryFolderAndSearchEachForThePattern)
         EXPECT_EQ(journal.Openings()[3].operation, FindExSearchNameMatch);
         EXPECT_EQ(journal.OpenNow(), 1u);  // the search for files in the last folder, exhausted
     }
+}
+
+// Lets the n-th allocation of the library or of the framework fail.
+class FailingAllocation
+{
+public:
+    explicit FailingAllocation(int successes) : m_left(successes) { s_active = this; }
+    ~FailingAllocation() { s_active = nullptr; }
+    FailingAllocation(const FailingAllocation&) = delete;
+    FailingAllocation& operator=(const FailingAllocation&) = delete;
+
+    bool Failed() const { return m_left < 0; }
+
+private:
+    // Only the n-th one: what handles the failure may allocate again.
+    static void* __cdecl Allocate(std::size_t size)
+    {
+        return s_active->m_left-- == 0 ? nullptr : s_active->m_library.Original()(size);
+    }
+
+    static inline FailingAllocation* s_active = nullptr;
+    int m_left;
+    quon_test::ImportPatch<void*(__cdecl*)(std::size_t)> m_library{L"QuonWin32Utils.dll", "malloc", &Allocate};
+    quon_test::ImportPatch<void*(__cdecl*)(std::size_t)> m_framework{L"QuonFramework.dll", "malloc", &Allocate};
+};
+
+TYPED_TEST(SearchHandlesOf, AreAllClosedWhenMemoryRunsOut)
+{
+    const TemporaryFolder folder;
+    folder.MakeFolder(L"A\\A1");
+    folder.WriteFile(L"A\\file");
+    SearchJournal journal;
+    int thrown = 0;
+    bool failed = true;
+    for (int successes = 0; failed; ++successes)
+    {
+        ASSERT_LT(successes, 10000);
+        try
+        {
+            TypeParam match;
+            const FailingAllocation failing(successes);
+            Walk(match, folder.Path(), L"*", 0x20);
+            failed = failing.Failed();  // some failures are made up for
+        }
+        catch (const std::bad_alloc&)
+        {
+            ++thrown;
+        }
+        catch (CException* exception)
+        {
+            ++thrown;
+            exception->Delete();
+        }
+        ASSERT_EQ(journal.OpenNow(), 0u) << "after " << successes << " allocations";
+    }
+    EXPECT_GT(thrown, 0);
 }
 
 }  // namespace
