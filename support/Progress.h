@@ -12,7 +12,7 @@
 /// The functions with two arguments take them in the order b, a, the reverse of the callback's.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 #include "module/Export.h"
 

@@ -2,7 +2,7 @@
 /// Lines for the debugger's output, and message boxes that show an error.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 #include "module/Export.h"
 
