@@ -1,10 +1,12 @@
 // The helpers of StringHelpers.h that take texts apart and put them together.
 #include "support/StringHelpers.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cwchar>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace
 {
@@ -105,20 +107,29 @@ CString TakeSpaceToken(CString& rest)
 
 bool SplitCommaList(CString text, CStringArray& out)
 {
-    // What a loop over TakeCommaToken gives, without moving the rest of the text for each element.
+    // What a loop over TakeCommaToken gives, without moving the rest of the text for each element and without growing
+    // the array step by step: both would take quadratic time.
     const wchar_t* rest = text;
     const wchar_t* const end = rest + text.GetLength();
+    if (rest == end)
+    {
+        return true;
+    }
+    INT_PTR count = out.GetSize();
+    out.SetSize(count + 1 + std::count(rest, end, L','));
     while (rest != end)
     {
         const wchar_t* const comma = std::wcschr(rest, L',');
-        CString head(rest, static_cast<int>((comma != nullptr ? comma : end) - rest));
+        const wchar_t* const headEnd = comma != nullptr ? comma : end;
+        CString head(rest, static_cast<int>(headEnd - rest));
         head.Trim();
         if (!head.IsEmpty())
         {
-            out.Add(head);
+            out.ElementAt(count++) = std::move(head);
         }
         rest = comma != nullptr ? comma + 1 : end;
     }
+    out.SetSize(count);
     return true;
 }
 

@@ -47,6 +47,9 @@ TEST(GetSystemErrorText, IsEmptyForAnUnknownCode)
     EXPECT_TRUE(GetSystemErrorText(0x2FFFFFFF).IsEmpty());
 }
 
+// va_list spelt out: as a template argument the name would lose an attribute of the compiler's.
+using FormatMessageFunction = DWORD(WINAPI*)(DWORD, LPCVOID, DWORD, DWORD, LPWSTR, DWORD, char**);
+
 struct FormatCall
 {
     DWORD flags;
@@ -79,7 +82,7 @@ HLOCAL WINAPI CountingLocalFree(HLOCAL memory)
 
 TEST(GetSystemErrorText, AsksOnceAndReleasesTheBuffer)
 {
-    const ImportPatch<decltype(&::FormatMessageW)> format(kLibrary, "FormatMessageW", &RecordingFormatMessage);
+    const ImportPatch<FormatMessageFunction> format(kLibrary, "FormatMessageW", &RecordingFormatMessage);
     const ImportPatch<decltype(&::LocalFree)> release(kLibrary, "LocalFree", &CountingLocalFree);
     g_releases = 0;
     GetSystemErrorText(5);

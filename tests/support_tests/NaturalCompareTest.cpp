@@ -137,20 +137,13 @@ TEST(CompareNatural, GivesTheDifferenceOfTheDecidingNumbers)
 TEST(CompareNatural, CollatesTheRemaindersWhereNumbersDoNotDecide)
 {
     const CompareRow rows[] = {
-        {L"", L"a", std::wcscoll(L"", L"a")},
-        {L"a", L"", std::wcscoll(L"a", L"")},
-        {L"", L"1", std::wcscoll(L"", L"1")},
-        {L"b", L"a", std::wcscoll(L"b", L"a")},
-        {L"x1y", L"xy1", std::wcscoll(L"x1y", L"xy1")},
-        {L"xy1", L"x1y", std::wcscoll(L"xy1", L"x1y")},
-        {L"a1", L"a", std::wcscoll(L"a1", L"a")},
-        {L"7b", L"7c", std::wcscoll(L"b", L"c")},
-        {L"7b2", L"7bb2", std::wcscoll(L"b2", L"bb2")},
-        {L"a1", L"b1", ::_wcsncoll(L"a", L"b", 1)},
-        {L"z1", L"a2", ::_wcsncoll(L"z", L"a", 1)},
-        {L"3z1", L"3a2", ::_wcsncoll(L"z", L"a", 1)},
-        {L"A1", L"a1", ::_wcsncoll(L"A", L"a", 1)},
-        {L"A", L"a", std::wcscoll(L"A", L"a")},
+        {L"", L"a", std::wcscoll(L"", L"a")},           {L"a", L"", std::wcscoll(L"a", L"")},
+        {L"", L"1", std::wcscoll(L"", L"1")},           {L"b", L"a", std::wcscoll(L"b", L"a")},
+        {L"x1y", L"xy1", std::wcscoll(L"x1y", L"xy1")}, {L"xy1", L"x1y", std::wcscoll(L"xy1", L"x1y")},
+        {L"a1", L"a", std::wcscoll(L"a1", L"a")},       {L"7b", L"7c", std::wcscoll(L"b", L"c")},
+        {L"7b2", L"7bb2", std::wcscoll(L"b2", L"bb2")}, {L"a1", L"b1", ::_wcsncoll(L"a", L"b", 1)},
+        {L"z1", L"a2", ::_wcsncoll(L"z", L"a", 1)},     {L"3z1", L"3a2", ::_wcsncoll(L"z", L"a", 1)},
+        {L"A1", L"a1", ::_wcsncoll(L"A", L"a", 1)},     {L"A", L"a", std::wcscoll(L"A", L"a")},
     };
     for (const CompareRow& row : rows)
     {
@@ -184,8 +177,8 @@ TEST(CompareNatural, SortsNamesOfOneShapeByTheirNumbers)
     {
         names.push_back(L"Alignment " + std::to_wstring(i) + L" profile " + std::to_wstring(i % 7) + L".txt");
     }
-    std::sort(names.begin(), names.end(), [](const std::wstring& a, const std::wstring& b)
-              { return CompareNatural(a.c_str(), b.c_str()) < 0; });
+    std::sort(names.begin(), names.end(),
+              [](const std::wstring& a, const std::wstring& b) { return CompareNatural(a.c_str(), b.c_str()) < 0; });
     for (int i = 1; i <= 200; ++i)
     {
         EXPECT_EQ(names[static_cast<std::size_t>(i - 1)].rfind(L"Alignment " + std::to_wstring(i) + L" ", 0), 0U) << i;

@@ -27,8 +27,14 @@ TEST(FormatDouble, WritesTheWantedDecimals)
         const wchar_t* expected;
     };
     const Row rows[] = {
-        {0, 0, L"0"},          {0, 3, L"0.000"},         {12.5, 2, L"12.50"},        {-12.5, 1, L"-12.5"},
-        {1.0 / 3, 5, L"0.33333"}, {2.0 / 3, 0, L"1"},      {1e15, 1, L"1000000000000000.0"}, {-0.0, 1, L"-0.0"},
+        {0, 0, L"0"},
+        {0, 3, L"0.000"},
+        {12.5, 2, L"12.50"},
+        {-12.5, 1, L"-12.5"},
+        {1.0 / 3, 5, L"0.33333"},
+        {2.0 / 3, 0, L"1"},
+        {1e15, 1, L"1000000000000000.0"},
+        {-0.0, 1, L"-0.0"},
         {1.25, -1, L"1.250000"},
     };
     for (const Row& row : rows)
@@ -150,11 +156,11 @@ struct ClassRow
 TEST(NumberClasses, LookAtTheCharactersAlone)
 {
     const ClassRow rows[] = {
-        {L"", false, true},        {L"0", true, true},      {L"0.000", true, true},   {L".", true, true},
-        {L"00", true, true},       {L"...", true, true},    {L"0.01", false, true},   {L"-0", false, true},
-        {L" 0", false, false},     {L"0 ", false, false},   {L"-.-", false, true},    {L"1-2", false, true},
-        {L"12", false, true},      {L"+1", false, false},   {L"1e5", false, false},   {L"1,5", false, false},
-        {L"\u0663", false, true},  {L"\uff10", false, true}, {L"a", false, false},    {L"-", false, true},
+        {L"", false, true},       {L"0", true, true},       {L"0.000", true, true}, {L".", true, true},
+        {L"00", true, true},      {L"...", true, true},     {L"0.01", false, true}, {L"-0", false, true},
+        {L" 0", false, false},    {L"0 ", false, false},    {L"-.-", false, true},  {L"1-2", false, true},
+        {L"12", false, true},     {L"+1", false, false},    {L"1e5", false, false}, {L"1,5", false, false},
+        {L"\u0663", false, true}, {L"\uff10", false, true}, {L"a", false, false},   {L"-", false, true},
     };
     for (const ClassRow& row : rows)
     {

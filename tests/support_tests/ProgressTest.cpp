@@ -74,32 +74,6 @@ private:
     ImportPatch<decltype(&::GetTickCount)> m_ticks;
 };
 
-// Must run first in this program: afterwards a callback has been installed.
-TEST(FreshProgress, IsOffAndStaysOffWithoutACallback)
-{
-    EXPECT_FALSE(IsProgressEnabled());
-    EXPECT_TRUE(EnableProgress(true));
-    EXPECT_FALSE(IsProgressEnabled());
-    EXPECT_FALSE(EnableProgress(false));
-    {
-        const QuonProgressDisabler disabler;
-        EXPECT_FALSE(IsProgressEnabled());
-    }
-    EXPECT_FALSE(IsProgressEnabled());
-    ProgressBegin(1, 2);
-    ProgressSetPosition(3);
-    EXPECT_FALSE(ProgressPoll());
-    EXPECT_FALSE(SubProgressPoll());
-    EXPECT_FALSE(SubProgressRefresh());
-
-    // A disabler made without a callback saved "off" and, once there is a callback, puts that back.
-    auto disabler = std::make_unique<QuonProgressDisabler>();
-    SetProgressCallback(&RecordingCallback);
-    EXPECT_TRUE(IsProgressEnabled());
-    disabler.reset();
-    EXPECT_FALSE(IsProgressEnabled());
-}
-
 TEST_F(Progress, SwitchesOnWithTheCallbackAndOffByRequest)
 {
     EXPECT_TRUE(IsProgressEnabled());
@@ -292,7 +266,7 @@ TEST_F(Progress, CallbackMayTakeItselfAway)
             SetProgressCallback(nullptr);
             return 1;
         });
-    EXPECT_TRUE(SubProgressRefresh() == false);
+    EXPECT_FALSE(SubProgressRefresh());
     EXPECT_EQ(Take(), (Calls{{8, 0, 0}, kTick, kTick}));
 }
 
