@@ -33,6 +33,12 @@ inline bool IsDigit(wchar_t character)
     return character < kFirstBeyondAscii ? IsAsciiDigit(character) : std::iswdigit(character) != 0;
 }
 
+// Whether a character belongs to a stretch between numbers.
+inline bool IsStretch(wchar_t character)
+{
+    return character != L'\0' && !IsDigit(character);
+}
+
 // The value that `_wtoi` gives for the digits at `text`, never negative. Moves `text` behind the run.
 int TakeNumber(const wchar_t*& text)
 {
@@ -68,18 +74,21 @@ int Compare(const wchar_t* a, const wchar_t* b)
     for (;;)
     {
         std::size_t length = 0;
-        bool identical = true;
-        while (a[length] != L'\0' && b[length] != L'\0' && !IsDigit(a[length]) && !IsDigit(b[length]))
+        while (a[length] == b[length] && IsStretch(a[length]))
         {
-            identical = identical && a[length] == b[length];
             ++length;
         }
+        const std::size_t equalLength = length;
+        while (IsStretch(a[length]) && IsStretch(b[length]))
+        {
+            ++length;
+        }
+        const bool identical = length == equalLength;
         // Either a text has no digit left or its first digit stands further behind than the other's: both cases fall
         // back to the collation of the remainders.
         if (!IsDigit(a[length]) || !IsDigit(b[length]))
         {
-            identical = identical && a[length] == b[length] && a[length] == L'\0';
-            return identical ? 0 : Collation::Compare(a, b);
+            return identical && a[length] == b[length] ? 0 : Collation::Compare(a, b);
         }
         if (!identical)
         {

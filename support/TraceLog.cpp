@@ -3,6 +3,7 @@
 #include <comdef.h>
 
 #include <cstdarg>
+#include <cstring>
 #include <cwchar>
 #include <memory>
 #include <set>
@@ -21,7 +22,7 @@ constexpr std::size_t kMessageSize = 1024;
 template <std::size_t Size>
 void FormatCut(wchar_t* buffer, const wchar_t* format, va_list arguments)
 {
-    std::wmemset(buffer, L'\0', Size);
+    std::memset(buffer, 0, Size * sizeof(wchar_t));
     if (format != nullptr)
     {
         ::_vsnwprintf(buffer, Size - 1, format, arguments);
