@@ -163,9 +163,14 @@ QuonPath QuonPath::GetLastComponent() const
 
 void QuonPath::RemoveFirstComponent()
 {
-    const auto length = static_cast<std::size_t>(m_path.GetLength());
-    wchar_t* const buffer = m_path.GetBuffer(m_path.GetLength());
-    m_path.ReleaseBuffer(static_cast<int>(QuonPathText::WithoutFirstComponent({buffer, length}, *m_separator, buffer)));
+    const int length = m_path.GetLength();
+    if (length == 0)
+    {
+        return;
+    }
+    wchar_t* const buffer = m_path.GetBuffer(length);
+    const std::wstring_view text(buffer, static_cast<std::size_t>(length));
+    m_path.ReleaseBuffer(static_cast<int>(QuonPathText::WithoutFirstComponent(text, *m_separator, buffer)));
 }
 
 void QuonPath::GetComponents(std::list<QuonPath>& components) const

@@ -16,11 +16,12 @@ public:
     QuonBasicFileMatcher(const QuonBasicFileMatcher&) = delete;
     QuonBasicFileMatcher& operator=(const QuonBasicFileMatcher&) = delete;
 
-    /// Forgets folder, pattern and filter and releases the search. The find data and the skip-dots flag stay as they are.
+    /// Forgets folder, pattern and filter and releases the search. The find data and the skip-dots flag stay as they
+    /// are.
     void Close() override;
 
-    /// Searches `folder` for `pattern`; an empty folder makes the pattern relative to the current folder, an empty pattern
-    /// searches for the folder itself. See QuonFileMatch::FindFirst.
+    /// Searches `folder` for `pattern`; an empty folder makes the pattern relative to the current folder, an empty
+    /// pattern searches for the folder itself. See QuonFileMatch::FindFirst.
     bool FindFirst(const wchar_t* folder, const wchar_t* pattern, unsigned int filter) override;
 
     bool FindNext() override;

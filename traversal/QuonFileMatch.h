@@ -10,8 +10,8 @@
 /// 2 it must be clear, 3 nothing matches. The names below are the fields' values 1 and 2; codes of different fields are
 /// combined with `|`. Bits above 15 are ignored.
 ///
-/// A filter is *not* a set of `FILE_ATTRIBUTE_` flags. Two codes merely coincide with one: 0x10 is "must be a folder" and
-/// also FILE_ATTRIBUTE_DIRECTORY; 0x20 is "must not be a folder" and also FILE_ATTRIBUTE_ARCHIVE.
+/// A filter is *not* a set of `FILE_ATTRIBUTE_` flags. Two codes merely coincide with one: 0x10 is "must be a folder"
+/// and also FILE_ATTRIBUTE_DIRECTORY; 0x20 is "must not be a folder" and also FILE_ATTRIBUTE_ARCHIVE.
 /// @{
 inline constexpr unsigned int kQuonMatchEverything = 0;         ///< no condition at all
 inline constexpr unsigned int kQuonMatchArchive = 0x1;          ///< the archive bit must be set

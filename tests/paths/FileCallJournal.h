@@ -15,8 +15,8 @@
 namespace quon_test
 {
 
-/// One at a time. A call is written down as its name and its arguments, "CopyFileW a b 1"; null is "null". It goes on to
-/// the operating system unless `fails` says otherwise.
+/// One at a time. A call is written down as its name and its arguments, "CopyFileW a b 1"; null is "null". It goes on
+/// to the operating system unless `fails` says otherwise.
 class FileCallJournal
 {
 public:
@@ -46,7 +46,10 @@ public:
     void Clear() { m_calls.clear(); }
 
     /// Tells which calls fail without reaching the system.
-    std::function<bool(const std::wstring& call)> fails = [](const std::wstring&) { return false; };
+    std::function<bool(const std::wstring& call)> fails = [](const std::wstring&)
+    {
+        return false;
+    };
 
 private:
     static std::wstring Shown(const wchar_t* text) { return text == nullptr ? L"null" : text; }
@@ -65,7 +68,8 @@ private:
 
     static DWORD WINAPI GetCurrent(DWORD size, LPWSTR text)
     {
-        return Enter(L"GetCurrentDirectoryW " + std::to_wstring(size)) ? s_active->m_getCurrent.Original()(size, text) : 0;
+        return Enter(L"GetCurrentDirectoryW " + std::to_wstring(size)) ? s_active->m_getCurrent.Original()(size, text)
+                                                                       : 0;
     }
     static BOOL WINAPI SetCurrent(LPCWSTR path)
     {
@@ -77,8 +81,9 @@ private:
     }
     static int __cdecl Access(const wchar_t* path, int mode)
     {
-        return Enter(L"_waccess " + Shown(path) + L" " + std::to_wstring(mode)) ? s_active->m_access.Original()(path, mode)
-                                                                                : -1;
+        return Enter(L"_waccess " + Shown(path) + L" " + std::to_wstring(mode))
+                   ? s_active->m_access.Original()(path, mode)
+                   : -1;
     }
     static BOOL WINAPI Create(LPCWSTR path, LPSECURITY_ATTRIBUTES security)
     {

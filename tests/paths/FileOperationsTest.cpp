@@ -111,7 +111,10 @@ TEST(CreateFolderTree, GoesOnAfterAFailureAndReportsIt)
     const TemporaryFolder root;
     FileCallJournal journal;
     const std::wstring refused = L"CreateDirectoryW " + (root / L"x");
-    journal.fails = [&](const std::wstring& call) { return call == refused; };
+    journal.fails = [&](const std::wstring& call)
+    {
+        return call == refused;
+    };
     EXPECT_EQ(CreateFolderTree((root / L"x\\y").c_str()), 1u);
     EXPECT_EQ(journal.Of(L"CreateDirectoryW"), (Calls{root / L"x", root / L"x\\y"}));
 }
@@ -122,7 +125,9 @@ TEST(CreateFolderTree, AFailureAboveDoesNotHideBehindASuccessBelow)
     FileCallJournal journal;
     // Whoever else creates the folder meanwhile makes the call fail and the next one succeed.
     journal.fails = [&](const std::wstring& call)
-    { return call == L"CreateDirectoryW " + (root / L"x") && root.MakeFolder(L"x") != L""; };
+    {
+        return call == L"CreateDirectoryW " + (root / L"x") && root.MakeFolder(L"x") != L"";
+    };
     EXPECT_EQ(CreateFolderTree((root / L"x\\y").c_str()), 1u);
     EXPECT_TRUE(root.Exists(L"x\\y"));
 }
@@ -157,7 +162,10 @@ TEST(CreateFolderTree, PathsThatAreNotFull)
 TEST(CreateFolderTree, ADriveAloneMeansItsRoot)
 {
     FileCallJournal journal;
-    journal.fails = [](const std::wstring&) { return true; };
+    journal.fails = [](const std::wstring&)
+    {
+        return true;
+    };
     EXPECT_EQ(CreateFolderTree(L"Q:a\\b"), 1u);
     EXPECT_EQ(journal.Of(L"CreateDirectoryW"), (Calls{L"Q:", L"Q:\\a", L"Q:\\a\\b"}));
 }
@@ -165,9 +173,13 @@ TEST(CreateFolderTree, ADriveAloneMeansItsRoot)
 TEST(CreateFolderTree, ServerAndShareAreOneComponent)
 {
     FileCallJournal journal;
-    journal.fails = [](const std::wstring&) { return true; };
+    journal.fails = [](const std::wstring&)
+    {
+        return true;
+    };
     EXPECT_EQ(CreateFolderTree(L"//srv/share/a\\b"), 1u);
-    EXPECT_EQ(journal.Of(L"CreateDirectoryW"), (Calls{L"\\\\srv\\share\\", L"\\\\srv\\share\\a", L"\\\\srv\\share\\a\\b"}));
+    EXPECT_EQ(journal.Of(L"CreateDirectoryW"),
+              (Calls{L"\\\\srv\\share\\", L"\\\\srv\\share\\a", L"\\\\srv\\share\\a\\b"}));
 }
 
 TEST(CreateMatchedFolders, CreatesTheFoundNamesBelowTheDestination)
@@ -243,7 +255,10 @@ TEST(CopyOneFile, FailsWithoutSourceOrTargetFolder)
 TEST(CopyOneFile, PassesItsArgumentsAsTheyAre)
 {
     FileCallJournal journal;
-    journal.fails = [](const std::wstring&) { return true; };
+    journal.fails = [](const std::wstring&)
+    {
+        return true;
+    };
     EXPECT_EQ(CopyOneFile(L"a/b", L"c//d", 7), 1u);
     EXPECT_EQ(journal.All(), Calls{L"CopyFileW a/b c//d 7"});
 }
@@ -307,7 +322,10 @@ TEST(DeleteFileForced, PutsTheAttributesBackWhenTheFileStays)
     const std::wstring file = root.WriteFile(L"file", "", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
     const DWORD before = root.Attributes(L"file");
     FileCallJournal journal;
-    journal.fails = [](const std::wstring& call) { return call.find(L"DeleteFileW") == 0; };
+    journal.fails = [](const std::wstring& call)
+    {
+        return call.find(L"DeleteFileW") == 0;
+    };
     EXPECT_EQ(DeleteFileForced(file.c_str()), 1u);
     EXPECT_EQ(root.Attributes(L"file"), before);
     EXPECT_EQ(journal.All().back(), L"SetFileAttributesW " + file + L" " + std::to_wstring(before));

@@ -1,4 +1,5 @@
-// What is in a folder tree according to the operating system alone: the reference that walks and copies are compared to.
+// What is in a folder tree according to the operating system alone: the reference that walks and copies are compared
+// to.
 #pragma once
 
 #include <windows.h>

@@ -16,15 +16,25 @@ namespace quon_test
 // generator, whose sequence the language fixes, so every run and every compiler makes the same tree.
 inline void FillRandomly(const TemporaryFolder& root, unsigned int seed, unsigned int folders, unsigned int files)
 {
-    static const wchar_t* const kNames[] = {L"a",     L"B b",    L"c.d",       L"survey 12", L".cfg", L"x.y.z",
-                                            L"ÄÖ",    L"readme", L"long name", L"0",         L"T",    L"..p",
-                                            L"it's",  L"#1",     L"100%",      L"(2)",       L"~t",   L"Ж",
-                                            L"a+b=c", L"e,f;g"};
-    static const DWORD kAttributes[] = {0, 0, 0, FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_SYSTEM, FILE_ATTRIBUTE_READONLY,
+    static const wchar_t* const kNames[] = {L"a",      L"B b",       L"c.d", L"survey 12", L".cfg",  L"x.y.z", L"ÄÖ",
+                                            L"readme", L"long name", L"0",   L"T",         L"..p",   L"it's",  L"#1",
+                                            L"100%",   L"(2)",       L"~t",  L"Ж",         L"a+b=c", L"e,f;g"};
+    static const DWORD kAttributes[] = {0,
+                                        0,
+                                        0,
+                                        FILE_ATTRIBUTE_HIDDEN,
+                                        FILE_ATTRIBUTE_SYSTEM,
+                                        FILE_ATTRIBUTE_READONLY,
                                         FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM};
     std::mt19937 random(seed);
-    const auto below = [&random](std::size_t bound) { return static_cast<std::size_t>(random()) % bound; };
-    const auto name = [&] { return std::wstring(kNames[below(std::size(kNames))]); };
+    const auto below = [&random](std::size_t bound)
+    {
+        return static_cast<std::size_t>(random()) % bound;
+    };
+    const auto name = [&]
+    {
+        return std::wstring(kNames[below(std::size(kNames))]);
+    };
 
     std::vector<std::wstring> made{L""};
     const auto inAny = [&](const std::wstring& entry)

@@ -26,8 +26,8 @@ const Condition kConditions[] = {{0, FILE_ATTRIBUTE_ARCHIVE, kQuonMatchArchive, 
                                  {12, FILE_ATTRIBUTE_SYSTEM, kQuonMatchSystem, kQuonMatchNotSystem},
                                  {14, FILE_ATTRIBUTE_TEMPORARY, kQuonMatchTemporary, kQuonMatchNotTemporary}};
 
-// Written the other way round than the library: the attribute words that a filter admits are those whose bits agree with
-// a required set and avoid a forbidden one.
+// Written the other way round than the library: the attribute words that a filter admits are those whose bits agree
+// with a required set and avoid a forbidden one.
 bool Admits(unsigned int filter, DWORD attributes)
 {
     DWORD required = 0;
@@ -102,13 +102,13 @@ TEST(MatchAttributes, AgreesWithASetModelForEveryFilter)
     for (unsigned int filter = 0; filter <= 0xFFFF; ++filter)
     {
         // Words that the filter nearly admits, so that both answers come up.
-        DWORD near = static_cast<DWORD>(random());
+        DWORD close = static_cast<DWORD>(random());
         for (const Condition& condition : kConditions)
         {
             const unsigned int field = filter >> condition.shift & 3;
-            near = field == 1 ? near | condition.attribute : field == 2 ? near & ~condition.attribute : near;
+            close = field == 1 ? close | condition.attribute : field == 2 ? close & ~condition.attribute : close;
         }
-        for (const DWORD attributes : {near, near ^ (1ul << (random() % 16)), near & relevant,
+        for (const DWORD attributes : {close, close ^ (1ul << (random() % 16)), close & relevant,
                                        static_cast<DWORD>(random()), 0ul, 0xFFFFFFFFul})
         {
             ASSERT_EQ(QuonBasicFileMatcher::MatchAttributes(filter, attributes), Admits(filter, attributes))

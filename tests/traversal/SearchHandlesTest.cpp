@@ -28,16 +28,11 @@ TEST(SearchCall, TwoFiltersExactlyLimitTheSearchToFolders)
         unsigned int filter;
         FINDEX_SEARCH_OPS operation;
     } kRows[] = {
-        {0x10, FindExSearchLimitToDirectories},
-        {0x2090, FindExSearchLimitToDirectories},
-        {0x0, FindExSearchNameMatch},
-        {0x20, FindExSearchNameMatch},
-        {0x30, FindExSearchNameMatch},
-        {0x11, FindExSearchNameMatch},
-        {0x12, FindExSearchNameMatch},
-        {0x90, FindExSearchNameMatch},
-        {0x2010, FindExSearchNameMatch},
-        {0x2091, FindExSearchNameMatch},
+        {0x10, FindExSearchLimitToDirectories}, {0x2090, FindExSearchLimitToDirectories},
+        {0x0, FindExSearchNameMatch},           {0x20, FindExSearchNameMatch},
+        {0x30, FindExSearchNameMatch},          {0x11, FindExSearchNameMatch},
+        {0x12, FindExSearchNameMatch},          {0x90, FindExSearchNameMatch},
+        {0x2010, FindExSearchNameMatch},        {0x2091, FindExSearchNameMatch},
         {0x10010, FindExSearchNameMatch},  // the same condition, but not the same code
         {0x80002090, FindExSearchNameMatch},
     };
@@ -258,7 +253,8 @@ TEST(SearchHandles, BreadthFirstTreeKeepsNoneOpen)
         EXPECT_EQ(journal.OpenNow(), 0u) << Text(tree.GetFoundName());
     }
     EXPECT_EQ(journal.MostOpen(), 1u);
-    EXPECT_EQ(journal.Paths(), (Names{folder / L"A*", folder / L"A\\*", folder / L"A\\A1\\*", folder / L"A\\A1\\A11\\*"}));
+    EXPECT_EQ(journal.Paths(),
+              (Names{folder / L"A*", folder / L"A\\*", folder / L"A\\A1\\*", folder / L"A\\A1\\A11\\*"}));
     for (const quon_test::SearchOpening& call : journal.Openings())
     {
         EXPECT_EQ(call.operation, FindExSearchLimitToDirectories);
@@ -274,12 +270,23 @@ TEST(SearchHandles, DepthFirstTreeKeepsOnePerLevel)
     SearchJournal journal;
     QuonDFSDirectoryTree tree;
     std::vector<std::size_t> open;
-    for (tree.FindFirst(folder.Path().c_str(), L"A*", 0); tree.IsFound(); tree.FindNext())
+    for (tree.FindFirst(folder.Path().c_str(), L"*", 0); tree.IsFound(); tree.FindNext())
     {
         open.push_back(journal.OpenNow());
     }
-    EXPECT_EQ(open, (std::vector<std::size_t>{4, 3, 2, 2, 1}));
+    EXPECT_EQ(open, (std::vector<std::size_t>{4, 3, 2, 2, 2, 1}));
     EXPECT_EQ(journal.OpenNow(), 0u);
+}
+
+TEST(SearchHandles, DepthFirstTreeSearchesEveryLevelForThePattern)
+{
+    const TemporaryFolder folder;
+    folder.MakeFolder(L"A\\A1\\A11");
+    folder.MakeFolder(L"AB");
+    folder.MakeFolder(L"B");
+    SearchJournal journal;
+    QuonDFSDirectoryTree tree;
+    Walk(tree, folder.Path(), L"A*", 0);
     EXPECT_EQ(journal.Paths(), (Names{folder / L"A*", folder / L"A\\A*", folder / L"A\\A1\\A*",
                                       folder / L"A\\A1\\A11\\A*", folder / L"AB\\A*"}));
     for (const quon_test::SearchOpening& call : journal.Openings())
