@@ -44,12 +44,14 @@ void PrintParts(const SplitOptions& options)
         PrintNamed(L"component", component);
     }
 
-    if (!options.base.empty())
-    {
-        PrintNamed(L"relative", path.MakeRelativeTo(QuonPath(ToWide(options.base), flags)));
-    }
     path.Normalize();
     PrintNamed(L"normal", path);
+    if (!options.base.empty())
+    {
+        // The shell, which finds the relative path, knows backslashes only.
+        QuonPath target(path, QuonPathBackslash | QuonPathNormalize);
+        PrintNamed(L"relative", target.MakeRelativeTo(QuonPath(ToWide(options.base), QuonPathNormalize)));
+    }
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 
 #include "support/SearchJournal.h"
 #include "support/TemporaryFolder.h"
@@ -278,6 +279,36 @@ TEST(SearchHandles, DepthFirstTreeKeepsOnePerLevel)
     EXPECT_EQ(journal.OpenNow(), 0u);
 }
 
+// The last events that closed something, without what came before.
+Names Closings(const Names& events, std::size_t count)
+{
+    return Names(events.end() - static_cast<std::ptrdiff_t>(count), events.end());
+}
+
+TEST(SearchHandles, DepthFirstTreeClosesFromTheRootDown)
+{
+    const TemporaryFolder folder;
+    folder.MakeFolder(L"A\\A1");
+    SearchJournal journal;
+    QuonDFSDirectoryTree tree;
+    tree.FindFirst(folder.Path().c_str(), L"*", 0);
+    tree.Close();
+    EXPECT_EQ(Closings(journal.Events(), 3), (Names{L"close " + folder.Path() + L"\\*", L"close " + (folder / L"A\\*"),
+                                                    L"close " + (folder / L"A\\A1\\*")}));
+}
+
+TEST(SearchHandles, FileTreeClosesTheSearchForFilesFirst)
+{
+    const TemporaryFolder folder;
+    folder.WriteFile(L"A\\file");
+    SearchJournal journal;
+    QuonDFSFileTree tree;
+    tree.FindFirst(folder.Path().c_str(), L"f*", 0);
+    tree.Close();
+    EXPECT_EQ(Closings(journal.Events(), 3), (Names{L"close " + (folder / L"A\\f*"), L"close " + folder.Path() + L"\\*",
+                                                    L"close " + (folder / L"A\\*")}));
+}
+
 TEST(SearchHandles, DepthFirstTreeSearchesEveryLevelForThePattern)
 {
     const TemporaryFolder folder;
@@ -318,6 +349,62 @@ TEST(SearchHandles, FileTreesWalkEveryFolderAndSearchEachForThePattern)
         EXPECT_EQ(journal.Openings()[3].operation, FindExSearchNameMatch);
         EXPECT_EQ(journal.OpenNow(), 1u);  // the search for files in the last folder, exhausted
     }
+}
+
+// Lets the n-th allocation of the library or of the framework fail.
+class FailingAllocation
+{
+public:
+    explicit FailingAllocation(int successes) : m_left(successes) { s_active = this; }
+    ~FailingAllocation() { s_active = nullptr; }
+    FailingAllocation(const FailingAllocation&) = delete;
+    FailingAllocation& operator=(const FailingAllocation&) = delete;
+
+    bool Failed() const { return m_left < 0; }
+
+private:
+    // Only the n-th one: what handles the failure may allocate again.
+    static void* __cdecl Allocate(std::size_t size)
+    {
+        return s_active->m_left-- == 0 ? nullptr : s_active->m_library.Original()(size);
+    }
+
+    static inline FailingAllocation* s_active = nullptr;
+    int m_left;
+    quon_test::ImportPatch<void*(__cdecl*)(std::size_t)> m_library{L"QuonWin32Utils.dll", "malloc", &Allocate};
+    quon_test::ImportPatch<void*(__cdecl*)(std::size_t)> m_framework{L"QuonFramework.dll", "malloc", &Allocate};
+};
+
+TYPED_TEST(SearchHandlesOf, AreAllClosedWhenMemoryRunsOut)
+{
+    const TemporaryFolder folder;
+    folder.MakeFolder(L"A\\A1");
+    folder.WriteFile(L"A\\file");
+    SearchJournal journal;
+    int thrown = 0;
+    bool failed = true;
+    for (int successes = 0; failed; ++successes)
+    {
+        ASSERT_LT(successes, 10000);
+        try
+        {
+            TypeParam match;
+            const FailingAllocation failing(successes);
+            Walk(match, folder.Path(), L"*", 0x20);
+            failed = failing.Failed();  // some failures are made up for
+        }
+        catch (const std::bad_alloc&)
+        {
+            ++thrown;
+        }
+        catch (CException* exception)
+        {
+            ++thrown;
+            exception->Delete();
+        }
+        ASSERT_EQ(journal.OpenNow(), 0u) << "after " << successes << " allocations";
+    }
+    EXPECT_GT(thrown, 0);
 }
 
 }  // namespace
