@@ -3,7 +3,13 @@ add_library(quon_compile_options INTERFACE)
 target_compile_definitions(quon_compile_options INTERFACE
   UNICODE _UNICODE WINVER=0x0A00 _WIN32_WINNT=0x0A00 NOMINMAX)
 
+# The library's own targets, an extension module of the framework, add this to the options of all.
+add_library(quon_library_options INTERFACE)
+target_link_libraries(quon_library_options INTERFACE quon_compile_options)
+target_compile_definitions(quon_library_options INTERFACE QUON_BUILDING_LIBRARY)
+
 if(MSVC)
+  target_compile_definitions(quon_library_options INTERFACE _AFXEXT)
   target_compile_options(quon_compile_options INTERFACE
     /W4 /permissive- /Zc:__cplusplus /utf-8 /fp:precise $<$<BOOL:${QUON_WARNINGS_AS_ERRORS}>:/WX>)
 else()

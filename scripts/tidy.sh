@@ -12,8 +12,9 @@ ln -sfn /usr/x86_64-w64-mingw32 "$sysroot/x86_64-w64-mingw32"
 
 cd "$top"
 # A configuration that does not parse would be passed over with a warning, and everything would pass.
-clang-tidy-14 --dump-config 2>&1 | grep -q 'WarningsAsErrors: *.\*' || die ".clang-tidy does not parse"
-git ls-files -co --exclude-standard -z -- {paths,traversal,support,points,geometry,xml,messaging,monitoring,module}/'*.cpp' |
+configuration=$(clang-tidy-14 --dump-config 2>&1)
+grep -q 'WarningsAsErrors: *.\*' <<<"$configuration" || die ".clang-tidy does not parse"
+project_files {paths,traversal,support,points,geometry,xml,messaging,monitoring,module}/'*.cpp' |
   xargs -0 -r -n 2 -P 2 clang-tidy-14 --quiet -p "$build" \
     --extra-arg-before=--target=x86_64-w64-windows-gnu --extra-arg-before=--sysroot="$sysroot" \
     --extra-arg=-Wno-unknown-warning-option --extra-arg=-Wno-unused-command-line-argument
