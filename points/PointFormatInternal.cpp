@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 
 namespace QuonPointDetails
@@ -46,6 +47,11 @@ constexpr int kMaxWrite = 1 + static_cast<int>(kMaxNumberLength);
 constexpr int kFirstCapacity = 128;
 
 }  // namespace
+
+unsigned long ReadLeadingNumber(const wchar_t* text)
+{
+    return text != nullptr ? static_cast<unsigned long>(_wtol(text)) : 0;
+}
 
 wchar_t* WriteNumber(wchar_t* out, unsigned long number)
 {
@@ -115,10 +121,11 @@ void PointTextWriter::Reserve()
     {
         AfxThrowMemoryException();
     }
-    const int doubled = m_length <= INT_MAX / 2 ? 2 * m_length : INT_MAX - kMaxWrite;
-    const int capacity = std::max({kFirstCapacity, m_length + kMaxWrite, doubled});
-    m_buffer = m_text.GetBuffer(capacity);
-    m_capacity = capacity;
+    // Room that an earlier writer left is used up first, so that many small additions cost no more than one large one.
+    const int needed = m_length + kMaxWrite;
+    const int doubled = m_length <= INT_MAX / 2 ? 2 * m_length : needed;
+    m_buffer = m_text.GetBuffer(m_text.GetAllocLength() >= needed ? needed : std::max({kFirstCapacity, needed, doubled}));
+    m_capacity = m_text.GetAllocLength();
 }
 
 void PointTextWriter::Write(unsigned long number)
@@ -126,6 +133,23 @@ void PointTextWriter::Write(unsigned long number)
     m_length = static_cast<int>(WriteNumber(m_buffer + m_length, number) - m_buffer);
     m_lastNumber = number;
     m_hasWritten = true;
+}
+
+void PointTextWriter::CopyLastNumber(wchar_t* buffer) const
+{
+    if (m_hasWritten)
+    {
+        *WriteNumber(buffer, m_lastNumber) = L'\0';
+    }
+}
+
+void TrimRight(CString& text)
+{
+    const int length = text.GetLength();
+    if (length != 0 && IsWhiteSpace(text[length - 1]))
+    {
+        text.TrimRight();
+    }
 }
 
 void WriteSortedPoints(const QuonPointMarker& points, PointTextWriter& writer)

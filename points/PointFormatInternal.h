@@ -14,6 +14,10 @@ namespace QuonPointDetails
 /// The most characters that a number takes.
 inline constexpr std::size_t kMaxNumberLength = 11;
 
+/// The number that `text` begins with, as `_wtol` reads it (saturating, negative ones wrapping to 32 bits); 0 when there
+/// is none or `text` is null.
+unsigned long ReadLeadingNumber(const wchar_t* text);
+
 /// Writes `number` as the signed 32-bit number that "%ld" prints: from 2^31 on it is negative. No terminating zero.
 /// @return the end of what was written, at most kMaxNumberLength characters behind `out`
 wchar_t* WriteNumber(wchar_t* out, unsigned long number);
@@ -34,9 +38,9 @@ public:
     /// Ends the item as a range.
     void WriteRangeEnd(unsigned long number);
 
-    /// Whether a number was written, and the last one.
-    bool HasWritten() const { return m_hasWritten; }
-    unsigned long LastNumber() const { return m_lastNumber; }
+    /// Stores the text of the last number, zero-terminated, in `buffer`, which has room for kMaxNumberLength characters
+    /// more; without a number the buffer stays as it is.
+    void CopyLastNumber(wchar_t* buffer) const;
 
 private:
     void Reserve();
@@ -49,6 +53,9 @@ private:
     unsigned long m_lastNumber = 0;
     bool m_hasWritten = false;
 };
+
+/// Trims white space at the right; unlike the string's own function it does not read the whole text for that.
+void TrimRight(CString& text);
 
 /// Writes the points of a set: ascending, each once, runs of two and more as ranges.
 void WriteSortedPoints(const QuonPointMarker& points, PointTextWriter& writer);

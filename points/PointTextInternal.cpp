@@ -191,9 +191,11 @@ bool IsWhiteSpace(wchar_t character)
     return character == L' ' || std::iswspace(character) != 0;
 }
 
-PointTextReader::PointTextReader(const wchar_t* text, std::size_t length) : position(text), end(text + length)
+PointTextReader PointTextReader::Start(const wchar_t* text, std::size_t length)
 {
-    SkipWhiteSpace(position, end);
+    PointTextReader reader{text, text + length};
+    SkipWhiteSpace(reader.position, reader.end);
+    return reader;
 }
 
 PointItem PointTextReader::Next()

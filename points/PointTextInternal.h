@@ -29,18 +29,18 @@ struct PointItem
     std::size_t tokenLength;
 };
 
-/// A zero-terminated text and how much of it has been read.
+/// What has not been read yet of a text. It never begins with white space, and a zero character follows it.
 struct PointTextReader
 {
     const wchar_t* position;
     const wchar_t* end;
 
     /// Starts behind the leading white space of `text`.
-    PointTextReader(const wchar_t* text, std::size_t length);
+    static PointTextReader Start(const wchar_t* text, std::size_t length);
 
     bool AtEnd() const { return position == end; }
 
-    /// Reads the next item that is not empty, and the white space that follows its comma.
+    /// Reads the next item that is not empty, its comma and the white space behind it.
     PointItem Next();
 };
 

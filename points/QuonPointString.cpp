@@ -6,7 +6,12 @@
 
 #include <cstring>
 
+using QuonPointDetails::FormatDifference;
+using QuonPointDetails::FormatUnique;
 using QuonPointDetails::ItemKind;
+using QuonPointDetails::ParsedPoints;
+using QuonPointDetails::ParsePoints;
+using QuonPointDetails::PointTextReader;
 
 namespace
 {
@@ -54,22 +59,22 @@ void QuonPointString::Assign(const QuonPointString& other)
 
 void QuonPointString::RemovePoints(const wchar_t* points, BOOL sorted)
 {
-    const CString removedText(points);
-    const QuonPointDetails::ParsedPoints removed = QuonPointDetails::ParsePoints(removedText);
-    if (!removed.isValid)
+    const ParsedPoints removed = ParsePoints(CString(points));
+    if (removed.isValid)
     {
-        return;
+        QuonPointString result;
+        result.m_text = FormatDifference(ParsePoints(m_text), removed, sorted != FALSE);
+        Assign(result);
+        m_changed = 1;
     }
-    QuonPointString result;
-    result.m_text = QuonPointDetails::FormatDifference(QuonPointDetails::ParsePoints(m_text), removed, sorted != FALSE);
-    Assign(result);
 }
 
 void QuonPointString::RemoveDuplicates(BOOL sorted)
 {
     QuonPointString result;
-    result.m_text = QuonPointDetails::FormatUnique(QuonPointDetails::ParsePoints(m_text), sorted != FALSE);
+    result.m_text = FormatUnique(ParsePoints(m_text), sorted != FALSE);
     Assign(result);
+    m_changed = 1;
 }
 
 void QuonPointString::GetFirstPoint(unsigned long* point)
@@ -181,14 +186,11 @@ bool QuonPointString::StartWalk()
     m_isDescending = 0;
     m_hasError = 0;
     m_workText = m_text;
-    const int length = m_workText.GetLength();
-    if (length != 0 && QuonPointDetails::IsWhiteSpace(m_workText[length - 1]))
-    {
-        m_workText.TrimRight();
-    }
-    const QuonPointDetails::PointTextReader reader(m_workText, static_cast<std::size_t>(m_workText.GetLength()));
-    m_consumed = static_cast<unsigned long>(reader.position - m_workText.GetString());
-    if (reader.AtEnd())
+    QuonPointDetails::TrimRight(m_workText);
+    const PointTextReader reader =
+        PointTextReader::Start(m_workText, static_cast<std::size_t>(m_workText.GetLength()));
+    Consume(reader.position - m_workText.GetString());
+    if (m_workText.IsEmpty())
     {
         m_isDone = 1;
         return false;
@@ -203,16 +205,15 @@ bool QuonPointString::StartWalk()
 void QuonPointString::ParseNextRange()
 {
     const wchar_t* const text = m_workText;
-    QuonPointDetails::PointTextReader reader = QuonPointDetails::PointTextReader::At(
-        text + m_consumed, text + m_workText.GetLength());
+    PointTextReader reader{text + m_consumed, text + m_workText.GetLength()};
     if (reader.AtEnd())
     {
         m_isDone = 1;
         return;
     }
     const QuonPointDetails::PointItem item = reader.Next();
-    m_consumed = static_cast<unsigned long>(reader.position - text);
     SetToken(m_token, item);
+    Consume(reader.position - text);
     if (item.kind == ItemKind::None)
     {
         m_isDone = 1;
@@ -228,6 +229,17 @@ void QuonPointString::ParseNextRange()
         m_hasError = item.kind == ItemKind::BadBound;
     }
     m_isDone |= m_hasError;
+}
+
+// Cutting the work text at every item would make the walk quadratic: it is cut once, at its end.
+void QuonPointString::Consume(std::ptrdiff_t length)
+{
+    m_consumed = static_cast<unsigned long>(length);
+    if (length == m_workText.GetLength())
+    {
+        m_workText.Empty();
+        m_consumed = 0;
+    }
 }
 
 void QuonPointString::TakeText(const CString& text)

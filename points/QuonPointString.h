@@ -6,6 +6,8 @@
 
 #include <afx.h>
 
+#include <cstddef>
+
 /// A list of point numbers and ranges as text, and a walk over the points that it names.
 ///
 /// The text is a list of items separated by ",". White space around an item and empty items are skipped. An item is
@@ -102,7 +104,7 @@ protected:
 private:
     void ParseNextRange();
     bool StartWalk();
-    void ResetWalk();
+    void Consume(std::ptrdiff_t length);
     void TakeText(const CString& text);
 
     CString m_workText;  // what the walk has not consumed, behind m_consumed characters that it has
@@ -117,12 +119,10 @@ private:
     unsigned long m_count;
 
 protected:
-    static constexpr int kFormatLength = 128;
-
-    wchar_t m_format[kFormatLength];  // the number printed last
+    wchar_t m_format[128];  // the number printed last
 
 private:
-    // Cutting the work text at every item would make the walk quadratic. This field stands last, where 64-bit builds
-    // have padding: all others, and those of derived classes, are where they would be without it.
+    // How much of the work text is consumed already. The field stands last, where 64-bit builds have padding: all others,
+    // and those of derived classes, are where they would be without it.
     unsigned long m_consumed;
 };
