@@ -31,21 +31,6 @@ bool JoinHost(HINSTANCE instance)
     return true;
 }
 
-// No exception may leave DllMain: memory that cannot be had makes the attach fail, and Windows then calls the detach,
-// which copes with whatever part was initialised.
-BOOL AttachProcess(HINSTANCE instance)
-{
-    try
-    {
-        return InitialiseFramework(instance) && JoinHost(instance);
-    }
-    catch (CMemoryException* exception)
-    {
-        exception->Delete();
-        return FALSE;
-    }
-}
-
 void ReleaseTemporaryMaps()
 {
     AfxLockTempMaps();
@@ -71,20 +56,30 @@ void DetachProcess()
 
 }  // namespace
 
+// No exception may leave: memory that cannot be had makes the attach fail. Windows then calls the process detach, whose
+// steps cope with whatever part was initialised.
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID)
 {
-    switch (reason)
+    try
     {
-        case DLL_PROCESS_ATTACH:
-            return AttachProcess(instance);
-        case DLL_THREAD_DETACH:
-            DetachThread();
-            break;
-        case DLL_PROCESS_DETACH:
-            DetachProcess();
-            break;
-        default:
-            break;
+        switch (reason)
+        {
+            case DLL_PROCESS_ATTACH:
+                return InitialiseFramework(instance) && JoinHost(instance);
+            case DLL_THREAD_DETACH:
+                DetachThread();
+                break;
+            case DLL_PROCESS_DETACH:
+                DetachProcess();
+                break;
+            default:
+                break;
+        }
+        return TRUE;
     }
-    return TRUE;
+    catch (CMemoryException* exception)
+    {
+        exception->Delete();
+        return FALSE;
+    }
 }

@@ -26,6 +26,24 @@ QUON_FRAMEWORK_API void AFX_CDECL AfxTrace(LPCTSTR lpszFormat, ...);
 #endif
 #define ASSERT_VALID(pOb) ((void)0)
 
+/// Throws when the condition does not hold, in every build.
+#define ENSURE_THROW(cond, exception) \
+    do                                \
+    {                                 \
+        if (!(cond))                  \
+        {                             \
+            exception;                \
+        }                             \
+    } while (false)
+#define ENSURE(cond) ENSURE_THROW(cond, ::AfxThrowInvalidArgException())
+
+/// A place in a collection; null is none.
+struct __POSITION
+{
+};
+using POSITION = __POSITION*;
+#define BEFORE_START_POSITION (reinterpret_cast<POSITION>(static_cast<INT_PTR>(-1)))
+
 /// Root of the framework's class tree.
 class QUON_FRAMEWORK_API CObject
 {
@@ -101,3 +119,5 @@ public:
 [[noreturn]] QUON_FRAMEWORK_API void AFXAPI AfxThrowMemoryException();
 [[noreturn]] QUON_FRAMEWORK_API void AFXAPI AfxThrowInvalidArgException();
 [[noreturn]] QUON_FRAMEWORK_API void AFXAPI AfxThrowNotSupportedException();
+
+#include "afxfile_.h"
