@@ -14,8 +14,8 @@ namespace QuonPointDetails
 /// The most characters that a number takes.
 inline constexpr std::size_t kMaxNumberLength = 11;
 
-/// The number that `text` begins with, as `_wtol` reads it (saturating, negative ones wrapping to 32 bits); 0 when there
-/// is none or `text` is null.
+/// The number that `text` begins with, as `_wtol` reads it (saturating, negative ones wrapping to 32 bits); 0 when
+/// there is none or `text` is null.
 unsigned long ReadLeadingNumber(const wchar_t* text);
 
 /// Writes `number` as the signed 32-bit number that "%ld" prints: from 2^31 on it is negative. No terminating zero.

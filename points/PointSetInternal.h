@@ -21,7 +21,8 @@ struct ParsedPoints
 
 ParsedPoints ParsePoints(const CString& text);
 
-/// The points of `points` that are not among `removed`: sorted, or in the order of the walk with the duplicates left in.
+/// The points of `points` that are not among `removed`: sorted, or in the order of the walk with the duplicates left
+/// in.
 CString FormatDifference(const ParsedPoints& points, const ParsedPoints& removed, bool sorted);
 
 /// Every point of `points` once: sorted, or in the order of first occurrence.

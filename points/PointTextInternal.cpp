@@ -77,7 +77,8 @@ inline bool ReadPlainItem(const wchar_t*& position, const wchar_t* end, PointIte
     item.range.first = item.range.last = ReadNumber(at);
     const wchar_t* tokenEnd = at;
     SkipBlanks(at);
-    if (*at == L'-')
+    item.isRange = *at == L'-';
+    if (item.isRange)
     {
         SkipBlanks(++at);
         if (!IsDigit(*at))
@@ -151,7 +152,8 @@ bool ItemCheck::Accept(const wchar_t* character, const wchar_t* start)
     }
 }
 
-// The number at the start of a part of an item, leading blanks skipped; the part ends where the item or the number does.
+// The number at the start of a part of an item, leading blanks skipped; the part ends where the item or the number
+// does.
 unsigned long ReadBound(const wchar_t* part)
 {
     SkipBlanks(part);
@@ -171,7 +173,8 @@ void CheckItem(PointItem& item)
         }
     }
     item.range.first = item.range.last = ReadBound(item.token);
-    if (check.dash != nullptr)
+    item.isRange = check.dash != nullptr;
+    if (item.isRange)
     {
         item.range.last = ReadBound(check.dash + 1);
     }
@@ -200,7 +203,7 @@ PointTextReader PointTextReader::Start(const wchar_t* text, std::size_t length)
 
 PointItem PointTextReader::Next()
 {
-    PointItem item{ItemKind::None, {0, 0}, position, 0};
+    PointItem item{ItemKind::None, {0, 0}, false, position, 0};
     while (item.kind == ItemKind::None && position != end)
     {
         if (!ReadPlainItem(position, end, item))

@@ -24,8 +24,9 @@ enum class ItemKind
 struct PointItem
 {
     ItemKind kind;
-    PointRange range;          // for Valid and BadBound
-    const wchar_t* token;      // the item, trimmed at both ends; empty for None
+    PointRange range;      // for Valid and BadBound
+    bool isRange;          // written with a "-"; for Valid and BadBound
+    const wchar_t* token;  // the item, trimmed at both ends; empty for None
     std::size_t tokenLength;
 };
 

@@ -34,8 +34,8 @@ public:
     /// @return TRUE when `point` is in the set; FALSE also for numbers that are not held or not representable.
     BOOL IsPointMarked(unsigned long point) const;
 
-    /// Sets the raw bit `index`, counted from 0 and not shifted by the first number. The set does not grow and the index
-    /// is not checked: it must be below the number of bits held.
+    /// Sets the raw bit `index`, counted from 0 and not shifted by the first number. The set does not grow and the
+    /// index is not checked: it must be below the number of bits held.
     void SetBit(unsigned long long index);
 
     /// Clears the raw bit `index`; the index must be below the number of bits held.
@@ -44,8 +44,8 @@ public:
     /// @return TRUE when the raw bit `index` is set; the index must be below the number of bits held.
     BOOL TestBit(unsigned long long index) const;
 
-    /// Makes the set hold `bits` bits. New bytes are zero; a last byte that stays keeps all of its bits, also those past
-    /// `bits`, which are back when the set grows over them again. With 0 bits the memory is freed.
+    /// Makes the set hold `bits` bits. New bytes are zero; a last byte that stays keeps all of its bits, also those
+    /// past `bits`, which are back when the set grows over them again. With 0 bits the memory is freed.
     /// @return FALSE, with nothing changed, when the first number + `bits` exceeds 4294967295 or memory runs out.
     BOOL Resize(unsigned long long bits);
 

@@ -187,8 +187,7 @@ bool QuonPointString::StartWalk()
     m_hasError = 0;
     m_workText = m_text;
     QuonPointDetails::TrimRight(m_workText);
-    const PointTextReader reader =
-        PointTextReader::Start(m_workText, static_cast<std::size_t>(m_workText.GetLength()));
+    const PointTextReader reader = PointTextReader::Start(m_workText, static_cast<std::size_t>(m_workText.GetLength()));
     Consume(reader.position - m_workText.GetString());
     if (m_workText.IsEmpty())
     {
@@ -225,7 +224,8 @@ void QuonPointString::ParseNextRange()
     {
         m_rangeFirst = item.range.first;
         m_rangeLast = item.range.last;
-        m_isDescending = m_rangeFirst > m_rangeLast;
+        // A number leaves the flag of the range before it: that shows when GetNextPoint follows a walk over ranges.
+        m_isDescending = item.isRange ? m_rangeFirst > m_rangeLast : m_isDescending;
         m_hasError = item.kind == ItemKind::BadBound;
     }
     m_isDone |= m_hasError;

@@ -14,12 +14,13 @@
 /// - a number: digits;
 /// - a range: number "-" number, with blanks allowed around the "-". First > last is a descending range: "20-12" stands
 ///   for 20, 19, ..., 12;
-/// - a comparison: "<" and ">" in any number, then at most one "=", then a number, which may be missing. It is valid and
+/// - a comparison: "<" and ">" in any number, then at most one "=", then a number, which may be missing. It is valid
+/// and
 ///   stands for the single point number 0, whatever its number is.
 ///
-/// Anything else is invalid, and so is a number or range with a bound of 0. Numbers above 2147483647 read as 2147483647.
-/// Duplicates and overlaps are kept: the walk hands points out as often as they are named. A walk stops silently at the
-/// first invalid item.
+/// Anything else is invalid, and so is a number or range with a bound of 0. Numbers above 2147483647 read as
+/// 2147483647. Duplicates and overlaps are kept: the walk hands points out as often as they are named. A walk stops
+/// silently at the first invalid item.
 ///
 /// ```cpp
 /// unsigned long point = 0;
@@ -48,10 +49,11 @@ public:
     /// Takes the text of `other`, empties the label and resets the walk. Assigning an object to itself does nothing.
     virtual void Assign(const QuonPointString& other);
 
-    /// Takes the points that the text `points` names out of this text, and rewrites it: ascending and without duplicates
-    /// when `sorted`, else in the order of the walk with the duplicates left in; runs of consecutive numbers become
-    /// ranges in both. From an invalid item in this text on everything is lost. The label is emptied, the walk reset.
-    /// When `points` holds an invalid item nothing at all happens; when it is empty or null the text is rewritten.
+    /// Takes the points that the text `points` names out of this text, and rewrites it: ascending and without
+    /// duplicates when `sorted`, else in the order of the walk with the duplicates left in; runs of consecutive numbers
+    /// become ranges in both. From an invalid item in this text on everything is lost. The label is emptied, the walk
+    /// reset. When `points` holds an invalid item nothing at all happens; when it is empty or null the text is
+    /// rewritten.
     virtual void RemovePoints(const wchar_t* points, BOOL sorted);
 
     /// Rewrites the text with every point once: ascending when `sorted`, else in the order of first occurrence. Ranges,
@@ -65,8 +67,8 @@ public:
     /// Goes on to the next point of the walk, likewise.
     virtual void GetNextPoint(unsigned long* point);
 
-    /// Begins a walk and stores the bounds of its first item, descending ones with *first > *last. The pointers must not
-    /// be null. For an empty or blank text nothing is stored.
+    /// Begins a walk and stores the bounds of its first item, descending ones with *first > *last. The pointers must
+    /// not be null. For an empty or blank text nothing is stored.
     virtual void GetFirstRange(unsigned long* first, unsigned long* last);
 
     /// Goes on to the next item of the walk, likewise.
@@ -86,15 +88,16 @@ public:
     /// When the last walk has stopped at an invalid item, that answers the next call: it returns FALSE without looking.
     virtual BOOL IsValid();
 
-    /// Counts the points with a walk of its own, and leaves the object at the end of it; an invalid item ends the count.
-    /// Each item counts last - first + 1 in 32 bits, so the count is meant for ascending ranges: "5-1" counts 4294967293.
+    /// Counts the points with a walk of its own, and leaves the object at the end of it; an invalid item ends the
+    /// count. Each item counts last - first + 1 in 32 bits, so the count is meant for ascending ranges: "5-1" counts
+    /// 4294967293.
     virtual unsigned long GetPointCount();
 
     /// The text as it was set or last written.
     const CString& GetText() const;
 
-    /// Replaces the text (null counts as empty) and resets the walk; the label stays. The set or list of a derived class
-    /// is not touched.
+    /// Replaces the text (null counts as empty) and resets the walk; the label stays. The set or list of a derived
+    /// class is not touched.
     void SetText(const wchar_t* text);
 
 protected:
@@ -122,7 +125,7 @@ protected:
     wchar_t m_format[128];  // the number printed last
 
 private:
-    // How much of the work text is consumed already. The field stands last, where 64-bit builds have padding: all others,
-    // and those of derived classes, are where they would be without it.
+    // How much of the work text is consumed already. The field stands last, where 64-bit builds have padding: all
+    // others, and those of derived classes, are where they would be without it.
     unsigned long m_consumed;
 };

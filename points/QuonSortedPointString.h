@@ -11,8 +11,8 @@
 /// {1, 2, 3, 5, 7, 8} is "1-3,5,7-8".
 ///
 /// Call AddPoint any number of times, then UpdateText, then read the text or walk it. The set stays until Clear or
-/// RemovePoint; Assign and SetText replace the text and leave the set alone. Numbers that QuonPointMarker cannot hold (0
-/// and those from 4294966272 up) are ignored, and so is a number for which there is no memory.
+/// RemovePoint; Assign and SetText replace the text and leave the set alone. Numbers that QuonPointMarker cannot hold
+/// (0 and those from 4294966272 up) are ignored, and so is a number for which there is no memory.
 class QUON_API QuonSortedPointString : public QuonPointString
 {
 public:
@@ -27,12 +27,12 @@ public:
 #if defined(_MSC_VER)
     /// Adds `point`.
     virtual void AddPoint(unsigned long point);
-    /// Adds the number that `text` begins with, as `_wtol` reads it: "5-7" adds 5. Text without a number, and null, give
-    /// 0, which is ignored.
+    /// Adds the number that `text` begins with, as `_wtol` reads it: "5-7" adds 5. Text without a number, and null,
+    /// give 0, which is ignored.
     virtual void AddPoint(const wchar_t* text);
 #else
-    /// Adds the number that `text` begins with, as `_wtol` reads it: "5-7" adds 5. Text without a number, and null, give
-    /// 0, which is ignored.
+    /// Adds the number that `text` begins with, as `_wtol` reads it: "5-7" adds 5. Text without a number, and null,
+    /// give 0, which is ignored.
     virtual void AddPoint(const wchar_t* text);
     /// Adds `point`.
     virtual void AddPoint(unsigned long point);
@@ -44,8 +44,8 @@ public:
     /// Empties the set and the text.
     virtual void Clear();
 
-    /// Takes `point` out of the set; the text follows with the next UpdateText. A number beyond those held grows the set
-    /// as adding it would.
+    /// Takes `point` out of the set; the text follows with the next UpdateText. A number beyond those held grows the
+    /// set as adding it would.
     virtual void RemovePoint(unsigned long point);
 
 private:

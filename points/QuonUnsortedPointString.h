@@ -26,19 +26,20 @@ public:
 #if defined(_MSC_VER)
     /// Appends `point`.
     virtual void AddPoint(unsigned long point);
-    /// Appends the number that `text` begins with, as `_wtol` reads it: "5-7" appends 5. Text without a number, and null,
-    /// append 0.
+    /// Appends the number that `text` begins with, as `_wtol` reads it: "5-7" appends 5. Text without a number, and
+    /// null, append 0.
     virtual void AddPoint(const wchar_t* text);
 #else
-    /// Appends the number that `text` begins with, as `_wtol` reads it: "5-7" appends 5. Text without a number, and null,
-    /// append 0.
+    /// Appends the number that `text` begins with, as `_wtol` reads it: "5-7" appends 5. Text without a number, and
+    /// null, append 0.
     virtual void AddPoint(const wchar_t* text);
     /// Appends `point`.
     virtual void AddPoint(unsigned long point);
 #endif
 
     /// Trims the text at the right, appends the listed points to it and empties the list. The new points are not merged
-    /// into the ranges that stand there: "1,2" and then 3 is "1-2,3". Numbers from 2^31 up are printed as negative ones.
+    /// into the ranges that stand there: "1,2" and then 3 is "1-2,3". Numbers from 2^31 up are printed as negative
+    /// ones.
     virtual void UpdateText();
 
     /// Empties the list and the text.

@@ -53,8 +53,7 @@ TEST(PointLayout, StringFieldsAsTheyAreBuilt)
 {
     static_assert(sizeof(QuonPointString) == 336);
     static_assert(sizeof(QuonSortedPointString) == 344);
-    static_assert(sizeof(QuonUnsortedPointString) ==
-                  336 + sizeof(CList<unsigned long, unsigned long&>));
+    static_assert(sizeof(QuonUnsortedPointString) == 336 + sizeof(CList<unsigned long, unsigned long&>));
     const QuonPointString string(L"1-5");
     EXPECT_EQ(StringAt(&string, 8), L"1-5");
     EXPECT_EQ(FieldAt<std::int32_t>(&string, 16), 1);

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cwctype>
@@ -256,17 +257,18 @@ Point ModelString::GetPointCount()
     return count;
 }
 
-std::uint64_t ModelString::WalkLength() const
+ModelString::Extent ModelString::Measure() const
 {
     ModelString copy(text);
-    std::uint64_t length = 0;
+    Extent extent{0, 0};
     Point first = 0;
     Point last = 0;
     for (copy.GetFirstRange(first, last); !copy.done; copy.GetNextRange(first, last))
     {
-        length += 1 + std::uint64_t{first > last ? first - last : last - first};
+        extent.length += 1 + std::uint64_t{first > last ? first - last : last - first};
+        extent.highest = std::max({extent.highest, first, last});
     }
-    return length;
+    return extent;
 }
 
 void ModelString::RemovePoints(const std::wstring& points, bool sorted)

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quon_test
@@ -32,7 +33,7 @@ private:
 class ModelString
 {
 public:
-    explicit ModelString(std::wstring text = L"") : text(std::move(text)) {}
+    explicit ModelString(std::wstring initial = L"") : text(std::move(initial)) {}
 
     void Assign(const ModelString& other);
     void SetText(const std::wstring& newText);
@@ -45,8 +46,13 @@ public:
     bool IsValid();
     Point GetPointCount();
 
-    /// The number of points that a walk would hand out, without walking them.
-    std::uint64_t WalkLength() const;
+    /// The number of points that a walk would hand out, and the highest of them, without walking them.
+    struct Extent
+    {
+        std::uint64_t length;
+        Point highest;
+    };
+    Extent Measure() const;
 
     std::wstring text;
     std::wstring label;

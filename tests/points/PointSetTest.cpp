@@ -200,7 +200,7 @@ void* FailingRealloc(void*, std::size_t)
 // Without memory for the bits a mark is not made, and that is all.
 TEST(PointSets, WithoutMemoryMarksAreDropped)
 {
-    const ImportPatch<decltype(&std::realloc)> patch(L"QuonWin32Utils.dll", "realloc", &FailingRealloc);
+    const ImportPatch<void* (*)(void*, std::size_t)> patch(L"QuonWin32Utils.dll", "realloc", &FailingRealloc);
     QuonPointString removed(L"1-5,3");
     removed.RemovePoints(L"2-3", FALSE);
     EXPECT_EQ(TextOf(removed), L"1-5,3") << "nothing is known to be removed";

@@ -109,8 +109,8 @@ TEST(QuonPointMarker, ResizeIsBoundedByThirtyTwoBits)
     QuonPointMarker marker;
     ASSERT_TRUE(marker.Resize(100));
     marker.MarkPoint(3);
-    for (const unsigned long long bits : {0xFFFFFFFFull, 0x100000000ull, 0x1000003FFull, 0xFFFFFFFFFFFFFFFEull,
-                                          0xFFFFFFFFFFFFFFFFull})
+    for (const unsigned long long bits :
+         {0xFFFFFFFFull, 0x100000000ull, 0x1000003FFull, 0xFFFFFFFFFFFFFFFEull, 0xFFFFFFFFFFFFFFFFull})
     {
         SCOPED_TRACE(bits);
         EXPECT_EQ(marker.Resize(bits), FALSE);
@@ -188,8 +188,8 @@ protected:
 
 TEST_F(MarkerMemory, IsOneReallocationPer1024NumbersAndIsFreed)
 {
-    const ImportPatch<decltype(&std::realloc)> reallocPatch(L"QuonWin32Utils.dll", "realloc", &RecordingRealloc);
-    const ImportPatch<decltype(&std::free)> freePatch(L"QuonWin32Utils.dll", "free", &RecordingFree);
+    const ImportPatch<void* (*)(void*, std::size_t)> reallocPatch(L"QuonWin32Utils.dll", "realloc", &RecordingRealloc);
+    const ImportPatch<void (*)(void*)> freePatch(L"QuonWin32Utils.dll", "free", &RecordingFree);
     auto* marker = new QuonPointMarker;
     for (unsigned long point = 1; point <= 3000; ++point)
     {
@@ -211,7 +211,7 @@ TEST_F(MarkerMemory, AFailedGrowthIsNoMarkAndNoChange)
 {
     QuonPointMarker marker;
     marker.MarkPoint(5);
-    const ImportPatch<decltype(&std::realloc)> patch(L"QuonWin32Utils.dll", "realloc", &FailingRealloc);
+    const ImportPatch<void* (*)(void*, std::size_t)> patch(L"QuonWin32Utils.dll", "realloc", &FailingRealloc);
     marker.MarkPoint(5000);
     marker.UnmarkPoint(6000);
     EXPECT_FALSE(marker.Resize(7000));

@@ -460,6 +460,26 @@ TEST(QuonPointString, CopiesCarryTheWalkTheLabelAndTheBuffer)
     EXPECT_FALSE(ended.IsValid()) << "the error is copied too";
 }
 
+// A walk over ranges leaves the cursor at 0, and a number leaves the direction of the range before it.
+TEST(QuonPointString, PointsAfterRangesGoOnFromTheCursor)
+{
+    unsigned long first = 0;
+    unsigned long last = 0;
+    QuonPointString ascending(L"1-2,7");
+    ascending.GetFirstRange(&first, &last);
+    ascending.GetNextRange(&first, &last);
+    for (const unsigned long expected : {1ul, 2ul, 3ul})
+    {
+        ascending.GetNextPoint(&first);
+        EXPECT_EQ(first, expected);
+    }
+    QuonPointString descending(L"2-1,7,9");
+    descending.GetFirstRange(&first, &last);
+    descending.GetNextRange(&first, &last);
+    descending.GetNextPoint(&first);
+    EXPECT_EQ(first, 9u);
+}
+
 // A walk reads the text as it was when it began.
 TEST(QuonPointString, AWalkDoesNotSeeLaterTexts)
 {

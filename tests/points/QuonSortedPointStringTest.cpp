@@ -78,16 +78,8 @@ TEST(QuonSortedPointString, AddsTheNumberThatATextBeginsWith)
         const wchar_t* text;
     };
     for (const Row& row : {
-             Row{L"5", L"5"},
-             Row{L"5-7", L"5"},
-             Row{L" 12 34", L"12"},
-             Row{L"\t+6x", L"6"},
-             Row{L"7,8", L"7"},
-             Row{L"", L""},
-             Row{L"x5", L""},
-             Row{L"0", L""},
-             Row{L"<5", L""},
-             Row{nullptr, L""},
+             Row{L"5", L"5"}, Row{L"5-7", L"5"}, Row{L" 12 34", L"12"}, Row{L"\t+6x", L"6"}, Row{L"7,8", L"7"},
+             Row{L"", L""}, Row{L"x5", L""}, Row{L"0", L""}, Row{L"<5", L""}, Row{nullptr, L""},
              Row{L"-5", L""},     // 4294967291 is not representable
              Row{L"-1024", L""},  // 4294966272, the first one that is not
          })
@@ -194,8 +186,8 @@ TEST(QuonSortedPointString, APointWithoutMemoryIsDropped)
     QuonSortedPointString string;
     string.AddPoint(5);
     {
-        const ImportPatch<decltype(&std::realloc)> patch(L"QuonWin32Utils.dll", "realloc",
-                                                         [](void*, std::size_t) -> void* { return nullptr; });
+        const ImportPatch<void* (*)(void*, std::size_t)> patch(L"QuonWin32Utils.dll", "realloc",
+                                                               [](void*, std::size_t) -> void* { return nullptr; });
         string.AddPoint(5000);
         string.RemovePoint(6000);
         string.AddPoint(6);
