@@ -43,7 +43,10 @@ void FillBits(unsigned char* bytes, std::uint64_t from, std::uint64_t to)
         return;
     }
     Put<set>(bytes[firstByte], MaskFrom(from % 8));
-    std::memset(bytes + firstByte + 1, set ? 0xFF : 0, static_cast<std::size_t>(endByte - firstByte - 1));
+    if (endByte - firstByte > 1)
+    {
+        std::memset(bytes + firstByte + 1, set ? 0xFF : 0, static_cast<std::size_t>(endByte - firstByte - 1));
+    }
     if (to % 8 != 0)
     {
         Put<set>(bytes[endByte], MaskBefore(to % 8));
@@ -57,6 +60,22 @@ std::uint64_t Load(const unsigned char* bytes, std::uint64_t count)
     std::uint64_t word = 0;
     std::memcpy(&word, bytes, static_cast<std::size_t>(count));
     return wanted ? word : ~word;
+}
+
+// Moves over blocks of four words that hold no wanted bit.
+template <bool wanted>
+std::uint64_t SkipBlocks(const unsigned char* bytes, std::uint64_t byte, std::uint64_t endByte)
+{
+    for (; byte + 4 * kWordBytes <= endByte; byte += 4 * kWordBytes)
+    {
+        const unsigned char* const block = bytes + byte;
+        if ((Load<wanted>(block, kWordBytes) | Load<wanted>(block + kWordBytes, kWordBytes) |
+             Load<wanted>(block + 2 * kWordBytes, kWordBytes) | Load<wanted>(block + 3 * kWordBytes, kWordBytes)) != 0)
+        {
+            break;
+        }
+    }
+    return byte;
 }
 
 template <bool wanted>
@@ -76,6 +95,7 @@ std::uint64_t FindForward(const unsigned char* bytes, std::uint64_t from, std::u
         {
             return std::min(8 * byte + static_cast<std::uint64_t>(std::countr_zero(word)), to);
         }
+        byte = SkipBlocks<wanted>(bytes, byte + kWordBytes, endByte) - kWordBytes;
     }
     if (byte < endByte)
     {

@@ -79,7 +79,10 @@ wchar_t* WriteNumber(wchar_t* out, unsigned long number)
     return end;
 }
 
-PointTextWriter::PointTextWriter(CString& text) : m_text(text), m_length(text.GetLength()) {}
+PointTextWriter::PointTextWriter(CString& text, int expectedLength)
+    : m_text(text), m_length(text.GetLength()), m_expectedLength(expectedLength)
+{
+}
 
 PointTextWriter::~PointTextWriter()
 {
@@ -124,8 +127,8 @@ void PointTextWriter::Reserve()
     // Room that an earlier writer left is used up first, so that many small additions cost no more than one large one.
     const int needed = m_length + kMaxWrite;
     const int doubled = m_length <= INT_MAX / 2 ? 2 * m_length : needed;
-    m_buffer =
-        m_text.GetBuffer(m_text.GetAllocLength() >= needed ? needed : std::max({kFirstCapacity, needed, doubled}));
+    m_buffer = m_text.GetBuffer(
+        m_text.GetAllocLength() >= needed ? needed : std::max({kFirstCapacity, m_expectedLength, needed, doubled}));
     m_capacity = m_text.GetAllocLength();
 }
 

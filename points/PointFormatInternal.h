@@ -27,7 +27,8 @@ wchar_t* WriteNumber(wchar_t* out, unsigned long number);
 class PointTextWriter
 {
 public:
-    explicit PointTextWriter(CString& text);
+    /// `expectedLength` characters are likely to be written; room for them is made at once.
+    explicit PointTextWriter(CString& text, int expectedLength = 0);
     ~PointTextWriter();
     PointTextWriter(const PointTextWriter&) = delete;
     PointTextWriter& operator=(const PointTextWriter&) = delete;
@@ -49,6 +50,7 @@ private:
     CString& m_text;
     wchar_t* m_buffer = nullptr;  // null until something is written, and after a failed growth
     int m_length;
+    int m_expectedLength;
     int m_capacity = 0;
     unsigned long m_lastNumber = 0;
     bool m_hasWritten = false;

@@ -86,15 +86,16 @@ void AddUnmarked(const QuonPointMarker& marker, PointRange range, UnsortedPointL
     }
 }
 
-CString FormatSorted(const QuonPointMarker& marker)
+// Room for a text as long as the old one is made at once; what is not needed of it is given back.
+void FreeExtra(CString& text)
 {
-    CString text;
-    PointTextWriter writer(text);
-    WriteSortedPoints(marker, writer);
-    return text;
+    if (text.GetAllocLength() / 2 > text.GetLength())
+    {
+        text.FreeExtra();
+    }
 }
 
-CString FormatSortedDifference(const ParsedPoints& points, const ParsedPoints& removed)
+void WriteSortedDifference(const ParsedPoints& points, const ParsedPoints& removed, PointTextWriter& writer)
 {
     QuonPointMarker result;
     MarkAll(result, points);
@@ -102,55 +103,55 @@ CString FormatSortedDifference(const ParsedPoints& points, const ParsedPoints& r
     {
         Access::UnmarkRange(result, std::min(range.first, range.last), std::max(range.first, range.last));
     }
-    return FormatSorted(result);
+    WriteSortedPoints(result, writer);
 }
 
-CString FormatUnsortedDifference(const ParsedPoints& points, const ParsedPoints& removed)
+void WriteUnsortedDifference(const ParsedPoints& points, const ParsedPoints& removed, PointTextWriter& writer)
 {
     QuonPointMarker marker;
     MarkAll(marker, removed);
-    CString text;
+    UnsortedPointLayout layout(writer);
+    for (const PointRange& range : points.ranges)
     {
-        PointTextWriter writer(text);
-        UnsortedPointLayout layout(writer);
-        for (const PointRange& range : points.ranges)
-        {
-            AddUnmarked(marker, range, layout);
-        }
-        layout.Finish();
+        AddUnmarked(marker, range, layout);
     }
-    return text;
+    layout.Finish();
 }
 
-CString FormatUnsortedUnique(const ParsedPoints& points)
+void WriteUnsortedUnique(const ParsedPoints& points, PointTextWriter& writer)
 {
     QuonPointMarker seen;
-    CString text;
+    UnsortedPointLayout layout(writer);
+    for (const PointRange& range : points.ranges)
     {
-        PointTextWriter writer(text);
-        UnsortedPointLayout layout(writer);
-        for (const PointRange& range : points.ranges)
+        AddUnmarked(seen, range, layout);
+        if (&range != &points.ranges.back())
         {
-            AddUnmarked(seen, range, layout);
-            if (&range != &points.ranges.back())
-            {
-                Mark(seen, range, points.highest);
-            }
+            Mark(seen, range, points.highest);
         }
-        layout.Finish();
     }
-    return text;
+    layout.Finish();
 }
 
 }  // namespace
 
 ParsedPoints ParsePoints(const CString& text)
 {
+    // Most items are longer than this; room that is not used is never touched.
+    constexpr std::size_t kLengthPerItem = 8;
+
     ParsedPoints points;
-    PointTextReader reader = PointTextReader::Start(text, static_cast<std::size_t>(text.GetLength()));
+    points.textLength = text.GetLength();
+    const auto length = static_cast<std::size_t>(points.textLength);
+    points.ranges.reserve(length / kLengthPerItem);
+    PointTextReader reader = PointTextReader::Start(text, length);
     while (!reader.AtEnd())
     {
-        const PointItem item = reader.Next();
+        PointItem item;
+        if (!reader.ReadPlainItem(item))
+        {
+            item = reader.Next();
+        }
         if (item.kind == ItemKind::Valid)
         {
             points.ranges.push_back(item.range);
@@ -167,12 +168,24 @@ ParsedPoints ParsePoints(const CString& text)
 
 CString FormatDifference(const ParsedPoints& points, const ParsedPoints& removed, bool sorted)
 {
-    return sorted ? FormatSortedDifference(points, removed) : FormatUnsortedDifference(points, removed);
+    CString text;
+    {
+        PointTextWriter writer(text, points.textLength);
+        sorted ? WriteSortedDifference(points, removed, writer) : WriteUnsortedDifference(points, removed, writer);
+    }
+    FreeExtra(text);
+    return text;
 }
 
 CString FormatUnique(const ParsedPoints& points, bool sorted)
 {
-    return sorted ? FormatSortedDifference(points, {}) : FormatUnsortedUnique(points);
+    CString text;
+    {
+        PointTextWriter writer(text, points.textLength);
+        sorted ? WriteSortedDifference(points, {}, writer) : WriteUnsortedUnique(points, writer);
+    }
+    FreeExtra(text);
+    return text;
 }
 
 }  // namespace QuonPointDetails

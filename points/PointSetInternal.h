@@ -15,6 +15,7 @@ namespace QuonPointDetails
 struct ParsedPoints
 {
     std::vector<PointRange> ranges;
+    int textLength = 0;
     unsigned long highest = 0;
     bool isValid = true;  // false when an invalid item ended the walk
 };

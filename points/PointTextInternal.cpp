@@ -1,5 +1,6 @@
 #include "points/PointTextInternal.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cwchar>
 #include <cwctype>
@@ -12,91 +13,9 @@ namespace
 // Numbers are read into a signed 32-bit long and stay at its greatest value beyond it.
 constexpr unsigned long kGreatestNumber = 2147483647;
 
-// Full-width and other digits that the character tables know are no digits here.
-constexpr bool IsDigit(wchar_t character)
-{
-    return character >= L'0' && character <= L'9';
-}
-
 constexpr bool IsComparison(wchar_t character)
 {
     return character == L'<' || character == L'>';
-}
-
-unsigned long ReadLongNumber(const wchar_t* digits, const wchar_t* end)
-{
-    std::uint64_t number = 0;
-    for (; digits != end; ++digits)
-    {
-        number = 10 * number + static_cast<std::uint64_t>(*digits - L'0');
-        number = number > kGreatestNumber ? kGreatestNumber : number;
-    }
-    return static_cast<unsigned long>(number);
-}
-
-// Reads the digits at `position` and moves behind them; without digits the number is 0.
-inline unsigned long ReadNumber(const wchar_t*& position)
-{
-    constexpr std::ptrdiff_t kSafeDigits = 9;
-    const wchar_t* const digits = position;
-    unsigned long number = 0;
-    while (IsDigit(*position))
-    {
-        number = 10 * number + static_cast<unsigned long>(*position++ - L'0');
-    }
-    return position - digits <= kSafeDigits ? number : ReadLongNumber(digits, position);
-}
-
-inline void SkipBlanks(const wchar_t*& position)
-{
-    while (*position == L' ')
-    {
-        ++position;
-    }
-}
-
-inline void SkipWhiteSpace(const wchar_t*& position, const wchar_t* end)
-{
-    while (position != end && IsWhiteSpace(*position))
-    {
-        ++position;
-    }
-}
-
-// The two forms that nearly every item has, checked and read in one pass: digits, and digits "-" digits, with blanks
-// between and behind. The text's terminating zero ends each of the loops. Returns false, with nothing said about the
-// item, when it is anything else.
-inline bool ReadPlainItem(const wchar_t*& position, const wchar_t* end, PointItem& item)
-{
-    const wchar_t* at = position;
-    if (!IsDigit(*at))
-    {
-        return false;
-    }
-    item.token = at;
-    item.range.first = item.range.last = ReadNumber(at);
-    const wchar_t* tokenEnd = at;
-    SkipBlanks(at);
-    item.isRange = *at == L'-';
-    if (item.isRange)
-    {
-        SkipBlanks(++at);
-        if (!IsDigit(*at))
-        {
-            return false;
-        }
-        item.range.last = ReadNumber(at);
-        tokenEnd = at;
-        SkipBlanks(at);
-    }
-    if (at != end && *at != L',')
-    {
-        return false;
-    }
-    item.tokenLength = static_cast<std::size_t>(tokenEnd - item.token);
-    item.kind = item.range.first != 0 && item.range.last != 0 ? ItemKind::Valid : ItemKind::BadBound;
-    position = at;
-    return true;
 }
 
 // Which part of an item the character check is in.
@@ -152,12 +71,24 @@ bool ItemCheck::Accept(const wchar_t* character, const wchar_t* start)
     }
 }
 
-// The number at the start of a part of an item, leading blanks skipped; the part ends where the item or the number
-// does.
+// The number at the start of a part of an item, leading blanks skipped. What follows an item ends its number too.
 unsigned long ReadBound(const wchar_t* part)
 {
     SkipBlanks(part);
-    return ReadNumber(part);
+    std::uint64_t number = 0;
+    for (; IsDigit(*part); ++part)
+    {
+        number = std::min<std::uint64_t>(10 * number + static_cast<std::uint64_t>(*part - L'0'), kGreatestNumber);
+    }
+    return static_cast<unsigned long>(number);
+}
+
+void SkipWhiteSpace(const wchar_t*& position, const wchar_t* end)
+{
+    while (position != end && IsWhiteSpace(*position))
+    {
+        ++position;
+    }
 }
 
 void CheckItem(PointItem& item)
@@ -187,11 +118,7 @@ void CheckItem(PointItem& item)
 
 bool IsWhiteSpace(wchar_t character)
 {
-    if (character > L' ' && character < 0x7F)
-    {
-        return false;
-    }
-    return character == L' ' || std::iswspace(character) != 0;
+    return MayBeWhiteSpace(character) && std::iswspace(character) != 0;
 }
 
 PointTextReader PointTextReader::Start(const wchar_t* text, std::size_t length)
@@ -204,25 +131,22 @@ PointTextReader PointTextReader::Start(const wchar_t* text, std::size_t length)
 PointItem PointTextReader::Next()
 {
     PointItem item{ItemKind::None, {0, 0}, false, position, 0};
-    while (item.kind == ItemKind::None && position != end)
+    while (item.kind == ItemKind::None && !AtEnd())
     {
-        if (!ReadPlainItem(position, end, item))
+        const wchar_t* const comma = std::wmemchr(position, L',', static_cast<std::size_t>(end - position));
+        const wchar_t* tokenEnd = comma != nullptr ? comma : end;
+        item.token = position;
+        position = tokenEnd;
+        while (tokenEnd != item.token && IsWhiteSpace(tokenEnd[-1]))
         {
-            const wchar_t* const comma = std::wmemchr(position, L',', static_cast<std::size_t>(end - position));
-            const wchar_t* tokenEnd = comma != nullptr ? comma : end;
-            item.token = position;
-            position = tokenEnd;
-            while (tokenEnd != item.token && IsWhiteSpace(tokenEnd[-1]))
-            {
-                --tokenEnd;
-            }
-            item.tokenLength = static_cast<std::size_t>(tokenEnd - item.token);
-            if (item.tokenLength != 0)
-            {
-                CheckItem(item);
-            }
+            --tokenEnd;
         }
-        if (position != end)
+        item.tokenLength = static_cast<std::size_t>(tokenEnd - item.token);
+        if (item.tokenLength != 0)
+        {
+            CheckItem(item);
+        }
+        if (!AtEnd())
         {
             ++position;
             SkipWhiteSpace(position, end);

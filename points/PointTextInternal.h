@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace QuonPointDetails
 {
@@ -30,6 +32,15 @@ struct PointItem
     std::size_t tokenLength;
 };
 
+/// White space as the framework's strings trim it.
+bool IsWhiteSpace(wchar_t character);
+
+/// False for characters that are certainly no white space.
+constexpr bool MayBeWhiteSpace(wchar_t character)
+{
+    return character <= L' ' || character >= 0x7F;
+}
+
 /// What has not been read yet of a text. It never begins with white space, and a zero character follows it.
 struct PointTextReader
 {
@@ -43,9 +54,101 @@ struct PointTextReader
 
     /// Reads the next item that is not empty, its comma and the white space behind it.
     PointItem Next();
+
+    /// Does the same if the next item is a valid number or range with nothing special about it, which nearly every item
+    /// is; else it returns false, with nothing read and `item` of no use.
+    bool ReadPlainItem(PointItem& item);
 };
 
-/// White space as the framework's strings trim it.
-bool IsWhiteSpace(wchar_t character);
+/// Full-width and other digits that the character tables know are no digits here.
+constexpr bool IsDigit(wchar_t character)
+{
+    return character >= L'0' && character <= L'9';
+}
+
+inline void SkipBlanks(const wchar_t*& position)
+{
+    while (*position == L' ')
+    {
+        ++position;
+    }
+}
+
+/// Adds the digits of four characters to `number` when all four are digits.
+inline bool AppendFourDigits(const wchar_t* characters, unsigned long& number)
+{
+    static_assert(sizeof(wchar_t) == 2);
+    std::uint64_t word;
+    std::memcpy(&word, characters, sizeof(word));
+    const std::uint64_t digits = word ^ 0x0030003000300030;
+    // A digit is below 10, so that adding 6 does not reach the fifth bit.
+    if (((digits | (digits + 0x0006000600060006)) & 0xFFF0FFF0FFF0FFF0) != 0)
+    {
+        return false;
+    }
+    // The first character is the lowest lane: the product's highest lane gathers 1000, 100, 10 and 1 times the digits.
+    number = 10000 * number + static_cast<unsigned long>(digits * 0x03E80064000A0001 >> 48);
+    return true;
+}
+
+/// Reads the digits at `position`, at least one and at most nine, and moves behind them. Returns false when there are
+/// more or less. A character that is no digit stands at `end` at the latest.
+inline bool ReadShortNumber(const wchar_t*& position, const wchar_t* end, unsigned long& number)
+{
+    const wchar_t* at = position;
+    number = 0;
+    if (end - at >= 3 && AppendFourDigits(at, number))
+    {
+        at += 4;
+    }
+    for (; IsDigit(*at); ++at)
+    {
+        number = 10 * number + static_cast<unsigned long>(*at - L'0');
+    }
+    const std::ptrdiff_t digits = at - position;
+    position = at;
+    return digits >= 1 && digits <= 9;
+}
+
+// It calls nothing and keeps all in registers.
+inline bool PointTextReader::ReadPlainItem(PointItem& item)
+{
+    const wchar_t* at = position;
+    item.token = at;
+    if (!ReadShortNumber(at, end, item.range.first))
+    {
+        return false;
+    }
+    item.range.last = item.range.first;
+    const wchar_t* tokenEnd = at;
+    SkipBlanks(at);
+    item.isRange = *at == L'-';
+    if (item.isRange)
+    {
+        SkipBlanks(++at);
+        if (!ReadShortNumber(at, end, item.range.last))
+        {
+            return false;
+        }
+        tokenEnd = at;
+        SkipBlanks(at);
+    }
+    if (*at == L',')
+    {
+        SkipBlanks(++at);
+        if (MayBeWhiteSpace(*at) && at != end)
+        {
+            return false;
+        }
+    }
+    else if (at != end)
+    {
+        return false;
+    }
+    item.tokenLength = static_cast<std::size_t>(tokenEnd - item.token);
+    item.kind = ItemKind::Valid;
+    position = at;
+    return item.range.first != 0 && item.range.last != 0;
+}
 
 }  // namespace QuonPointDetails

@@ -4,27 +4,13 @@
 #include "points/PointSetInternal.h"
 #include "points/PointTextInternal.h"
 
-#include <cstring>
-
 using QuonPointDetails::FormatDifference;
 using QuonPointDetails::FormatUnique;
 using QuonPointDetails::ItemKind;
 using QuonPointDetails::ParsedPoints;
 using QuonPointDetails::ParsePoints;
+using QuonPointDetails::PointItem;
 using QuonPointDetails::PointTextReader;
-
-namespace
-{
-
-// The field is written at every item: a buffer that is kept costs a copy of the characters and no allocation.
-void SetToken(CString& token, const QuonPointDetails::PointItem& item)
-{
-    const int length = static_cast<int>(item.tokenLength);
-    std::memcpy(token.GetBuffer(length), item.token, item.tokenLength * sizeof(wchar_t));
-    token.ReleaseBufferSetLength(length);
-}
-
-}  // namespace
 
 QuonPointString::QuonPointString() : QuonPointString(nullptr) {}
 
@@ -203,6 +189,29 @@ bool QuonPointString::StartWalk()
 
 void QuonPointString::ParseNextRange()
 {
+    // Nearly every item is plain. Reading one takes about as long as a bare loop over its digits, so nothing more than
+    // that is done here: in particular it is not cut out of the work text.
+    const wchar_t* const text = m_workText;
+    PointTextReader reader{text + m_consumed, text + m_workText.GetLength()};
+    PointItem item;
+    if (m_hasError != 0 || !reader.ReadPlainItem(item))
+    {
+        ParseOtherItem();
+        return;
+    }
+    m_rangeFirst = item.range.first;
+    m_rangeLast = item.range.last;
+    // A number leaves the flag of the range before it: that shows when GetNextPoint follows a walk over ranges.
+    if (item.isRange)
+    {
+        m_isDescending = item.range.first > item.range.last;
+    }
+    Consume(reader.position - text);
+}
+
+// The same for whatever comes next, the end of the text included.
+void QuonPointString::ParseOtherItem()
+{
     const wchar_t* const text = m_workText;
     PointTextReader reader{text + m_consumed, text + m_workText.GetLength()};
     if (reader.AtEnd())
@@ -210,8 +219,8 @@ void QuonPointString::ParseNextRange()
         m_isDone = 1;
         return;
     }
-    const QuonPointDetails::PointItem item = reader.Next();
-    SetToken(m_token, item);
+    const PointItem item = reader.Next();
+    m_token.SetString(item.token, static_cast<int>(item.tokenLength));
     Consume(reader.position - text);
     if (item.kind == ItemKind::None)
     {
@@ -224,7 +233,6 @@ void QuonPointString::ParseNextRange()
     {
         m_rangeFirst = item.range.first;
         m_rangeLast = item.range.last;
-        // A number leaves the flag of the range before it: that shows when GetNextPoint follows a walk over ranges.
         m_isDescending = item.isRange ? m_rangeFirst > m_rangeLast : m_isDescending;
         m_hasError = item.kind == ItemKind::BadBound;
     }

@@ -106,13 +106,14 @@ protected:
 
 private:
     void ParseNextRange();
+    void ParseOtherItem();
     bool StartWalk();
     void Consume(std::ptrdiff_t length);
     void TakeText(const CString& text);
 
     CString m_workText;  // what the walk has not consumed, behind m_consumed characters that it has
     CString m_label;
-    CString m_token;
+    CString m_token;  // the last item that was not plain: if the walk stopped at an invalid one, that one
     unsigned long m_rangeFirst;
     unsigned long m_rangeLast;
     unsigned long m_cursor;

@@ -50,7 +50,7 @@ std::wstring RandomNumber(Random& random, unsigned span)
         case 0:
             return L"0";
         case 1:
-            return L"000" + std::to_wstring(Below(random, span));
+            return std::wstring(L"000") + std::to_wstring(Below(random, span));
         default:
             return std::to_wstring(1 + Below(random, span));
     }
@@ -69,7 +69,7 @@ std::wstring RandomItem(Random& random, unsigned span)
         case 0:
             return L"";
         case 1:
-            return (Below(random, 2) != 0 ? L"<" : L">=") + RandomNumber(random, span);
+            return std::wstring(Below(random, 2) != 0 ? L"<" : L">=") + RandomNumber(random, span);
         case 2:
             return Below(random, 4) != 0 ? RandomNumber(random, span) : RandomNoise(random);
         case 3:
@@ -100,7 +100,7 @@ std::wstring RandomText(Random& random)
         text += RandomItem(random, span) + RandomBlanks(random);
         if (items > 1)
         {
-            text += L"," + RandomBlanks(random);
+            text += std::wstring(L",") + RandomBlanks(random);
         }
     }
     return text;
