@@ -28,7 +28,7 @@ std::size_t BlockLength(int physicalLength)
     {
         return length;
     }
-    const unsigned int step = std::bit_floor(length) / 4;
+    const unsigned int step = 1u << (std::bit_width(length) - 3);
     return (std::size_t{length} + step - 1) / step * step;
 }
 
