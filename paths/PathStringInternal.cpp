@@ -36,11 +36,6 @@ private:
     wchar_t* m_data;
 };
 
-wchar_t* CopyTo(wchar_t* out, std::wstring_view text)
-{
-    return std::copy(text.begin(), text.end(), out);
-}
-
 }  // namespace
 
 std::wstring_view View(const CString& text)
@@ -102,7 +97,7 @@ void JoinString(CString& text, wchar_t separator, std::wstring_view other)
         const auto skipped = std::find_if_not(tail.begin(), tail.end(), IsSeparator) - tail.begin();
         tail.remove_prefix(static_cast<std::size_t>(skipped));
     }
-    CopyTo(buffer + length, tail);
+    tail.copy(buffer + length, tail.size());
     text.ReleaseBuffer(ToInt(length + tail.size()));
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <new>
 
+#include "support/FailingAllocation.h"
 #include "support/SearchJournal.h"
 #include "support/TemporaryFolder.h"
 #include "traversal/QuonFileTrees.h"
@@ -15,6 +16,7 @@
 namespace
 {
 
+using quon_test::FailingAllocation;
 using quon_test::Names;
 using quon_test::SearchJournal;
 using quon_test::TemporaryFolder;
@@ -350,30 +352,6 @@ TEST(SearchHandles, FileTreesWalkEveryFolderAndSearchEachForThePattern)
         EXPECT_EQ(journal.OpenNow(), 1u);  // the search for files in the last folder, exhausted
     }
 }
-
-// Lets the n-th allocation of the library or of the framework fail.
-class FailingAllocation
-{
-public:
-    explicit FailingAllocation(int successes) : m_left(successes) { s_active = this; }
-    ~FailingAllocation() { s_active = nullptr; }
-    FailingAllocation(const FailingAllocation&) = delete;
-    FailingAllocation& operator=(const FailingAllocation&) = delete;
-
-    bool Failed() const { return m_left < 0; }
-
-private:
-    // Only the n-th one: what handles the failure may allocate again.
-    static void* __cdecl Allocate(std::size_t size)
-    {
-        return s_active->m_left-- == 0 ? nullptr : s_active->m_library.Original()(size);
-    }
-
-    static inline FailingAllocation* s_active = nullptr;
-    int m_left;
-    quon_test::ImportPatch<void*(__cdecl*)(std::size_t)> m_library{L"QuonWin32Utils.dll", "malloc", &Allocate};
-    quon_test::ImportPatch<void*(__cdecl*)(std::size_t)> m_framework{L"QuonFramework.dll", "malloc", &Allocate};
-};
 
 TYPED_TEST(SearchHandlesOf, AreAllClosedWhenMemoryRunsOut)
 {
