@@ -9,7 +9,8 @@ target_link_libraries(quon_library_options INTERFACE quon_compile_options)
 target_compile_definitions(quon_library_options INTERFACE QUON_BUILDING_LIBRARY)
 
 if(MSVC)
-  target_compile_definitions(quon_library_options INTERFACE _AFXEXT)
+  # The run-time's classic functions are used on purpose: their exact results are part of the interfaces.
+  target_compile_definitions(quon_library_options INTERFACE _AFXEXT _CRT_SECURE_NO_WARNINGS)
   target_compile_options(quon_compile_options INTERFACE
     /W4 /permissive- /Zc:__cplusplus /utf-8 /fp:precise $<$<BOOL:${QUON_WARNINGS_AS_ERRORS}>:/WX>)
 else()

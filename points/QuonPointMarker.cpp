@@ -87,11 +87,13 @@ BOOL QuonPointMarker::IsPointMarked(unsigned long point) const
 
 void QuonPointMarker::SetBit(unsigned long long index)
 {
+    // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): below the bit count there are bits
     m_bits[index / 8] = static_cast<unsigned char>(m_bits[index / 8] | 1u << index % 8);
 }
 
 void QuonPointMarker::ClearBit(unsigned long long index)
 {
+    // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): below the bit count there are bits
     m_bits[index / 8] = static_cast<unsigned char>(m_bits[index / 8] & ~(1u << index % 8));
 }
 

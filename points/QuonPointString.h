@@ -79,6 +79,8 @@ public:
 
     /// Attaches a text of the caller's own, which has no meaning here; null empties it.
     virtual void SetLabel(const wchar_t* label);
+
+    /// @return whether the label is not empty.
     virtual bool HasLabel() const;
 
     /// @return the label, which stays valid until it is changed; never null.
@@ -89,8 +91,8 @@ public:
     virtual BOOL IsValid();
 
     /// Counts the points with a walk of its own, and leaves the object at the end of it; an invalid item ends the
-    /// count. Each item counts last - first + 1 in 32 bits, so the count is meant for ascending ranges: "5-1" counts
-    /// 4294967293.
+    /// count. Each item counts last - first + 1 in 32 bits, so the count is meant for ascending ranges: `5-1` counts
+    /// `4294967293`.
     virtual unsigned long GetPointCount();
 
     /// The text as it was set or last written.
@@ -101,8 +103,10 @@ public:
     void SetText(const wchar_t* text);
 
 protected:
+    /// As set by the caller or as last written.
     CString m_text;
-    int m_changed;  // never read here
+    /// 1 once the text was set or rewritten; never read here.
+    int m_changed;
 
 private:
     void ParseNextRange();
@@ -123,7 +127,8 @@ private:
     unsigned long m_count;
 
 protected:
-    wchar_t m_format[128];  // the number printed last
+    /// The number printed last.
+    wchar_t m_format[128];
 
 private:
     // How much of the work text is consumed already. The field stands last, where 64-bit builds have padding: all
