@@ -11,6 +11,8 @@ else()
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow
     # Results are bit-exact with a plain evaluation: no fused multiply-add.
     -ffp-contract=off
+    # Line tables are enough for a back trace, and link much faster than all of the debug information.
+    $<$<CONFIG:Debug>:-g1>
     $<$<BOOL:${QUON_WARNINGS_AS_ERRORS}>:-Werror>)
   target_compile_definitions(quon_compile_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
   # The compiler's run-time is linked in, so that a program needs no DLL beside ours.

@@ -11,6 +11,8 @@ ln -sfn /usr/lib/gcc/x86_64-w64-mingw32/12-posix "$sysroot/lib/gcc/x86_64-w64-mi
 ln -sfn /usr/x86_64-w64-mingw32 "$sysroot/x86_64-w64-mingw32"
 
 cd "$top"
+# A configuration that does not parse would be passed over with a warning, and everything would pass.
+clang-tidy-14 --dump-config 2>&1 | grep -q 'WarningsAsErrors: *.\*' || die ".clang-tidy does not parse"
 git ls-files -co --exclude-standard -z -- {paths,traversal,support,points,geometry,xml,messaging,monitoring,module}/'*.cpp' |
   xargs -0 -r -n 2 -P 2 clang-tidy-14 --quiet -p "$build" \
     --extra-arg-before=--target=x86_64-w64-windows-gnu --extra-arg-before=--sysroot="$sysroot" \

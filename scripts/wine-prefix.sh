@@ -7,6 +7,7 @@
 set -euo pipefail
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX=${WINEPREFIX:-$top/build/wine}
+export LC_ALL=C.UTF-8  # file names of any script, whatever the caller's locale
 export WINEDEBUG=-all
 export WINEDLLOVERRIDES="mscoree=;mshtml="
 quiet() { "$@" >/dev/null 2>&1 </dev/null; }
