@@ -292,8 +292,8 @@ TEST(CMapTest, DoesAsItsModelDoes)
     for (int step = 0; step < 30000; ++step)
     {
         SCOPED_TRACE(step);
-        const unsigned number = std::uniform_int_distribution<unsigned>(0, 150)(random);
-        const int chance = step / 1000 % 2 == 0 ? 60 : 3;
+        const unsigned number = std::uniform_int_distribution<unsigned>(0, 60)(random);
+        const int chance = step / 1000 % 2 == 0 ? 60 : 2;
         if (std::uniform_int_distribution<int>(0, 99)(random) < chance)
         {
             map.SetAt(Key{number}, static_cast<int>(number) * 2);
