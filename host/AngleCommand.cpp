@@ -59,7 +59,9 @@ void AddAngleCommand(CLI::App& app)
     CLI::App* command = app.add_subcommand("angle", "Convert an angle");
     command->add_option("value", options->value, "The angle")->required();
     const CLI::IsMember units({"deg", "rad", "dms"});
-    command->add_option("--from", options->from, "deg: decimal degrees, rad: radians, dms: D.MMSS")->required()->check(units);
+    command->add_option("--from", options->from, "deg: decimal degrees, rad: radians, dms: D.MMSS")
+        ->required()
+        ->check(units);
     command
         ->add_option("--to", options->to,
                      "The same units; to dms, the last four decimals are the fraction of a minute, not seconds")

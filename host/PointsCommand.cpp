@@ -114,7 +114,8 @@ void RunPoints(const PointsOptions& options)
 void AddPointsCommand(CLI::App& app)
 {
     auto options = std::make_shared<PointsOptions>();
-    CLI::App* command = app.add_subcommand("points", "Check, count, walk and rewrite a list of points (\"1-5, 9, 20-12\")");
+    CLI::App* command =
+        app.add_subcommand("points", "Check, count, walk and rewrite a list of points (\"1-5, 9, 20-12\")");
     command->add_option("list", options->list, "The list")->required();
     auto* output = command->add_option_group("output", "What to print; without one of these the list as rewritten");
     output->add_flag("--valid", options->valid, "Whether the list is valid");
@@ -124,7 +125,8 @@ void AddPointsCommand(CLI::App& app)
     output->require_option(0, 1);
     command->add_option("--remove", options->remove, "Take the points of this list out");
     command->add_flag("--unique", options->unique, "Keep every point once");
-    command->add_flag("--sorted,!--unsorted", options->sorted, "Rewrite in ascending order (the default), or in list order");
+    command->add_flag("--sorted,!--unsorted", options->sorted,
+                      "Rewrite in ascending order (the default), or in list order");
     command->callback([options] { RunPoints(*options); });
 }
 

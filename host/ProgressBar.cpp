@@ -43,8 +43,8 @@ void Draw(unsigned int position)
     std::string line = "\r";
     if (total > 0)
     {
-        const unsigned int filled = static_cast<unsigned int>(
-            static_cast<unsigned long long>(std::min(position, total)) * kWidth / total);
+        const unsigned int filled =
+            static_cast<unsigned int>(static_cast<unsigned long long>(std::min(position, total)) * kWidth / total);
         line += '[' + std::string(filled, '#') + std::string(kWidth - filled, ' ') + "] ";
     }
     line += std::to_string(position);
@@ -74,10 +74,16 @@ int OnProgress(int command, unsigned int a, LPARAM)
 
 }  // namespace
 
-ProgressBar::ProgressBar(bool always)
+bool IsProgressVisible()
+{
+    return ::_isatty(::_fileno(stderr)) != 0 && ::_isatty(::_fileno(stdout)) == 0;
+}
+
+ProgressBar::ProgressBar(bool draw)
 {
     stopAsked = false;
-    isDrawing = always || ::_isatty(::_fileno(stderr)) != 0;
+    total = 0;
+    isDrawing = draw;
     ::SetConsoleCtrlHandler(&OnConsoleEvent, TRUE);
     SetProgressCallback(&OnProgress);
 }

@@ -4,16 +4,18 @@
 namespace quonhost
 {
 
-/// While it lives, the library's progress reports draw a bar on the standard error output (only when that is a console,
-/// or when asked to), and its polls ask whether Ctrl+C was pressed.
+/// While it lives, the library's progress reports draw a bar on the standard error output, when that is wanted, and its
+/// polls ask whether Ctrl+C was pressed.
 class ProgressBar
 {
 public:
-    /// @param always draw even when the standard error output is no console
-    explicit ProgressBar(bool always);
+    explicit ProgressBar(bool draw);
     ~ProgressBar();
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 };
+
+/// Whether somebody at a terminal sees the standard error output and nothing else is printed there.
+bool IsProgressVisible();
 
 }  // namespace quonhost

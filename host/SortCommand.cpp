@@ -46,7 +46,8 @@ void PrintSorted(const SortOptions& options)
     const auto compare = options.ignoreCase ? &CompareNaturalNoCase : &CompareNatural;
     // Natural order is no strict order for every set of texts ("x1" and "x01" are equal, but "x01y" and "x1z" are told
     // apart), and a stable merge copes with whatever it says.
-    std::stable_sort(lines.begin(), lines.end(), [compare](const std::wstring& a, const std::wstring& b)
+    std::stable_sort(lines.begin(), lines.end(),
+                     [compare](const std::wstring& a, const std::wstring& b)
                      { return compare(a.c_str(), b.c_str()) < 0; });
     for (const std::wstring& line : lines)
     {
@@ -59,7 +60,8 @@ void PrintSorted(const SortOptions& options)
 void AddSortCommand(CLI::App& app)
 {
     auto options = std::make_shared<SortOptions>();
-    CLI::App* command = app.add_subcommand("sort", "Print the lines of a text file in natural order: file2 before file10");
+    CLI::App* command =
+        app.add_subcommand("sort", "Print the lines of a text file in natural order: file2 before file10");
     command->add_option("file", options->file, "A UTF-8 text file")->required();
     command->add_flag("--ignore-case", options->ignoreCase, "Take upper and lower case for the same");
     command->callback([options] { PrintSorted(*options); });

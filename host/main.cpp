@@ -25,13 +25,16 @@ std::vector<std::string> ReversedArguments(int count, wchar_t** arguments)
 
 int Run(int count, wchar_t** arguments)
 {
-    CLI::App app("Walks, copies, moves and removes folders, and takes paths apart, with QuonWin32Utils.", "quonhost");
+    CLI::App app("Works on folders, paths, lists of points, names and angles with QuonWin32Utils.", "quonhost");
     app.require_subcommand(1);
     app.footer("Exit code: 0 done, 1 the work failed, 2 the command line was not understood.");
     quonhost::AddFoldersCommand(app);
     quonhost::AddTreeCommand(app);
     quonhost::AddFileCommands(app);
     quonhost::AddSplitCommand(app);
+    quonhost::AddPointsCommand(app);
+    quonhost::AddSortCommand(app);
+    quonhost::AddAngleCommand(app);
     try
     {
         app.parse(ReversedArguments(count, arguments));

@@ -54,6 +54,8 @@ QuonStdioFile::QuonStdioFile(const CString& path, BOOL timeStamped, BOOL overwri
         {
             AfxThrowFileException(error.m_cause, error.m_lOsError, name);
         }
+        // Frameworks differ in where the first text goes when the content is kept; a log goes on at its end.
+        SeekToEnd();
         m_isOpen = 1;
     }
     catch (CFileException* failure)
