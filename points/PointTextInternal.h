@@ -145,10 +145,14 @@ inline bool PointTextReader::ReadPlainItem(PointItem& item)
     {
         return false;
     }
+    if (item.range.first == 0 || item.range.last == 0)
+    {
+        return false;
+    }
     item.tokenLength = static_cast<std::size_t>(tokenEnd - item.token);
     item.kind = ItemKind::Valid;
     position = at;
-    return item.range.first != 0 && item.range.last != 0;
+    return true;
 }
 
 }  // namespace QuonPointDetails
