@@ -84,6 +84,16 @@ TEST(CopyFolderTree, CreatesAllFoldersBeforeTheFirstFileIsCopied)
     EXPECT_LT(lastCreated - 1 - all.begin(), std::find_if(all.begin(), all.end(), is(L"CopyFileW")) - all.begin());
 }
 
+TEST(CopyFolderTree, CopiesFilesWithoutTheArchiveAttribute)
+{
+    const TemporaryFolder root;
+    FillExample(root);
+    SearchJournal journal;
+    journal.clearArchive = true;
+    EXPECT_EQ(CopyFolderTree((root / L"from").c_str(), (root / L"to").c_str(), TRUE), 0u);
+    EXPECT_EQ(NamesAndSizes(root / L"to"), NamesAndSizes(root / L"from"));
+}
+
 TEST(CopyFolderTree, FailsWithoutASourceAndCreatesNothing)
 {
     const TemporaryFolder root;
@@ -149,6 +159,16 @@ TEST(RemoveFolderTree, RemovesRandomTreesWhole)
         EXPECT_EQ(journal.OpenNow(), 0u);
         EXPECT_EQ(GetFileAttributesW(root.Path().c_str()), INVALID_FILE_ATTRIBUTES);
     }
+}
+
+TEST(RemoveFolderTree, RemovesFilesWithoutTheArchiveAttribute)
+{
+    const TemporaryFolder root;
+    FillExample(root);
+    SearchJournal journal;
+    journal.clearArchive = true;
+    EXPECT_EQ(RemoveFolderTree((root / L"from").c_str()), 0u);
+    EXPECT_FALSE(root.Exists(L"from"));
 }
 
 TEST(RemoveFolderTree, OfNothingSucceeds)
