@@ -220,6 +220,28 @@ TEST(RemoveFolderTree, GoesOnAfterAFailure)
     EXPECT_EQ(names, left);
 }
 
+// Windows refuses to remove a read-only folder. Where the system has no such folders, it is refused by its name.
+TEST(RemoveFolderTree, LeavesAReadOnlyFolderAndGoesOn)
+{
+    const TemporaryFolder root;
+    FillExample(root);
+    root.MakeFolder(L"from\\B\\read-only", FILE_ATTRIBUTE_READONLY);
+    root.MakeFolder(L"from\\C");
+    FileCallJournal journal;
+    const std::wstring stays = L"RemoveDirectoryW " + (root / L"from\\B\\read-only");
+    journal.fails = [&](const std::wstring& call)
+    {
+        return call == stays;
+    };
+    EXPECT_EQ(RemoveFolderTree((root / L"from").c_str()), 1u);
+    EXPECT_TRUE(root.Exists(L"from\\B\\read-only"));
+    EXPECT_EQ(journal.Of(L"SetFileAttributesW").size(), 3u) << "the attributes of files alone are touched";
+    EXPECT_EQ(journal.Of(L"RemoveDirectoryW").size(), 7u);
+    EXPECT_FALSE(root.Exists(L"from\\A"));
+    EXPECT_FALSE(root.Exists(L"from\\B\\B1"));
+    EXPECT_FALSE(root.Exists(L"from\\C")) << "comes after the folder that stayed";
+}
+
 TEST(RemoveFolderTree, ShowsAFileThatStaysOnlyThroughItsFolder)
 {
     const TemporaryFolder root;
