@@ -1,7 +1,10 @@
 #include "host/Commands.h"
 #include "host/Console.h"
+#include "host/ProgressBar.h"
 
 #include "paths/QuonPath.h"
+#include "support/Progress.h"
+#include "support/QuonTimer.h"
 #include "traversal/QuonDirectoryTrees.h"
 #include "traversal/QuonFileTrees.h"
 
@@ -17,6 +20,8 @@ struct TreeOptions
     std::string folder;
     std::string pattern = "*";
     std::string filter = "0x20";
+    std::string timerLog;
+    bool progress = false;
     bool files = false;
     bool depthFirst = false;
     bool totalsOnly = false;
@@ -46,13 +51,28 @@ unsigned long long SizeOf(const QuonPath& file)
     return (static_cast<unsigned long long>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
 }
 
+// Reports every so many entries: a report costs more than an entry.
+void ReportProgress(unsigned long long entries)
+{
+    constexpr unsigned long long kStep = 64;
+    if (entries % kStep != 0)
+    {
+        return;
+    }
+    ProgressSetPosition(static_cast<UINT>(entries));
+    if (ProgressPoll())
+    {
+        throw CommandError(std::string("stopped"));
+    }
+}
+
 Totals Walk(const TreeOptions& options, const QuonPath& root, unsigned int filter)
 {
     Totals totals;
     const std::unique_ptr<QuonFileMatch> walk = MakeWalk(options);
     for (walk->FindFirst(root, ToWide(options.pattern).c_str(), filter); walk->IsFound(); walk->FindNext())
     {
-        ++totals.entries;
+        ReportProgress(++totals.entries);
         if (options.files && options.totalsOnly)
         {
             totals.bytes += SizeOf(walk->GetFoundPath());
@@ -63,6 +83,15 @@ Totals Walk(const TreeOptions& options, const QuonPath& root, unsigned int filte
             PrintLine(*static_cast<const wchar_t*>(name) ? static_cast<const wchar_t*>(name) : L".");
         }
     }
+    return totals;
+}
+
+Totals WalkWithProgress(const TreeOptions& options, const QuonPath& root, unsigned int filter)
+{
+    const ProgressBar bar(options.progress || IsProgressVisible());
+    ProgressBegin(0, 0);
+    const Totals totals = Walk(options, root, filter);
+    ProgressSetPosition(static_cast<UINT>(totals.entries));
     return totals;
 }
 
@@ -94,7 +123,11 @@ void PrintTree(const TreeOptions& options)
     {
         throw CommandError("\"" + options.folder + "\" is no folder");
     }
-    const Totals totals = Walk(options, root, filter);
+    QuonTimer timer(ToWide(options.timerLog).c_str(), FALSE, FALSE);
+    timer.StartTimer();
+    const Totals totals = WalkWithProgress(options, root, filter);
+    timer.AddLap();
+    timer.WriteReport(CString(L"tree ") + static_cast<const wchar_t*>(root), TRUE);
     if (options.totalsOnly)
     {
         PrintLine(std::to_wstring(totals.entries) +
@@ -111,15 +144,20 @@ void AddTreeCommand(CLI::App& app)
     command->add_option("folder", options->folder, "Where to start")->required();
     command->add_flag("--files", options->files, "Print files instead of folders");
     command->add_flag("--depth-first", options->depthFirst, "Deepest first, a folder after all that is in it");
-    command->add_option("--pattern", options->pattern,
-                        "Wildcards for file names; for folders it restricts the first level, depth-first every level")
+    command
+        ->add_option("--pattern", options->pattern,
+                     "Wildcards for file names; for folders it restricts the first level, depth-first every level")
         ->capture_default_str();
     command
-        ->add_option("--filter", options->filter,
-                     "With --files, two bits for each attribute, 1 set, 2 clear: archive 0-1, compressed 2-3, directory "
-                     "4-5, hidden 6-7, normal 8-9, read-only 10-11, system 12-13, temporary 14-15")
+        ->add_option(
+            "--filter", options->filter,
+            "With --files, two bits for each attribute, 1 set, 2 clear: archive 0-1, compressed 2-3, directory "
+            "4-5, hidden 6-7, normal 8-9, read-only 10-11, system 12-13, temporary 14-15")
         ->capture_default_str();
     command->add_flag("--totals", options->totalsOnly, "Print only how much there is");
+    command->add_flag("--progress", options->progress,
+                      "Show the progress on the error output even when that is no terminal");
+    command->add_option("--timer", options->timerLog, "Append the time that the walk took to this file");
     command->callback([options] { PrintTree(*options); });
 }
 
