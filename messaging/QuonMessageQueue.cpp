@@ -31,6 +31,18 @@ HANDLE MakeHandleOfCallingThread()
     return thread;
 }
 
+// Runs the calls pending for this thread, which append to the list and may close the queue; both are read afterwards.
+QuonServerResult Deliver(const CList<QuonMessage*, QuonMessage*>& queue, const bool& closed, QuonMessage** message)
+{
+    ::SleepEx(0, TRUE);
+    *message = nullptr;
+    if (!queue.IsEmpty())
+    {
+        return kQuonServerOk;
+    }
+    return closed ? kQuonServerQueueClosed : kQuonServerQueueEmpty;
+}
+
 }  // namespace
 
 QuonMessageQueue::QuonMessageQueue(QuonCallback* callback, HANDLE thread)
@@ -45,7 +57,7 @@ QuonMessageQueue::~QuonMessageQueue() = default;
 
 QuonServerResult QuonMessageQueue::PeekNext(QuonMessage** message)
 {
-    const QuonServerResult result = Deliver(message);
+    const QuonServerResult result = Deliver(m_queue, m_closed, message);
     if (result == kQuonServerOk)
     {
         *message = m_queue.GetHead();
@@ -55,24 +67,12 @@ QuonServerResult QuonMessageQueue::PeekNext(QuonMessage** message)
 
 QuonServerResult QuonMessageQueue::GetNext(QuonMessage** message)
 {
-    const QuonServerResult result = Deliver(message);
+    const QuonServerResult result = Deliver(m_queue, m_closed, message);
     if (result == kQuonServerOk)
     {
         *message = m_queue.RemoveHead();
     }
     return result;
-}
-
-// Runs the calls pending for this thread, which append to the list.
-QuonServerResult QuonMessageQueue::Deliver(QuonMessage** message)
-{
-    ::SleepEx(0, TRUE);
-    *message = nullptr;
-    if (!m_queue.IsEmpty())
-    {
-        return kQuonServerOk;
-    }
-    return m_closed ? kQuonServerQueueClosed : kQuonServerQueueEmpty;
 }
 
 QuonServerResult QuonMessageQueue::Post(QuonMessage* message)
@@ -86,7 +86,7 @@ QuonServerResult QuonMessageQueue::Post(QuonMessage* message)
     {
         return kQuonServerOutOfMemory;
     }
-    // A block that could not be queued is not freed.
+    // From here on the block is the consumer's. One that could not be queued is not freed.
     return ::QueueUserAPC(&QuonMessageQueue::PostApc, m_thread, reinterpret_cast<ULONG_PTR>(work)) != 0
                ? kQuonServerOk
                : kQuonServerRefused;
@@ -116,11 +116,13 @@ void CALLBACK QuonMessageQueue::PostApc(ULONG_PTR workBlock)
 
 void CALLBACK QuonMessageQueue::CloseApc(ULONG_PTR workBlock)
 {
-    const std::unique_ptr<PostWork> work(reinterpret_cast<PostWork*>(workBlock));
-    QuonMessageQueue* const queue = work->queue;
+    // Only the first field is known of this block, not its size.
+    void* const block = reinterpret_cast<void*>(workBlock);
+    QuonMessageQueue* const queue = *static_cast<QuonMessageQueue**>(block);
     queue->m_closed = true;
     if (queue->m_callback != nullptr)
     {
         queue->m_callback->Invoke();
     }
+    ::operator delete(block);
 }

@@ -14,22 +14,28 @@ class QuonCallback;
 class QUON_API QuonMessage
 {
 public:
+    /// Has nothing to set up.
     QuonMessage();
+    /// Has nothing to copy.
     QuonMessage(const QuonMessage&);
+    /// Has nothing to copy.
     QuonMessage& operator=(const QuonMessage&);
+    /// Called by the consumer, which owns what GetNext gave it.
     virtual ~QuonMessage() = 0;
 };
 
-/// A queue owned by one consumer thread. Any thread posts; a message is appended on the consumer thread the next time that
-/// thread waits alertably, or looks into the queue. Messages of one producer arrive in the order of their posting.
+/// A queue owned by one consumer thread. Any thread posts; a message is appended on the consumer thread the next time
+/// that thread waits alertably, or looks into the queue. Messages of one producer arrive in the order of their posting.
 class QUON_API QuonMessageQueue
 {
 public:
     /// @param callback told on the consumer thread of each message that arrived; may be null, not owned
-    /// @param thread the consumer, a handle with the right to queue procedure calls, kept as it is; null for the calling
-    /// thread, of which the queue then makes itself a handle that it never closes
+    /// @param thread the consumer, a handle with the right to queue procedure calls, kept as it is; null for the
+    /// calling thread, of which the queue then makes itself a handle that it never closes
     QuonMessageQueue(QuonCallback* callback, HANDLE thread);
+    /// Messages on their way point to the queue.
     QuonMessageQueue(const QuonMessageQueue&) = delete;
+    /// Messages on their way point to the queue.
     QuonMessageQueue& operator=(const QuonMessageQueue&) = delete;
 
     /// Messages still in the queue are not deleted. No message may be on its way any more.
@@ -51,22 +57,23 @@ public:
     /// queued. The message stays the caller's unless the result is kQuonServerOk.
     virtual QuonServerResult Post(QuonMessage* message);
 
-    /// Marks the queue closed. Messages already in it, and messages posted later, are still delivered.
+    /// Marks the queue closed, at once and on the calling thread. Messages already in it, and messages posted later,
+    /// are still delivered.
     /// @return kQuonServerRefused, always
     virtual QuonServerResult Close();
 
     /// @return the callback given to the constructor
     QuonCallback* GetCallback() const;
 
-    /// Carries Post to the consumer thread. @param workBlock freed
+    /// Carries Post to the consumer thread: appends the message and calls the callback.
+    /// @param workBlock what Post allocated; freed
     static void CALLBACK PostApc(ULONG_PTR workBlock);
     /// Closes a queue on its consumer thread and calls its callback.
-    /// @param workBlock a block allocated with `new` as an array of two pointers, the first of which is the queue; freed
+    /// @param workBlock a block from `::operator new` that begins with a pointer to the queue; freed
     static void CALLBACK CloseApc(ULONG_PTR workBlock);
 
 private:
-    QuonServerResult Deliver(QuonMessage** message);
-
+    // In this order: other modules were built against this layout.
     CList<QuonMessage*, QuonMessage*> m_queue;
     HANDLE m_thread;
     bool m_closed;

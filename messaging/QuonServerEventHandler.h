@@ -15,8 +15,11 @@ class QUON_API QuonServerEventHandler
 public:
     /// @param owner a value of the caller's, only stored
     explicit QuonServerEventHandler(std::uintptr_t owner);
+    /// Copies the owner value.
     QuonServerEventHandler(const QuonServerEventHandler&);
+    /// Copies the owner value.
     QuonServerEventHandler& operator=(const QuonServerEventHandler&);
+    /// Runs on the server thread when that thread deletes the handler.
     virtual ~QuonServerEventHandler();
 
     /// Replaces the owner value.
@@ -30,7 +33,7 @@ public:
     virtual void OnClose();
 
 protected:
-    std::uintptr_t m_owner;
+    std::uintptr_t m_owner;  ///< The caller's value.
 };
 
 /// A handler that serves a socket.
@@ -39,8 +42,11 @@ class QUON_API QuonSocket : public QuonServerEventHandler
 public:
     /// @param owner as for QuonServerEventHandler
     explicit QuonSocket(std::uintptr_t owner);
+    /// Copies the owner value.
     QuonSocket(const QuonSocket&);
+    /// Copies the owner value.
     QuonSocket& operator=(const QuonSocket&);
+    /// Closes nothing: the socket is the derived class's.
     ~QuonSocket() override;
 
     /// @return the socket; the library never asks

@@ -41,16 +41,23 @@ static_assert(sizeof(HandlerWork) == 24, "three pointers");
 
 QuonServerResult QueueHandlerWork(QuonServerThread* server, QuonServerEventHandler* handler, PAPCFUNC routine)
 {
-    HandlerWork* const work = new (std::nothrow) HandlerWork{server, handler, nullptr};
+    std::unique_ptr<HandlerWork> work(new (std::nothrow) HandlerWork{server, handler, nullptr});
     if (work == nullptr)
     {
         return kQuonServerOutOfMemory;
     }
-    work->handle = handler->GetHandle();
-    // A block that could not be queued is not freed: nobody can tell whether the thread has seen it.
-    return ::QueueUserAPC(routine, server->GetThreadHandle(), reinterpret_cast<ULONG_PTR>(work)) != 0
+    work->handle = handler != nullptr ? handler->GetHandle() : nullptr;
+    // From here on the block is the other thread's. One that could not be queued is not freed.
+    return ::QueueUserAPC(routine, server->GetThreadHandle(), reinterpret_cast<ULONG_PTR>(work.release())) != 0
                ? kQuonServerOk
                : kQuonServerRefused;
+}
+
+// The block is freed before anything is done for it: what is called then may throw or not return.
+HandlerWork TakeHandlerWork(ULONG_PTR workBlock)
+{
+    const std::unique_ptr<HandlerWork> work(reinterpret_cast<HandlerWork*>(workBlock));
+    return *work;
 }
 
 // The index of the handle that ended a wait for any of `count` handles, signalled or abandoned; -1 for anything else.
@@ -67,6 +74,54 @@ int IndexOfWaitResult(DWORD result, DWORD count)
     return -1;
 }
 
+void WakeAndJoin(QuonServerThread* server, HANDLE thread)
+{
+    if (thread != nullptr)
+    {
+        ::QueueUserAPC(&QuonServerThread::WakeApc, thread, reinterpret_cast<ULONG_PTR>(server));
+        ::WaitForSingleObject(thread, INFINITE);
+    }
+}
+
+void WaitOnce(const QuonSynchronizedSelector& selector)
+{
+    HANDLE handles[kMaximumHandles] = {};
+    const DWORD count = selector.GetHandles(handles);
+    if (count == 0)
+    {
+        ::SleepEx(INFINITE, TRUE);
+        return;
+    }
+    const int index = IndexOfWaitResult(::WaitForMultipleObjectsEx(count, handles, FALSE, INFINITE, TRUE), count);
+    QuonSynchronizedSelector::HandleRecord record = {};
+    if (index >= 0 && selector.Find(handles[index], record))
+    {
+        record.handler->OnSignaled();
+    }
+}
+
+// Handlers whose handles are not signalled at this moment are left alone: they are their owners' to clean up.
+void CloseSignaledHandlers(const QuonSynchronizedSelector& selector)
+{
+    HANDLE handles[kMaximumHandles] = {};
+    const DWORD count = selector.GetHandles(handles);
+    for (DWORD index = 0; index < count; ++index)
+    {
+        QuonSynchronizedSelector::HandleRecord record = {};
+        if (!selector.Find(handles[index], record) || record.handler == nullptr)
+        {
+            continue;
+        }
+        const DWORD state = ::WaitForSingleObject(handles[index], 0);
+        if (state == WAIT_OBJECT_0 || state == WAIT_ABANDONED)
+        {
+            record.handler->OnSignaled();
+            record.handler->OnClose();
+            delete record.handler;
+        }
+    }
+}
+
 }  // namespace
 
 QuonServerThread::QuonServerThread() : m_thread(nullptr), m_threadId(0), m_running(false), m_unused(nullptr)
@@ -78,7 +133,7 @@ QuonServerThread::~QuonServerThread()
 {
     {
         const Lock lock(m_lifeCycle);
-        Join();
+        WakeAndJoin(this, m_thread);
     }
     ::DeleteCriticalSection(&m_lifeCycle);
 }
@@ -118,7 +173,7 @@ QuonServerResult QuonServerThread::Stop(DWORD* out)
 {
     {
         const Lock lock(m_lifeCycle);
-        Join();
+        WakeAndJoin(this, m_thread);
     }
     if (out != nullptr)
     {
@@ -127,73 +182,16 @@ QuonServerResult QuonServerThread::Stop(DWORD* out)
     return kQuonServerRefused;
 }
 
-void QuonServerThread::Join()
-{
-    if (m_thread != nullptr)
-    {
-        ::QueueUserAPC(&QuonServerThread::WakeApc, m_thread, reinterpret_cast<ULONG_PTR>(this));
-        ::WaitForSingleObject(m_thread, INFINITE);
-    }
-}
-
 DWORD QuonServerThread::Run(HANDLE started)
 {
     m_running = true;
     ::SetEvent(started);
     while (m_running)
     {
-        WaitOnce();
+        WaitOnce(m_selector);
     }
-    CloseSignaledHandlers();
+    CloseSignaledHandlers(m_selector);
     return 0;
-}
-
-void QuonServerThread::WaitOnce()
-{
-    HANDLE handles[kMaximumHandles] = {};
-    const DWORD count = m_selector.GetHandles(handles);
-    if (count == 0)
-    {
-        ::SleepEx(INFINITE, TRUE);
-        return;
-    }
-    const int index =
-        IndexOfWaitResult(::WaitForMultipleObjectsEx(count, handles, FALSE, INFINITE, TRUE), count);
-    if (index >= 0)
-    {
-        Dispatch(handles[index]);
-    }
-}
-
-void QuonServerThread::Dispatch(HANDLE handle)
-{
-    QuonSynchronizedSelector::HandleRecord record = {};
-    if (m_selector.Find(handle, record))
-    {
-        record.handler->OnSignaled();
-    }
-}
-
-// Handlers whose handles are not signalled at this moment are left alone: they are their owners' to clean up.
-void QuonServerThread::CloseSignaledHandlers()
-{
-    HANDLE handles[kMaximumHandles] = {};
-    const DWORD count = m_selector.GetHandles(handles);
-    for (DWORD index = 0; index < count; ++index)
-    {
-        QuonSynchronizedSelector::HandleRecord record = {};
-        if (!m_selector.Find(handles[index], record) || record.handler == nullptr)
-        {
-            continue;
-        }
-        const DWORD state = ::WaitForSingleObject(handles[index], 0);
-        if (state == WAIT_OBJECT_0 || state == WAIT_ABANDONED)
-        {
-            record.handler->OnSignaled();
-            record.handler->OnClose();
-            delete record.handler;
-        }
-    }
 }
 
 QuonServerResult QuonServerThread::DoAddHandler(QuonServerEventHandler* handler)
@@ -230,19 +228,19 @@ DWORD WINAPI QuonServerThread::ThreadProc(void* startBlock)
 
 void CALLBACK QuonServerThread::AddHandlerApc(ULONG_PTR workBlock)
 {
-    const std::unique_ptr<HandlerWork> block(reinterpret_cast<HandlerWork*>(workBlock));
-    if (block->server != nullptr && block->handler != nullptr)
+    const HandlerWork work = TakeHandlerWork(workBlock);
+    if (work.server != nullptr && work.handler != nullptr)
     {
-        block->server->DoAddHandler(block->handler);
+        work.server->DoAddHandler(work.handler);
     }
 }
 
 void CALLBACK QuonServerThread::RemoveHandlerApc(ULONG_PTR workBlock)
 {
-    const std::unique_ptr<HandlerWork> block(reinterpret_cast<HandlerWork*>(workBlock));
-    if (block->server != nullptr && block->handle != nullptr)
+    const HandlerWork work = TakeHandlerWork(workBlock);
+    if (work.server != nullptr && work.handle != nullptr)
     {
-        block->server->DoRemoveHandler(block->handle);
+        work.server->DoRemoveHandler(work.handle);
     }
 }
 

@@ -1,9 +1,31 @@
 #include "messaging/QuonSynchronizedSelector.h"
 
-QuonSynchronizedSelector::QuonSynchronizedSelector() = default;
+// The order in which a server thread serves its handles follows from the map's buckets, so it must not change with the
+// framework: newer ones hash keys in another way. Here and not in the header, since it would change the maps of every
+// source that includes it; the map's members are instantiated in this source only.
+template <>
+inline UINT AFXAPI HashKey<void*>(void* key)
+{
+    return static_cast<UINT>(reinterpret_cast<DWORD_PTR>(key) >> 4);
+}
+
+namespace
+{
+
+constexpr INT_PTR kBlockSize = 10;
+constexpr UINT kBuckets = 17;
+
+}  // namespace
+
+QuonSynchronizedSelector::QuonSynchronizedSelector() : m_map(kBlockSize)
+{
+    // The table itself is allocated when the first handle comes.
+    m_map.InitHashTable(kBuckets, FALSE);
+}
 
 QuonSynchronizedSelector::~QuonSynchronizedSelector()
 {
+    // The handlers belong to others.
     m_map.RemoveAll();
 }
 

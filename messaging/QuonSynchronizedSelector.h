@@ -22,9 +22,13 @@ public:
         QuonServerEventHandler* handler;  ///< Not owned.
     };
 
+    /// An empty table.
     QuonSynchronizedSelector();
+    /// One thread, one table.
     QuonSynchronizedSelector(const QuonSynchronizedSelector&) = delete;
+    /// One thread, one table.
     QuonSynchronizedSelector& operator=(const QuonSynchronizedSelector&) = delete;
+    /// Forgets the handles; the handlers are not touched.
     virtual ~QuonSynchronizedSelector();
 
     /// Registers an active record.
@@ -36,7 +40,8 @@ public:
     /// @return kQuonServerOk, or kQuonServerRefused when the handle is not registered
     QuonServerResult Remove(HANDLE handle, QuonServerEventHandler*& handler);
 
-    /// Writes the handles of the active records in the order of the table's buckets, which is not that of registration.
+    /// Writes the handles of the active records in the order of the table's 17 buckets (the handle divided by 16,
+    /// modulo 17) and in each bucket from the youngest to the oldest, which is not the order of registration.
     /// @param handles room for 64 handles, the limit of one wait; the table does not check it
     /// @return the number of handles written
     DWORD GetHandles(HANDLE* handles) const;

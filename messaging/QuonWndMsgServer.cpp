@@ -21,8 +21,8 @@ namespace
 
 constexpr wchar_t kClassName[] = L"QuonWnd59A9E57ED6664f9e943F19730E161AEE";
 
-// Set by the constructor before it creates the window: creating one calls the window procedure, which asks for the server
-// while the function-local static that holds it is still under construction and must not be entered again.
+// Set by the constructor before it creates the window: creating one calls the window procedure, which asks for the
+// server while the function-local static that holds it is still under construction and must not be entered again.
 QuonWndMsgServerImpl* theServer = nullptr;
 
 LRESULT CALLBACK HiddenWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
@@ -67,8 +67,8 @@ bool QuonWndMsgServerImpl::CreateHiddenWindow()
     }
     if (m_classAtom != 0)
     {
-        m_window = ::CreateWindowExW(0, MAKEINTATOM(m_classAtom), L"", 0, 0, 0, 1, 1, nullptr, nullptr, m_instance,
-                                     nullptr);
+        m_window =
+            ::CreateWindowExW(0, MAKEINTATOM(m_classAtom), L"", 0, 0, 0, 1, 1, nullptr, nullptr, m_instance, nullptr);
     }
     return m_window != nullptr;
 }

@@ -24,20 +24,29 @@ struct QUON_API QuonWndMsgServer
     /// Something that observes window messages.
     struct QUON_API Callback
     {
+        /// Has nothing to set up.
         Callback();
+        /// Has nothing to copy.
         Callback(const Callback&);
+        /// Has nothing to copy.
         Callback& operator=(const Callback&);
 
         /// Called for each message that the callback is registered for, on the window's thread, before the system's
         /// default handling. A QuonEllipsis that it throws is swallowed.
         /// @param message not owned, valid during the call
         virtual void OnMessage(const WndMsgRecord* message) = 0;
+        // Behind OnMessage, which callers expect in the first place of the table.
+        /// Whoever allocated the callback deletes it: the server owns none.
         virtual ~Callback();
     };
 
+    /// For the one implementation: callers use GetWndMsgServer.
     QuonWndMsgServer();
+    /// There is one server.
     QuonWndMsgServer(const QuonWndMsgServer&) = delete;
+    /// There is one server.
     QuonWndMsgServer& operator=(const QuonWndMsgServer&) = delete;
+    /// Destroys the window; the callbacks are not touched. Callers never delete the server.
     virtual ~QuonWndMsgServer();
 
     /// Registers a callback, behind those that the message has already.
@@ -49,22 +58,24 @@ struct QUON_API QuonWndMsgServer
 
     /// Removes a registration. The value is used twice, as message number and as cookie, so only a registration whose
     /// cookie equals its message number can be removed.
+    /// @param value the message number and cookie
     /// @return S_OK; E_INVALIDARG for 0; E_FAIL when there is no such registration
     virtual HRESULT RemoveCallback(const UINT* value) = 0;
 
     /// @return the hidden window, null when it could not be created
     virtual HWND GetWindow() = 0;
 
-    /// @return the result of PostMessageW to the hidden window. Without a window that reaches the calling thread's own
+    /// Posts a message to the hidden window and returns at once. May be called on any thread.
+    /// @return the result of PostMessageW. Without a window that reaches the calling thread's own
     /// queue.
     virtual BOOL PostToWindow(UINT message, WPARAM wParam, LPARAM lParam) = 0;
 
-    /// Waits until the window's thread has processed the message.
+    /// Sends a message to the hidden window and waits until its thread has processed it. May be called on any thread.
     /// @return the result of SendMessageW to the hidden window
     virtual LRESULT SendToWindow(UINT message, WPARAM wParam, LPARAM lParam) = 0;
 
-    /// The one server of the process, created with its window on the first call, on the calling thread, and destroyed at
-    /// process exit.
-    /// @return never null
+    /// The one server of the process, created with its window on the first call, on the calling thread, and destroyed
+    /// at process exit. The first call must not race with another one.
+    /// @return the server; null only after its destruction
     static QuonWndMsgServer* GetWndMsgServer();
 };
