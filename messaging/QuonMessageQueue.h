@@ -69,7 +69,7 @@ public:
     /// @param workBlock what Post allocated; freed
     static void CALLBACK PostApc(ULONG_PTR workBlock);
     /// Closes a queue on its consumer thread and calls its callback.
-    /// @param workBlock a block from `::operator new` that begins with a pointer to the queue; freed
+    /// @param workBlock a block from the global operator new that begins with a pointer to the queue; freed
     static void CALLBACK CloseApc(ULONG_PTR workBlock);
 
 private:

@@ -28,8 +28,8 @@ private:
     int m_calls = 0;
 };
 
-// Registered until the end, when the window's last messages still reach it.
-Counter& LastMessages()
+// Its registration stays until the end, and so must it.
+Counter& TheCounter()
 {
     static Counter* const counter = new Counter;
     return *counter;
@@ -38,16 +38,14 @@ Counter& LastMessages()
 bool UseTheWindow()
 {
     QuonWndMsgServer* const server = QuonWndMsgServer::GetWndMsgServer();
+    const UINT message = WM_APP;
     UINT cookie = 0;
-    for (const UINT message : {static_cast<UINT>(WM_APP), static_cast<UINT>(WM_USER)})
+    if (server->AddCallback(&message, &cookie, &TheCounter()) != S_OK)
     {
-        if (server->AddCallback(&message, &cookie, &LastMessages()) != S_OK)
-        {
-            return false;
-        }
+        return false;
     }
-    server->SendToWindow(WM_APP, 0, 0);
-    return ::IsWindow(server->GetWindow()) && LastMessages().Calls() == 1;
+    server->SendToWindow(message, 0, 0);
+    return ::IsWindow(server->GetWindow()) && TheCounter().Calls() == 1;
 }
 
 bool UseAQueue()

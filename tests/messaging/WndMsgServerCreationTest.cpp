@@ -23,7 +23,8 @@ namespace
 constexpr DWORD kRightEnd = 42;
 constexpr DWORD kWrongEnd = 43;
 
-std::vector<std::string> calls;
+// Never destroyed: the server goes when the variables of this program have gone.
+std::vector<std::string>& calls = *new std::vector<std::string>;
 WNDCLASSW registeredClass;
 std::wstring registeredName;
 ATOM atom;
@@ -88,14 +89,15 @@ BOOL WINAPI RecordingDestroyWindow(HWND destroyed)
     return ::DestroyWindow(destroyed);
 }
 
-// The server goes when everything else of this program has gone: the only way to tell the parent is the exit code.
-std::vector<std::string> expectedAtTheEnd;
+// At that time the only way to tell the parent is the exit code.
+std::vector<std::string>& expectedAtTheEnd = *new std::vector<std::string>;
+bool failedBefore = false;
 
 BOOL WINAPI RecordingUnregisterClass(const wchar_t* name, HINSTANCE instance)
 {
     const BOOL result = ::UnregisterClassW(name, instance);
     const bool right = result != FALSE && name == MAKEINTATOM(atom) && instance == ::GetModuleHandleW(nullptr) &&
-                       calls == expectedAtTheEnd && !testing::Test::HasFailure();
+                       calls == expectedAtTheEnd && !failedBefore;
     ::TerminateProcess(::GetCurrentProcess(), right ? kRightEnd : kWrongEnd);
     return result;
 }
@@ -113,6 +115,7 @@ using Patch = ImportPatch<Function>;
 void WatchTheEnd(std::vector<std::string> expected)
 {
     expectedAtTheEnd = std::move(expected);
+    failedBefore = testing::Test::HasFailure();
     new Patch<decltype(&::DestroyWindow)>(kLibrary, "DestroyWindow", &RecordingDestroyWindow);
     new Patch<decltype(&::UnregisterClassW)>(kLibrary, "UnregisterClassW", &RecordingUnregisterClass);
 }
