@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <memory>
 #include <new>
 #include <thread>
@@ -173,6 +174,14 @@ TEST(MessageQueue, ClosesAtOnceFromAnyThreadAndTellsNobody)
     EXPECT_EQ(callback.Calls(), 0);
 }
 
+std::vector<void*> freedBlocks;
+
+void RecordingFree(void* block)
+{
+    freedBlocks.push_back(block);
+    std::free(block);
+}
+
 TEST(MessageQueue, ClosesByAProcedureCallAndTellsTheCallback)
 {
     for (const std::size_t size : {sizeof(void*), 2 * sizeof(void*), 100 * sizeof(void*)})
@@ -181,16 +190,23 @@ TEST(MessageQueue, ClosesByAProcedureCallAndTellsTheCallback)
         CountingCallback callback;
         QuonMessageQueue told(&callback, nullptr);
         QuonMessageQueue silent(nullptr, nullptr);
+        std::vector<void*> blocks;
         for (QuonMessageQueue* queue : {&told, &silent})
         {
             void* const block = ::operator new(size);
             *static_cast<QuonMessageQueue**>(block) = queue;
+            blocks.push_back(block);
             ASSERT_TRUE(
                 ::QueueUserAPC(&QuonMessageQueue::CloseApc, ::GetCurrentThread(), reinterpret_cast<ULONG_PTR>(block)));
         }
         EXPECT_EQ(callback.Calls(), 0);
+        freedBlocks.clear();
         QuonMessage* message = nullptr;
-        EXPECT_EQ(told.GetNext(&message), 2002002u);
+        {
+            const ImportPatch<void (*)(void*)> free(kLibrary, "free", &RecordingFree);
+            EXPECT_EQ(told.GetNext(&message), 2002002u);
+        }
+        EXPECT_EQ(freedBlocks, blocks);
         EXPECT_EQ(silent.GetNext(&message), 2002002u);
         EXPECT_EQ(callback.Calls(), 1);
     }
