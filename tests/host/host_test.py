@@ -117,6 +117,10 @@ class HostTest(unittest.TestCase):
                 (["3-1,9", "--ranges"], ["3 1", "9 9"]),
                 (["3-1,9", "--count"], ["4"]),
                 (["1-2000000000", "--count"], ["2000000000"]),
+                (["3,1,2,2", "--unique"], ["1-3"]),
+                (["3,1,2", "--remove", "", "--walk"], ["1", "2", "3"]),
+                (["5,1-4", "--remove", "2", "--count"], ["4"]),
+                (["5,1-4", "--remove", "2", "--ranges"], ["1 1", "3 5"]),
                 (["1;2", "--valid"], ["invalid"]),
                 (["", "--valid"], ["valid"]),
                 (["20-12", "--valid"], ["valid"])):
@@ -126,6 +130,7 @@ class HostTest(unittest.TestCase):
     def test_points_refuses_what_is_no_list(self):
         self.assert_fails(1, "\"1;2\" is no list of points", "points", "1;2")
         self.assert_fails(1, "\"x\" is no list of points", "points", "1", "--remove", "x")
+        self.assert_fails(1, "--valid looks at the list as it is", "points", "1", "--remove", "2", "--valid")
 
     def test_sort_puts_lines_in_natural_order(self):
         names = self.folder / "names.txt"
