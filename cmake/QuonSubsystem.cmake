@@ -40,7 +40,9 @@ function(quon_subsystem name)
   set_property(GLOBAL APPEND PROPERTY QUON_HEADER_TARGETS ${name}_headers)
 endfunction()
 
-# The one header of module/ that every subsystem may include.
+# The headers of module/ that every subsystem may include.
 add_library(quon_export_header INTERFACE)
-quon_expose(quon_export_header module/Export.h)
-set_property(GLOBAL APPEND PROPERTY QUON_PUBLIC_HEADERS module/Export.h)
+foreach(header module/Export.h module/QuonEllipsis.h)
+  quon_expose(quon_export_header ${header})
+  set_property(GLOBAL APPEND PROPERTY QUON_PUBLIC_HEADERS ${header})
+endforeach()

@@ -11,16 +11,20 @@ add_subdirectory(${QUON_GOOGLETEST_DIR} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_F
 add_test(NAME wine-prefix COMMAND ${CMAKE_SOURCE_DIR}/scripts/wine-prefix.sh)
 set_tests_properties(wine-prefix PROPERTIES FIXTURES_SETUP wine-prefix)
 
-# quon_test(<name> SOURCES ... [LIBRARIES ...] [SERIAL] [TIMEOUT seconds])
-# One test program. SERIAL: it uses the registry, the locale or the clock of the whole prefix.
+# quon_test(<name> SOURCES ... [LIBRARIES ...] [SERIAL] [TIMEOUT seconds] [FRAMEWORK target])
+# One test program. SERIAL: it uses the registry, the locale or the clock of the whole prefix. FRAMEWORK: another build of
+# the framework than the usual one.
 function(quon_test name)
-  cmake_parse_arguments(arg "SERIAL" "TIMEOUT" "SOURCES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(arg "SERIAL" "TIMEOUT;FRAMEWORK" "SOURCES;LIBRARIES" ${ARGN})
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()
+  if(NOT arg_FRAMEWORK)
+    set(arg_FRAMEWORK Quon::Framework)
+  endif()
   add_executable(${name} ${arg_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE quon_compile_options Quon::Framework ${arg_LIBRARIES} gmock gtest gtest_main)
+  target_link_libraries(${name} PRIVATE quon_compile_options ${arg_FRAMEWORK} ${arg_LIBRARIES} gmock gtest gtest_main)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED wine-prefix TIMEOUT ${arg_TIMEOUT})
   if(arg_SERIAL)

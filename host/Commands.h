@@ -1,0 +1,14 @@
+// The commands of the host. Each adds itself, with its options, to the command line; its callback does the work.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace quonhost
+{
+
+void AddFoldersCommand(CLI::App& app);
+void AddTreeCommand(CLI::App& app);
+void AddFileCommands(CLI::App& app);
+void AddSplitCommand(CLI::App& app);
+
+}  // namespace quonhost

@@ -1,0 +1,67 @@
+// quonhost: a small application around the library, for trying it on real folders and files.
+
+#include "host/Commands.h"
+#include "host/Console.h"
+
+#include <afxwin.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace
+{
+
+// CLI11 wants the arguments without the program's name and in reverse.
+std::vector<std::string> ReversedArguments(int count, wchar_t** arguments)
+{
+    std::vector<std::string> result;
+    for (int index = 1; index < count; ++index)
+    {
+        result.push_back(quonhost::ToUtf8(arguments[index]));
+    }
+    std::reverse(result.begin(), result.end());
+    return result;
+}
+
+int Run(int count, wchar_t** arguments)
+{
+    CLI::App app("Walks, copies, moves and removes folders, and takes paths apart, with QuonWin32Utils.", "quonhost");
+    app.require_subcommand(1);
+    app.footer("Exit code: 0 done, 1 the work failed, 2 the command line was not understood.");
+    quonhost::AddFoldersCommand(app);
+    quonhost::AddTreeCommand(app);
+    quonhost::AddFileCommands(app);
+    quonhost::AddSplitCommand(app);
+    try
+    {
+        app.parse(ReversedArguments(count, arguments));
+    }
+    catch (const CLI::Success& asked)
+    {
+        return app.exit(asked);
+    }
+    catch (const CLI::ParseError& error)
+    {
+        quonhost::PrintError(std::string(error.what()) + " (see --help)");
+        return quonhost::kUsage;
+    }
+    catch (const quonhost::CommandError& error)
+    {
+        quonhost::PrintError(error.what());
+        return quonhost::kFailed;
+    }
+    return quonhost::kSuccess;
+}
+
+}  // namespace
+
+int wmain(int count, wchar_t** arguments)
+{
+    quonhost::SetUpConsole();
+    if (!AfxWinInit(::GetModuleHandleW(nullptr), nullptr, ::GetCommandLineW(), 0))
+    {
+        quonhost::PrintError("the application framework could not be initialised");
+        return quonhost::kFailed;
+    }
+    return Run(count, arguments);
+}

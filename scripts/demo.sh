@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the release preset and shows the library at its main work, through the console host,
+# on real input: the C++ headers of the installed compiler. What the host reports is compared with what the operating
+# system says; a difference ends the demonstration with a failure.
+set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+"$top/scripts/setup.sh"
+build mingw-release
+bin=$top/build/mingw-release/bin
+quonhost() { "$top/scripts/wine-run.sh" "$bin/quonhost.exe" "$@"; }
+# A Unix path as the programs under Wine see it: drive Z: is the root.
+windows_path() { printf 'Z:%s' "${1//\//\\}"; }
+same() { [ "$2" = "$3" ] || die "$1: the library says \"$2\", the operating system \"$3\""; echo "   $2 (the operating system agrees)"; }
+
+headers=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name=include)")/include/c++
+[ -d "$headers" ] || die "the compiler's C++ headers are not at $headers"
+
+say "well-known folders"
+quonhost folders
+
+say "a path taken apart"
+quonhost split 'C:/projects\site//survey.xml' --relative-to 'C:\projects\plans\'
+
+say "walking $headers"
+same "folders" "$(quonhost tree "$(windows_path "$headers")" --totals)" "$(find "$headers" -type d | wc -l) folders"
+same "files" "$(quonhost tree "$(windows_path "$headers")" --files --totals)" \
+  "$(find "$headers" -type f -printf '%s\n' | awk '{ n++; s += $1 } END { printf "%d files, %d bytes", n, s }')"
+
+part=$headers/bits
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+say "mirroring $part"
+quonhost copy "$(windows_path "$part")" "$(windows_path "$scratch/mirror")"
+same "mirrored files" "$(quonhost tree "$(windows_path "$scratch/mirror")" --files --totals)" \
+  "$(find "$part" -type f -printf '%s\n' | awk '{ n++; s += $1 } END { printf "%d files, %d bytes", n, s }')"
+diff -r "$part" "$scratch/mirror" || die "the mirror differs from the original"
+echo "   every file is the same, byte for byte"
+
+say "removing the mirror"
+quonhost remove "$(windows_path "$scratch/mirror")"
+[ ! -e "$scratch/mirror" ] || die "the mirror is still there"
+echo "   gone"
+say "done"

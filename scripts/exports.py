@@ -1,0 +1,193 @@
+#!/usr/bin/env python3
+"""Keeps the list of numbered exports, module/QuonWin32Utils.def.
+
+The library exports by number only. The list is append-only: a number, once given, belongs to its symbol for ever;
+a symbol that goes leaves its number behind in a line "; retired @NUMBER NAME".
+
+  exports.py propose DEF OBJECTS   numbers for the exported symbols of the object files (OBJECTS: a file with one path a
+                                   line) that the list does not have yet; with --write they are appended to the list
+  exports.py check DEF DLL         the list itself and the built DLL against it
+  exports.py history DEF           every number that ever stood in the committed list still means the same
+"""
+import argparse
+import re
+import struct
+import subprocess
+import sys
+from pathlib import Path
+
+BASE = 100
+TOOLS = "x86_64-w64-mingw32-"
+LINE = re.compile(r"^\s+(?P<name>\S+)\s+@(?P<number>\d+)\s+NONAME(?P<data>\s+DATA)?\s*(?:;\s*(?P<text>.*))?$")
+RETIRED = re.compile(r"^;\s*retired\s+@(?P<number>\d+)\s+(?P<name>\S+)")
+
+
+def parse_list(text):
+    """Returns ({name: number}, {name: is data}, {retired number: name}, [faults]) of a list's text."""
+    numbers, data, retired, faults, seen = {}, {}, {}, [], {}
+    for row, line in enumerate(text.splitlines(), 1):
+        gone = RETIRED.match(line)
+        if gone:
+            number, name = int(gone["number"]), gone["name"]
+            retired[number] = name
+        elif not line.strip() or line.lstrip().startswith(";") or re.match(r"^(LIBRARY|EXPORTS)\b", line):
+            continue
+        else:
+            match = LINE.match(line)
+            if not match:
+                faults.append(f"line {row} is no export: {line.strip()}")
+                continue
+            number, name = int(match["number"]), match["name"]
+            if name in numbers:
+                faults.append(f"line {row}: {name} stands twice")
+            if not match["text"]:
+                faults.append(f"line {row}: {name} has no signature beside it")
+            numbers[name] = number
+            data[name] = bool(match["data"])
+        if number in seen:
+            faults.append(f"line {row}: number {number} was given twice")
+        if number < BASE:
+            faults.append(f"line {row}: number {number} is below {BASE}")
+        seen[number] = name
+    return numbers, data, retired, faults
+
+
+def run(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def directives(obj):
+    """Yields (name, is data) of the export directives in one object file."""
+    dump = subprocess.run([TOOLS + "objdump", "-s", "-j", ".drectve", obj], capture_output=True, text=True).stdout
+    raw = bytearray()
+    for line in dump.splitlines():
+        match = re.match(r"^ [0-9a-f]+ ((?:[0-9a-f]{2,8} ){1,4})", line)
+        if match:
+            raw += bytes.fromhex(match[1].replace(" ", ""))
+    for word in raw.decode("ascii", "replace").split():
+        match = re.match(r'^-export:"?([^",]+)"?(,data)?$', word)
+        if match:
+            yield match[1], bool(match[2])
+
+
+def propose(arguments):
+    path = Path(arguments.list)
+    numbers, _, retired, faults = parse_list(path.read_text())
+    if faults:
+        sys.exit("\n".join(faults))
+    found = {}
+    for obj in Path(arguments.objects).read_text().split("\n"):
+        if obj.strip():
+            new = sorted(set(directives(obj.strip())) - set(found.items()))
+            texts = run(TOOLS + "c++filt", *[name for name, _ in new]).splitlines() if new else []
+            # Inside one source in the order of the signatures, so that a class stays together.
+            for _, (name, is_data) in sorted(zip(texts, new)):
+                found.setdefault(name, is_data)
+    missing = [name for name in found if name not in numbers]
+    number = max([BASE - 1, *numbers.values(), *retired]) + 1
+    signatures = run(TOOLS + "c++filt", *missing).splitlines() if missing else []
+    lines = []
+    for name, signature in zip(missing, signatures):
+        lines.append(f"    {name} @{number} NONAME{' DATA' if found[name] else ''} ; {signature}")
+        number += 1
+    print("\n".join(lines) if lines else "exports: the list is complete")
+    if arguments.write and lines:
+        path.write_text(path.read_text().rstrip("\n") + "\n" + "\n".join(lines) + "\n")
+    for name in sorted(set(numbers) - set(found)):
+        print(f"exports: {name} is listed but no object exports it", file=sys.stderr)
+
+
+class ExportDirectory:
+    """The export directory of a 64-bit DLL."""
+
+    def __init__(self, path):
+        self.image = Path(path).read_bytes()
+        header = struct.unpack_from("<I", self.image, 0x3C)[0]
+        assert self.image[header:header + 4] == b"PE\0\0", f"{path} is no DLL"
+        count = struct.unpack_from("<H", self.image, header + 6)[0]
+        optional = header + 24
+        size = struct.unpack_from("<H", self.image, header + 20)[0]
+        self.image_base = struct.unpack_from("<Q", self.image, optional + 24)[0]
+        directory = struct.unpack_from("<I", self.image, optional + 112)[0]
+        self.sections = []
+        for index in range(count):
+            virtual_size, rva, raw_size, raw = struct.unpack_from("<IIII", self.image, optional + size + 40 * index + 8)
+            self.sections.append((rva, max(virtual_size, raw_size), raw))
+        self.base, functions, self.names, table = struct.unpack_from("<IIII", self.image, self.offset(directory) + 16)
+        rvas = struct.unpack_from(f"<{functions}I", self.image, self.offset(table))
+        self.functions = {self.base + index: rva for index, rva in enumerate(rvas) if rva}
+
+    def offset(self, rva):
+        for start, size, raw in self.sections:
+            if start <= rva < start + size:
+                return rva - start + raw
+        raise ValueError(f"no section holds {rva:#x}")
+
+
+def check(arguments):
+    numbers, _, _, faults = parse_list(Path(arguments.list).read_text())
+    exports = ExportDirectory(arguments.dll)
+    if exports.base != BASE:
+        faults.append(f"the base is {exports.base}, not {BASE}")
+    if exports.names:
+        faults.append(f"{exports.names} exports carry a name: they are missing from the list "
+                      "(run scripts/exports.py propose)")
+    addresses = {}
+    for line in run(TOOLS + "nm", arguments.dll).splitlines():
+        parts = line.split()
+        if len(parts) == 3:
+            addresses[parts[2]] = int(parts[0], 16) - exports.image_base
+    for name, number in numbers.items():
+        if number not in exports.functions:
+            faults.append(f"{name} is listed with {number}, but the DLL has no such export")
+        elif name not in addresses:
+            faults.append(f"{name} is listed, but the DLL does not define it")
+        elif addresses[name] != exports.functions[number]:
+            faults.append(f"number {number} of the DLL is not {name}")
+    for number in sorted(set(exports.functions) - set(numbers.values())):
+        faults.append(f"the DLL exports number {number}, which is not in the list")
+    finish(faults, f"{len(numbers)} exports, numbers {min(numbers.values())} to {max(numbers.values())}, no names")
+
+
+def history(arguments):
+    path = Path(arguments.list)
+    git = ["git", "-C", str(path.parent)]
+    numbers, _, retired, faults = parse_list(path.read_text())
+    now = {number: name for name, number in numbers.items()} | retired
+    if subprocess.run([*git, "rev-parse", "HEAD"], capture_output=True).returncode != 0:
+        print("exports: no history here, nothing to compare with")
+        return
+    commits = run(*git, "log", "--format=%h", "--", path.name).split()
+    for commit in commits:
+        shown = subprocess.run([*git, "show", f"{commit}:./{path.name}"], capture_output=True, text=True)
+        if shown.returncode != 0:
+            continue
+        for name, number in parse_list(shown.stdout)[0].items():
+            if now.get(number) != name:
+                faults.append(f"{commit} gave number {number} to {name}; now it means {now.get(number, 'nothing')}")
+    finish(sorted(set(faults)), f"the numbers of {len(commits)} committed lists still mean the same")
+
+
+def finish(faults, success):
+    if faults:
+        sys.exit("\n".join(["exports: the list and the library disagree", *faults]))
+    print("exports: " + success)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    commands = parser.add_subparsers(required=True)
+    for name, function, extra in (("propose", propose, ["objects"]), ("check", check, ["dll"]), ("history", history, [])):
+        command = commands.add_parser(name)
+        command.add_argument("list")
+        for argument in extra:
+            command.add_argument(argument)
+        if name == "propose":
+            command.add_argument("--write", action="store_true", help="append the proposed lines to the list")
+        command.set_defaults(function=function)
+    arguments = parser.parse_args()
+    arguments.function(arguments)
+
+
+if __name__ == "__main__":
+    main()
