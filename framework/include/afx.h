@@ -52,6 +52,12 @@ public:
     CObject(const CObject&) = delete;
     CObject& operator=(const CObject&) = delete;
 
+    // Objects live in the framework's memory, and when there is none CMemoryException* is thrown.
+    void* operator new(size_t nSize);
+    void* operator new(size_t, void* p) noexcept { return p; }
+    void operator delete(void* p) noexcept;
+    void operator delete(void*, void*) noexcept {}
+
 protected:
     CObject();
 };

@@ -86,9 +86,12 @@ public:
     }
     CStringT& operator=(CStringT&& strSrc) noexcept
     {
-        PXSTR pszOld = m_pszData;
-        m_pszData = strSrc.m_pszData;
-        strSrc.m_pszData = pszOld;
+        // In this order a string survives being moved to itself.
+        PXSTR pszTaken = strSrc.m_pszData;
+        strSrc.m_pszData = afxNilStringData.achNil;
+        CStringData* pOld = GetData();
+        m_pszData = pszTaken;
+        pOld->Release();
         return *this;
     }
     CStringT& operator=(PCXSTR pszSrc);
@@ -134,7 +137,8 @@ public:
     /// Ends writing. With -1 the text ends at its first zero, or where the allocation ends.
     void ReleaseBuffer(int nNewLength = -1)
     {
-        const int nLength = nNewLength == -1 ? StringLengthN(m_pszData, GetAllocLength()) : nNewLength;
+        const int nLength =
+            nNewLength == -1 ? StringLengthN(m_pszData, static_cast<size_t>(GetAllocLength())) : nNewLength;
         ReleaseBufferSetLength(nLength);
     }
     void ReleaseBufferSetLength(int nNewLength)
@@ -322,6 +326,7 @@ private:
         }
         return psz;
     }
+    bool IsOwn(PCXSTR psz) const noexcept;
     void PrepareWrite(int nLength);
     void Reallocate(int nLength, int nKeep);
     void TrimLeftTo(PCXSTR pszFirst);

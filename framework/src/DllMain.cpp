@@ -1,6 +1,16 @@
 #include <windows.h>
+#include "ModuleStateInternal.h"
 
-BOOL WINAPI DllMain(HINSTANCE, DWORD, LPVOID)
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID)
 {
+    // A failed attach is followed by a detach.
+    if (reason == DLL_PROCESS_ATTACH)
+    {
+        return StartModuleStates() ? TRUE : FALSE;
+    }
+    if (reason == DLL_PROCESS_DETACH)
+    {
+        EndModuleStates();
+    }
     return TRUE;
 }

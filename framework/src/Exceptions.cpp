@@ -1,6 +1,7 @@
 #include "afx.h"
 #include "afxdisp.h"
 #include <cstdio>
+#include <cstdlib>
 
 namespace
 {
@@ -22,6 +23,21 @@ CNotSupportedException notSupportedException(FALSE);
 
 CObject::CObject() = default;
 CObject::~CObject() = default;
+
+void* CObject::operator new(size_t nSize)
+{
+    void* memory = std::malloc(nSize);
+    if (memory == nullptr)
+    {
+        AfxThrowMemoryException();
+    }
+    return memory;
+}
+
+void CObject::operator delete(void* p) noexcept
+{
+    std::free(p);
+}
 
 CException::CException() : m_bAutoDelete(TRUE) {}
 CException::CException(BOOL bAutoDelete) : m_bAutoDelete(bAutoDelete) {}

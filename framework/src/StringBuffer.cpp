@@ -1,6 +1,7 @@
 #include "afxstr.h"
 #include <climits>
 #include <cstdlib>
+#include <functional>
 
 using ATL::AtlThrow;
 using ATL::CStringData;
@@ -61,6 +62,12 @@ CStringData* Allocate(int length)
 void AFXAPI AfxFreeStringData(CStringData* pData) noexcept
 {
     std::free(pData);
+}
+
+bool CStringW::IsOwn(PCXSTR psz) const noexcept
+{
+    // std::less orders pointers of different texts, too.
+    return !std::less<PCXSTR>()(psz, m_pszData) && !std::less<PCXSTR>()(m_pszData + GetLength(), psz);
 }
 
 // Gives this string characters of its own with room for nLength, and the first nKeep of the old ones.
@@ -208,8 +215,8 @@ void CStringW::Append(PCXSTR pszSrc, int nLength)
         AtlThrow(E_OUTOFMEMORY);
     }
     // A source within this text moves along when the text does.
-    const auto offset = static_cast<size_t>(pszSrc - m_pszData);
-    const bool isOwn = pszSrc >= m_pszData && offset <= static_cast<size_t>(oldLength);
+    const bool isOwn = IsOwn(pszSrc);
+    const ptrdiff_t offset = isOwn ? pszSrc - m_pszData : 0;
     PXSTR buffer = GetBuffer(oldLength + added);
     wmemmove(buffer + oldLength, isOwn ? buffer + offset : pszSrc, static_cast<size_t>(added));
     ReleaseBufferSetLength(oldLength + added);

@@ -15,21 +15,21 @@ int CStringW::Insert(int iIndex, XCHAR ch)
 
 int CStringW::Insert(int iIndex, PCXSTR psz)
 {
+    if (IsOwn(psz))
+    {
+        return Insert(iIndex, static_cast<PCXSTR>(CStringT(psz)));
+    }
     const int length = GetLength();
     const int index = std::clamp(iIndex, 0, length);
-    if (StringLength(psz) == 0)
+    const int added = StringLength(psz);
+    if (added != 0)
     {
-        return length;
+        PXSTR buffer = GetBuffer(length + added);
+        wmemmove(buffer + index + added, buffer + index, static_cast<size_t>(length - index));
+        wmemcpy(buffer + index, psz, static_cast<size_t>(added));
+        ReleaseBufferSetLength(length + added);
     }
-    // The inserted text may be a part of this one: keep it in place until the new one is whole.
-    const CStringT head(m_pszData, index);
-    CStringT whole = head + psz;
-    whole.Preallocate(whole.GetLength() + length - index);
-    const int tailAt = whole.GetLength();
-    wmemcpy(whole.m_pszData + tailAt, m_pszData + index, static_cast<size_t>(length - index));
-    whole.ReleaseBufferSetLength(tailAt + length - index);
-    *this = static_cast<CStringT&&>(whole);
-    return GetLength();
+    return length + added;
 }
 
 int CStringW::Delete(int iIndex, int nCount)

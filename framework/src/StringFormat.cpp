@@ -11,6 +11,11 @@ constexpr int kShortLength = 255;
 // Appends to `text`, or replaces it, once the formatted text stands: an argument may be a part of `text`.
 void Store(CStringW& text, const wchar_t* formatted, int length, int keep)
 {
+    if (keep + length == 0)
+    {
+        text.Empty();
+        return;
+    }
     wchar_t* buffer = text.GetBuffer(keep + length);
     wmemcpy(buffer + keep, formatted, static_cast<size_t>(length));
     text.ReleaseBufferSetLength(keep + length);

@@ -1,0 +1,90 @@
+#include "JournalInternal.h"
+
+#ifdef QUON_FRAMEWORK_JOURNAL
+
+#include "quon_framework_journal.h"
+#include <cstring>
+
+namespace
+{
+struct Call
+{
+    const char* name;
+    DWORD threadId;
+};
+
+// Without constructors and destructors: calls come while modules are still, or already, without their run-time.
+constexpr size_t kMaxCalls = 4096;
+constexpr size_t kMaxName = 64;
+Call calls[kMaxCalls];
+size_t callCount;
+char failingName[kMaxName];
+QuonFrameworkFault failingFault;
+SRWLOCK journalLock = SRWLOCK_INIT;
+
+class JournalGuard
+{
+public:
+    JournalGuard() { AcquireSRWLockExclusive(&journalLock); }
+    ~JournalGuard() { ReleaseSRWLockExclusive(&journalLock); }
+    JournalGuard(const JournalGuard&) = delete;
+    JournalGuard& operator=(const JournalGuard&) = delete;
+};
+}  // namespace
+
+bool RecordCall(const char* name)
+{
+    QuonFrameworkFault fault;
+    {
+        const JournalGuard guard;
+        if (callCount < kMaxCalls)
+        {
+            calls[callCount++] = {name, GetCurrentThreadId()};
+        }
+        if (std::strcmp(name, failingName) != 0)
+        {
+            return true;
+        }
+        failingName[0] = 0;
+        fault = failingFault;
+    }
+    if (fault == QuonFrameworkFault::MemoryException)
+    {
+        AfxThrowMemoryException();
+    }
+    return false;
+}
+
+CString AFXAPI QuonFrameworkJournal(DWORD threadId)
+{
+    const JournalGuard guard;
+    CString text;
+    for (size_t i = 0; i < callCount; ++i)
+    {
+        if (threadId == 0 || calls[i].threadId == threadId)
+        {
+            if (!text.IsEmpty())
+            {
+                text += L'\n';
+            }
+            text += calls[i].name;
+        }
+    }
+    return text;
+}
+
+void AFXAPI QuonFrameworkClearJournal()
+{
+    const JournalGuard guard;
+    callCount = 0;
+    failingName[0] = 0;
+}
+
+void AFXAPI QuonFrameworkFailNext(LPCSTR name, QuonFrameworkFault fault)
+{
+    const JournalGuard guard;
+    lstrcpynA(failingName, name, static_cast<int>(kMaxName));
+    failingFault = fault;
+}
+
+#endif
