@@ -8,6 +8,7 @@
 #include <memory>
 #include <new>
 
+#include "module/QuonEllipsis.h"
 #include "xml/Msxml2.h"
 #include "xml/XmlNodes.h"
 
@@ -73,6 +74,13 @@ private:
 /// The value as text; "" for a value that is no text and cannot be made one.
 CString TextOfVariant(const VARIANT& value);
 
+/// The value of an attribute of `node`; "" for a node that has no such attribute or cannot have any.
+CString AttributeText(MSXML2::IXMLDOMNode* node, const _bstr_t& name);
+
+/// The first of the nodes that `CollectNodesWithAttributes` finds, searching recursively; empty when there is none.
+MSXML2::IXMLDOMNodePtr FirstNodeWithAttribute(const MSXML2::IXMLDOMNodeListPtr& nodes, const CString& name,
+                                              const CString& attribute, const CString& value);
+
 /// Owns a node array until it is handed to the caller: releases the entries and deletes the array.
 struct NodeArrayDeleter
 {
@@ -95,22 +103,63 @@ inline void AddWithReference(QuonNodeArray& nodes, MSXML2::IXMLDOMNode* node)
     }
 }
 
-/// Calls `visit(node)` for each node of `list` from the first on, until it returns false.
-/// @return whether all were visited
+/// A new array; null when there is no memory for it, whichever way the allocator says so.
+template <typename Array>
+Array* MakeArray()
+{
+    try
+    {
+        return new Array;
+    }
+    catch (CMemoryException* exception)
+    {
+        exception->Delete();
+    }
+    catch (const std::bad_alloc&)
+    {
+    }
+    return nullptr;
+}
+
+/// Runs `work` and turns the errors that it stops into status texts.
+template <typename Work>
+auto ReportingComErrors(const Work& work)
+{
+    try
+    {
+        return work();
+    }
+    catch (const _com_error& error)
+    {
+        throw DescribeComError(error);
+    }
+    catch (const QuonEllipsis&)
+    {
+        throw CString(kUnhandled);
+    }
+}
+
+/// Calls `visit(node)` for the rest of the nodes of `list`, until it returns false.
 ///
 /// The list's own cursor is used: reaching a node by its index can take time in proportion to the index.
 template <typename Visit>
-bool ForEachNode(MSXML2::IXMLDOMNodeList* list, Visit&& visit)
+void ForEachNode(MSXML2::IXMLDOMNodeList* list, const Visit& visit)
 {
-    MSXML2::Reset(list);
     while (MSXML2::IXMLDOMNodePtr node = MSXML2::NextNode(list))
     {
         if (!visit(node))
         {
-            return false;
+            return;
         }
     }
-    return true;
+}
+
+/// The children of a node, with the cursor before the first.
+inline MSXML2::IXMLDOMNodeListPtr ChildrenToSearch(MSXML2::IXMLDOMNode* node)
+{
+    const MSXML2::IXMLDOMNodeListPtr children = MSXML2::GetChildNodes(node);
+    Require(children, L"pNodes is NULL!");
+    return children;
 }
 
 }  // namespace xml_internal

@@ -118,7 +118,7 @@ QUON_API CStringArray* GetTextsOfChildrenByRootAttribute(const MSXML2::IXMLDOMDo
                                                          const CString& rootName, const CString& childName,
                                                          const CString& rootAttribute, const CString& rootValue);
 
-// Editing. `result` receives the appended node; it is empty after a failure.
+// Editing. `result` receives the appended node; a failure leaves it as it was.
 
 /// Creates an element and appends it to `root`.
 QUON_API void AppendElement(MSXML2::IXMLDOMNodePtr& result, const MSXML2::IXMLDOMDocumentPtr& document,
