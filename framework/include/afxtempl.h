@@ -134,7 +134,7 @@ protected:
         UINT nHashValue;
 
     public:
-        CAssoc(ARG_KEY key, CAssoc* next, UINT hash) : CPair(key), pNext(next), nHashValue(hash) {}
+        CAssoc(ARG_KEY keyValue, CAssoc* next, UINT hash) : CPair(keyValue), pNext(next), nHashValue(hash) {}
     };
 
 public:

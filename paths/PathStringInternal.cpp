@@ -1,0 +1,100 @@
+#include "paths/PathStringInternal.h"
+
+#include <algorithm>
+#include <cwchar>
+
+#include "paths/PathTextInternal.h"
+
+namespace QuonPathText
+{
+
+namespace
+{
+
+constexpr int ToInt(std::size_t length)
+{
+    return static_cast<int>(length);
+}
+
+/// Room for a text that is gone at the end of the scope: on the stack for the paths of every day.
+class Scratch
+{
+public:
+    explicit Scratch(std::size_t length) : m_data(length <= kLocalLength ? m_local : m_string.GetBuffer(ToInt(length)))
+    {
+    }
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
+
+    wchar_t* Data() { return m_data; }
+
+private:
+    static constexpr std::size_t kLocalLength = 520;
+
+    wchar_t m_local[kLocalLength];
+    CString m_string;
+    wchar_t* m_data;
+};
+
+wchar_t* CopyTo(wchar_t* out, std::wstring_view text)
+{
+    return std::copy(text.begin(), text.end(), out);
+}
+
+}  // namespace
+
+std::wstring_view View(const CString& text)
+{
+    return {text.GetString(), static_cast<std::size_t>(text.GetLength())};
+}
+
+std::wstring_view View(const wchar_t* text)
+{
+    return text == nullptr ? std::wstring_view() : std::wstring_view(text);
+}
+
+CString MakeString(std::wstring_view text)
+{
+    return CString(text.data(), ToInt(text.size()));
+}
+
+void SetText(CString& target, std::wstring_view text)
+{
+    target.SetString(text.data(), ToInt(text.size()));
+}
+
+void NormalizeString(CString& text, wchar_t separator)
+{
+    if (IsNormal(View(text), separator))
+    {
+        return;
+    }
+    const auto length = static_cast<std::size_t>(text.GetLength());
+    wchar_t* const buffer = text.GetBuffer(ToInt(length + 1));
+    text.ReleaseBuffer(ToInt(Normalize({buffer, length}, separator, buffer)));
+}
+
+void JoinString(CString& text, wchar_t separator, std::wstring_view other)
+{
+    // `other` comes first: it may lie in the buffer that is rewritten below.
+    Scratch scratch(other.size() + 1);
+    std::wstring_view tail(scratch.Data(), Normalize(other, separator, scratch.Data()));
+
+    const auto oldLength = static_cast<std::size_t>(text.GetLength());
+    // Both normal forms may be longer than their texts by one character, and one separator comes between them.
+    wchar_t* const buffer = text.GetBuffer(ToInt(oldLength + 2 + tail.size()));
+    std::size_t length = Normalize({buffer, oldLength}, separator, buffer);
+    if (length > 0 && !tail.empty())
+    {
+        if (!IsSeparator(buffer[length - 1]))
+        {
+            buffer[length++] = separator;
+        }
+        const auto skipped = std::find_if_not(tail.begin(), tail.end(), IsSeparator) - tail.begin();
+        tail.remove_prefix(static_cast<std::size_t>(skipped));
+    }
+    CopyTo(buffer + length, tail);
+    text.ReleaseBuffer(ToInt(length + tail.size()));
+}
+
+}  // namespace QuonPathText

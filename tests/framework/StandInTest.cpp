@@ -1,0 +1,60 @@
+// What the stand-in promises beyond the framework; these tests need not pass against the framework itself.
+#include <gtest/gtest.h>
+#include <afxwin.h>
+#include <string>
+
+namespace
+{
+std::wstring Text(const CString& text)
+{
+    return {text.GetString(), static_cast<size_t>(text.GetLength())};
+}
+
+TEST(StandInTest, FormattingTakesTheTextItselfAsAnArgument)
+{
+    CString text(L"abc");
+    text.Format(L"<%s-%s>", text.GetString(), text.GetString());
+    EXPECT_EQ(Text(text), L"<abc-abc>");
+    text.AppendFormat(L"[%s]", text.GetString());
+    EXPECT_EQ(Text(text), L"<abc-abc>[<abc-abc>]");
+    text = CString(L'x', 1000);
+    text.Format(L"%s%s", text.GetString(), text.GetString());
+    EXPECT_EQ(Text(text), std::wstring(2000, L'x'));
+}
+
+TEST(StandInTest, EditingTakesAPartOfTheTextAsAnArgument)
+{
+    CString text(L"abc");
+    EXPECT_EQ(text.Insert(1, text.GetString() + 1), 5);
+    EXPECT_EQ(Text(text), L"abcbc");
+    EXPECT_EQ(text.Replace(text.GetString() + 3, text.GetString()), 2);
+    EXPECT_EQ(Text(text), L"aabcbcabcbc");
+}
+
+TEST(StandInTest, RoomComesInStepsOfEight)
+{
+    EXPECT_EQ(CString().GetAllocLength(), 0);
+    EXPECT_EQ(CString(L"a").GetAllocLength(), 7);
+    EXPECT_EQ(CString(L"1234567").GetAllocLength(), 7);
+    EXPECT_EQ(CString(L"12345678").GetAllocLength(), 15);
+}
+
+TEST(StandInTest, MovedFromStringsAreEmpty)
+{
+    CString source(L"abc");
+    CString target(static_cast<CString&&>(source));
+    EXPECT_TRUE(source.IsEmpty());
+    source = static_cast<CString&&>(target);
+    EXPECT_TRUE(target.IsEmpty());
+}
+
+TEST(StandInTest, AskingForTheStateLeavesTheLastErrorAlone)
+{
+    SetLastError(1234);
+    AfxGetModuleState();
+    AFX_MANAGE_STATE(AfxGetAppModuleState());
+    AfxLockTempMaps();
+    AfxUnlockTempMaps();
+    EXPECT_EQ(GetLastError(), 1234U);
+}
+}  // namespace
