@@ -7,6 +7,8 @@
 namespace
 {
 
+constexpr size_t kTimeCharacters = 128;
+
 CString SystemText(HRESULT result)
 {
     wchar_t* text = nullptr;
@@ -43,9 +45,10 @@ CString FormatLocalTime(__time64_t time, const wchar_t* format)
     {
         return CString();
     }
-    wchar_t text[128] = {};
-    const size_t length = ::wcsftime(text, 128, format, &local);
-    return length == 0 ? CString() : CString(text);
+    wchar_t text[kTimeCharacters] = {};
+    const size_t length = ::wcsftime(text, kTimeCharacters, format, &local);
+    // Some run-times fill the buffer without the end and report that as a success.
+    return length == 0 || length >= kTimeCharacters ? CString() : CString(text);
 }
 
 void AppendUniqueStrings(const CStringArray& source, CStringArray& target)
