@@ -61,13 +61,11 @@ void DispatchOneMessage()
     ::DispatchMessageW(&message);
 }
 
-// The text goes through the ANSI code page before it is formatted. A text that the parser does not have is empty.
-CString FormatNarrow(const wchar_t* format, const _bstr_t& text)
+// The text in the ANSI code page, valid as long as `text`. A text that the parser does not have is empty.
+const char* Narrow(const _bstr_t& text)
 {
     const char* const narrow = static_cast<const char*>(text);
-    CString formatted;
-    formatted.Format(format, narrow == nullptr ? "" : narrow);
-    return formatted;
+    return narrow == nullptr ? "" : narrow;
 }
 
 }  // namespace
@@ -214,13 +212,13 @@ void QuonXml::ReportParseError(const IXMLDOMParseErrorPtr& error)
     const long position = GetLinePosition(error);
     const _bstr_t reason = GetReason(error);
     const _bstr_t url = GetUrl(error);
-    const CString caption = FormatNarrow(L"%S", reason);
+    // The texts go through the ANSI code page on their way: characters that it lacks become question marks.
+    CString caption;
+    caption.Format(L"%S", Narrow(reason));
     CString text;
     if (line > 0)
     {
-        const char* const narrowUrl = static_cast<const char*>(url);
-        text.Format(L"Error on line %d, position %d in \"%S\".\n", line, position,
-                    narrowUrl == nullptr ? "" : narrowUrl);
+        text.Format(L"Error on line %d, position %d in \"%S\".\n", line, position, Narrow(url));
     }
     ::MessageBoxW(nullptr, text, caption, MB_OK);
 }

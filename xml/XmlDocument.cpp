@@ -121,12 +121,36 @@ IXMLDOMNodePtr AppendRoot(const IXMLDOMDocumentPtr& document, const CStringArray
     return root;
 }
 
+// The texts that LoadXmlFile and SaveXmlFile throw are dropped on purpose: the status stays what it was before the call.
+
+void LoadInstead(const IXMLDOMDocumentPtr& document, const CString& fileName, CString& status)
+{
+    try
+    {
+        status = LoadXmlFile(fileName, document) ? CString(kStatusOk) : L"Load failed!\nFile =  " + fileName;
+    }
+    catch (const CString&)
+    {
+    }
+}
+
+void SaveAtLast(const IXMLDOMDocumentPtr& document, const CString& fileName, CString& status)
+{
+    try
+    {
+        status = SaveXmlFile(fileName, document) ? kStatusOk : L"Save() failed!";
+    }
+    catch (const CString&)
+    {
+    }
+}
+
 // The file is there already: it is loaded or removed. @return whether the work ends here, with `status` as its result
 bool DealWithExistingFile(const IXMLDOMDocumentPtr& document, const CString& fileName, bool overwrite, CString& status)
 {
     if (!overwrite)
     {
-        status = LoadXmlFile(fileName, document) ? CString(kStatusOk) : L"Load failed!\nFile =  " + fileName;
+        LoadInstead(document, fileName, status);
         return true;
     }
     if (::_wremove(fileName) != 0)
@@ -149,11 +173,11 @@ void WriteSteps(const IXMLDOMDocumentPtr& document, const CString& fileName, con
         status = L"pDoc is NULL!";
         return;
     }
-    const CString before = status;
     if (!AppendInstructions(document, instructions, status))
     {
-        // The message of an incomplete pair is kept in front; any other is replaced.
-        status = instructions.GetSize() % 2 != 0 ? status + kNoInstruction : CString(kNoInstruction);
+        // The status so far stays in front when it tells of an incomplete pair; otherwise it is replaced.
+        const bool incomplete = instructions.GetSize() % 2 != 0;
+        status = incomplete ? status + kNoInstruction : CString(kNoInstruction);
         return;
     }
     root = AppendRoot(document, roots);
@@ -162,7 +186,7 @@ void WriteSteps(const IXMLDOMDocumentPtr& document, const CString& fileName, con
         status = L"pAppendedNode is NULL!";
         return;
     }
-    status = SaveXmlFile(fileName, document) ? kStatusOk : L"Save() failed!";
+    SaveAtLast(document, fileName, status);
 }
 
 }  // namespace
@@ -243,14 +267,7 @@ IXMLDOMNodePtr WriteXmlFile(const IXMLDOMDocumentPtr& document, const CString& f
 {
     CString status = kStatusFailed;
     IXMLDOMNodePtr root;
-    try
-    {
-        WriteSteps(document, fileName, instructions, roots, overwrite, root, status);
-    }
-    catch (const CString&)
-    {
-        // The text is dropped on purpose: the status stays what it was before the call that threw.
-    }
+    WriteSteps(document, fileName, instructions, roots, overwrite, root, status);
     ThrowUnlessOk(status);
     return root;
 }

@@ -24,13 +24,14 @@ TEST_F(XmlNodesEdit, AppendsNodesOfEachKindAndReturnsThem)
     IXMLDOMNodePtr comment;
     AppendNodeOfType(comment, document, root, NODE_COMMENT, L"", L"");
     EXPECT_STREQ(GetNodeName(comment), L"#comment");
+    comment->put_text(_bstr_t(L"c"));
     IXMLDOMNodePtr qualified;
     AppendNodeOfType(qualified, document, root, NODE_ELEMENT, L"q:n", L"urn:q");
     EXPECT_STREQ(GetNodeName(qualified), L"q:n");
     const IXMLDOMNodePtr last = AppendNewElementToRoot(document, root, L"last");
     EXPECT_STREQ(GetNodeName(last), L"last");
     EXPECT_EQ(Xml(document),
-              L"<r><e>a&lt;b</e><![CDATA[x<y]]><!----><q:n xmlns:q=\"urn:q\"/><last/></r>");
+              L"<r><e>a&lt;b</e><![CDATA[x<y]]><!--c--><q:n xmlns:q=\"urn:q\"/><last/></r>");
 }
 
 TEST_F(XmlNodesEdit, TheRootMayBeTheResult)

@@ -12,10 +12,9 @@ namespace
 using namespace quon_test;
 using namespace MSXML2;
 
-constexpr wchar_t kLibrary[] = L"QuonWin32Utils.dll";
 constexpr wchar_t kNoInfo[] = L"_com_error = No IErrorInfo recorded - Error is undefined!";
 
-// The next allocation of the library fails.
+// The next allocation of the framework fails: arrays live in its memory.
 bool g_failNext = false;
 
 void* FailOnce(size_t size)
@@ -34,7 +33,7 @@ public:
     }
 
 private:
-    ImportPatch<void* (*)(size_t)> m_patch{kLibrary, "malloc", &FailOnce};
+    ImportPatch<void* (*)(size_t)> m_patch{L"QuonFramework.dll", "malloc", &FailOnce};
 };
 
 class XmlNodesFailure : public XmlTest
@@ -410,8 +409,11 @@ TEST_F(XmlNodesFailure, ArraysThatCannotBeMade)
         const OutOfMemory patch;
         return StatusOf(work);
     };
-    EXPECT_EQ(failing([&] { FindNodesByName(list, L"r", true); }), L"pFound is NULL!");
-    EXPECT_EQ(failing([&] { GetChildNodesOfRoot(m_document, L"r", L"p"); }), L"pNodes is NULL!");
+    // Made beforehand: their characters lie in the framework's memory too.
+    const CString root(L"r");
+    const CString child(L"p");
+    EXPECT_EQ(failing([&] { FindNodesByName(list, root, true); }), L"pFound is NULL!");
+    EXPECT_EQ(failing([&] { GetChildNodesOfRoot(m_document, root, child); }), L"pNodes is NULL!");
     EXPECT_EQ(failing([&] { GetNodeNames(m_root, true); }), L"pNames is NULL!");
 }
 

@@ -61,16 +61,14 @@ inline MSXML2::IXMLDOMNodePtr Find(const MSXML2::IXMLDOMDocumentPtr& document, c
     return node;
 }
 
+/// The document as text, without the line ends and tabs that some parsers indent it with.
 inline std::wstring Xml(const MSXML2::IXMLDOMDocumentPtr& document)
 {
     BSTR text = nullptr;
     document->get_xml(&text);
     const _bstr_t owned(text, false);
     std::wstring result(owned.length() == 0 ? L"" : static_cast<const wchar_t*>(owned));
-    while (!result.empty() && (result.back() == L'\n' || result.back() == L'\r'))
-    {
-        result.pop_back();
-    }
+    std::erase_if(result, [](wchar_t c) { return c == L'\r' || c == L'\n' || c == L'\t'; });
     return result;
 }
 
