@@ -1,6 +1,6 @@
 /// @file
-/// The DOM as the library sees it: the interfaces of the platform's parser in the namespace `MSXML2`, a smart pointer for
-/// each, and one wrapper per method used. It stands where a type-library import would, which only one compiler has.
+/// The DOM as the library sees it: the interfaces of the platform's parser in the namespace `MSXML2`, a smart pointer
+/// for each, and one wrapper per method used. It stands where a type-library import would, which only one compiler has.
 ///
 /// A wrapper calls its method once and raises `_com_error` when the method fails or the object is empty (`E_POINTER`).
 /// A success code other than `S_OK` is no failure: the result is then what the method left, most often empty.
@@ -35,9 +35,11 @@ inline void WINAPI _com_issue_errorex(HRESULT result, IUnknown* object, REFIID i
 {
     ISupportErrorInfo* support = nullptr;
     IErrorInfo* info = nullptr;
-    if (object != nullptr && SUCCEEDED(object->QueryInterface(IID_ISupportErrorInfo, reinterpret_cast<void**>(&support))))
+    if (object != nullptr &&
+        SUCCEEDED(object->QueryInterface(IID_ISupportErrorInfo, reinterpret_cast<void**>(&support))))
     {
-        // An error object of an earlier failure must not be taken for this one's: only objects that keep theirs are asked.
+        // An error object of an earlier failure must not be taken for this one's: only objects that keep theirs are
+        // asked.
         if (support->InterfaceSupportsErrorInfo(iid) != S_OK || ::GetErrorInfo(0, &info) != S_OK)
         {
             info = nullptr;
@@ -233,7 +235,10 @@ inline IXMLDOMNodePtr NextNode(IXMLDOMNodeList* list)
 }
 
 /// Puts the list's own cursor before the first node.
-inline void Reset(IXMLDOMNodeList* list) { Check(NotNull(list)->reset(), list); }
+inline void Reset(IXMLDOMNodeList* list)
+{
+    Check(NotNull(list)->reset(), list);
+}
 
 inline long GetLength(IXMLDOMNamedNodeMap* map)
 {

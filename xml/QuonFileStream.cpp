@@ -9,9 +9,7 @@ constexpr int kMaxNameBytes = 99;
 
 }  // namespace
 
-QuonFileStream::QuonFileStream() : m_hFile(nullptr), m_bRead(true), m_cRef(1)
-{
-}
+QuonFileStream::QuonFileStream() : m_hFile(nullptr), m_bRead(true), m_cRef(1) {}
 
 QuonFileStream::~QuonFileStream()
 {
@@ -66,7 +64,8 @@ bool QuonFileStream::OpenForWrite(const wchar_t* name)
         return false;
     }
     ansi[length] = '\0';
-    m_hFile = ::CreateFileA(ansi, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    m_hFile =
+        ::CreateFileA(ansi, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     return m_hFile != INVALID_HANDLE_VALUE;
 }
 

@@ -8,8 +8,8 @@
 #include "module/Export.h"
 
 /// An `IStream` over a Win32 file handle that can write a new file and nothing else: there is no way to open it for
-/// reading, and everything but reading and writing fails with `E_FAIL`. It counts references atomically, starts with one
-/// and deletes itself with the last; the file is closed then. Made with `new`.
+/// reading, and everything but reading and writing fails with `E_FAIL`. It counts references atomically, starts with
+/// one and deletes itself with the last; the file is closed then. Made with `new`.
 class QUON_API QuonFileStream final : public IStream
 {
 public:
@@ -26,8 +26,8 @@ public:
     /// @return the new count; with 0 the file is closed and this object gone
     ULONG STDMETHODCALLTYPE Release() override;
 
-    /// Reads at most `count` bytes. @return `S_OK`; `S_FALSE` when there was nothing more; `E_FAIL` when the read failed
-    /// or the stream was opened for writing
+    /// Reads at most `count` bytes. @return `S_OK`; `S_FALSE` when there was nothing more; `E_FAIL` when the read
+    /// failed or the stream was opened for writing
     HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG count, ULONG* read) override;
     /// Writes `count` bytes. @return `S_OK`; `E_FAIL` when the write failed or the stream was not opened for writing
     HRESULT STDMETHODCALLTYPE Write(const void* buffer, ULONG count, ULONG* written) override;

@@ -31,41 +31,43 @@ public:
 
     /// Stores the arguments and loads.
     HRESULT Load(const CString& fileName, bool bAsync, bool bStream, bool bFileStream);
-    /// Loads the stored file name as the flags say: `LoadSync`, `LoadAsync` with `m_bAsync`. An empty name does nothing.
-    /// With `m_bStream` and `m_bFileStream` the file is opened *for writing*, which empties it, and nothing is loaded: the
-    /// result is then 1. Only when it cannot be opened is the stream given to the parser. With `m_bStream` alone this is
-    /// `LoadFromUrl`.
+    /// Loads the stored file name as the flags say: `LoadSync`, `LoadAsync` with `m_bAsync`. An empty name does
+    /// nothing. With `m_bStream` and `m_bFileStream` the file is opened *for writing*, which empties it, and nothing is
+    /// loaded: the result is then 1. Only when it cannot be opened is the stream given to the parser. With `m_bStream`
+    /// alone this is `LoadFromUrl`.
     HRESULT Load();
     /// Saves the document; an empty name does nothing and gives 0.
     HRESULT Save(const CString& fileName);
 
-    /// Loads and waits. @return the result of `CheckParseError`; 0 without any report when the parser cannot load the file
+    /// Loads and waits. @return the result of `CheckParseError`; 0 without any report when the parser cannot load the
+    /// file
     HRESULT LoadSync(const MSXML2::IXMLDOMDocumentPtr& document, const wchar_t* fileName);
     /// Lets the parser load in the background and waits with `WaitUntilLoaded`. @return as `LoadSync`
     HRESULT LoadAsync(const MSXML2::IXMLDOMDocumentPtr& document, const wchar_t* fileName);
-    /// @return the parser's result when it fails, otherwise that of `CheckParseError`; 0 for a document that does not load
-    /// from streams
+    /// @return the parser's result when it fails, otherwise that of `CheckParseError`; 0 for a document that does not
+    /// load from streams
     HRESULT LoadFromStream(const MSXML2::IXMLDOMDocumentPtr& document, IStream* stream);
     /// Loads nothing yet. @return `E_FAIL`
     HRESULT LoadFromUrl(const wchar_t* fileName);
     /// @return the parser's success code
     HRESULT SaveDocument(const MSXML2::IXMLDOMDocumentPtr& document, const wchar_t* fileName);
 
-    /// Dispatches the messages of this thread until the document is complete, and then those left in its queue. There is
-    /// no time limit. `WM_QUIT` is swallowed.
+    /// Dispatches the messages of this thread until the document is complete, and then those left in its queue. There
+    /// is no time limit. `WM_QUIT` is swallowed.
     void WaitUntilLoaded(const MSXML2::IXMLDOMDocumentPtr& document);
     /// @return 0, or the parser's error code after `ReportParseError`
     HRESULT CheckParseError(const MSXML2::IXMLDOMDocumentPtr& document);
     /// Shows a message box with the parser's reason as caption; the text tells where, and is empty without a line.
     void ReportParseError(const MSXML2::IXMLDOMParseErrorPtr& error);
 
-    /// Saves into a new buffer that the caller frees with array `delete`. @return `E_OUTOFMEMORY` when there is none; the
-    /// result of the step that failed, and then the out values may be unchanged
+    /// Saves into a new buffer that the caller frees with array `delete`. @return `E_OUTOFMEMORY` when there is none;
+    /// the result of the step that failed, and then the out values may be unchanged
     HRESULT SaveToMemory(const MSXML2::IXMLDOMDocumentPtr& document, unsigned char*& buffer, unsigned long& size);
     /// @return the parser's result; parse errors are not reported
     HRESULT LoadFromMemory(const MSXML2::IXMLDOMDocumentPtr& document, const unsigned char* buffer, unsigned long size);
 
-    /// Calls `visitor` for every node of the document, the document node first: a node, its attributes, then its children.
+    /// Calls `visitor` for every node of the document, the document node first: a node, its attributes, then its
+    /// children.
     /// @return false when the visitor stopped the walk
     bool WalkTree(QuonXmlVisitor visitor, __int64 user);
     /// As `WalkTree`, from `node` on. An empty node gives true. `depth` counts the levels; the visitor does not get it.

@@ -121,7 +121,8 @@ IXMLDOMNodePtr AppendRoot(const IXMLDOMDocumentPtr& document, const CStringArray
     return root;
 }
 
-// The texts that LoadXmlFile and SaveXmlFile throw are dropped on purpose: the status stays what it was before the call.
+// The texts that LoadXmlFile and SaveXmlFile throw are dropped on purpose: the status stays what it was before the
+// call.
 
 void LoadInstead(const IXMLDOMDocumentPtr& document, const CString& fileName, CString& status)
 {

@@ -1,9 +1,9 @@
 /// @file
 /// Documents as a whole: new LandXML documents, and documents loaded from and written to files.
 ///
-/// `LoadXmlFile`, `SaveXmlFile` and `WriteXmlFile` work with a status text that becomes "OK" on success and throw it as a
-/// `CString` otherwise. Nothing is shown on screen. In the other functions a failed DOM call is raised as `_com_error`,
-/// an empty document as `E_POINTER`.
+/// `LoadXmlFile`, `SaveXmlFile` and `WriteXmlFile` work with a status text that becomes "OK" on success and throw it as
+/// a `CString` otherwise. Nothing is shown on screen. In the other functions a failed DOM call is raised as
+/// `_com_error`, an empty document as `E_POINTER`.
 #pragma once
 
 #include <afx.h>
@@ -17,8 +17,8 @@
 QUON_API MSXML2::IXMLDOMNodePtr AppendNewElement(const MSXML2::IXMLDOMDocumentPtr& document,
                                                  const MSXML2::IXMLDOMNodePtr& parent, const CString& name);
 
-/// Writes the root element of a LandXML 1.0 document with its eight header attributes; date and time are the local ones.
-/// The document has no XML declaration then: `WriteXmlFile` adds one.
+/// Writes the root element of a LandXML 1.0 document with its eight header attributes; date and time are the local
+/// ones. The document has no XML declaration then: `WriteXmlFile` adds one.
 QUON_API void CreateLandXmlDocument(const MSXML2::IXMLDOMDocumentPtr& document);
 
 /// @return the root element of a LandXML document, empty for any other

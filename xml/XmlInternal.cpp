@@ -26,7 +26,8 @@ CString TextOfVariant(const VARIANT& value)
     }
     // The source is not changed; some headers declare it as if it were.
     _variant_t text;
-    return SUCCEEDED(::VariantChangeType(&text, const_cast<VARIANT*>(&value), 0, VT_BSTR)) ? CString(text.bstrVal) : CString();
+    return SUCCEEDED(::VariantChangeType(&text, const_cast<VARIANT*>(&value), 0, VT_BSTR)) ? CString(text.bstrVal)
+                                                                                           : CString();
 }
 
 }  // namespace xml_internal

@@ -104,23 +104,34 @@ CStringArray* ReadValuePath(const IXMLDOMDocumentPtr& document, const CString& c
 
 auto RootByName(const CString& name)
 {
-    return [&name](const IXMLDOMNodeListPtr& nodes) { return FindFirstNodeByName(nodes, name, true); };
+    return [&name](const IXMLDOMNodeListPtr& nodes)
+    {
+        return FindFirstNodeByName(nodes, name, true);
+    };
 }
 
 auto RootByText(const CString& name, const CString& text)
 {
-    return [&name, &text](const IXMLDOMNodeListPtr& nodes) { return FindNodeByNameAndText(nodes, name, text, true); };
+    return [&name, &text](const IXMLDOMNodeListPtr& nodes)
+    {
+        return FindNodeByNameAndText(nodes, name, text, true);
+    };
 }
 
 auto RootByAttribute(const CString& name, const CString& attribute, const CString& value)
 {
     return [&name, &attribute, &value](const IXMLDOMNodeListPtr& nodes)
-    { return FirstNodeWithAttribute(nodes, name, attribute, value); };
+    {
+        return FirstNodeWithAttribute(nodes, name, attribute, value);
+    };
 }
 
 auto ValuesOf(const CString& attribute)
 {
-    return [&attribute](const QuonNodeArray* nodes) { return GetAttributeValuesOfNodes(nodes, attribute); };
+    return [&attribute](const QuonNodeArray* nodes)
+    {
+        return GetAttributeValuesOfNodes(nodes, attribute);
+    };
 }
 
 }  // namespace

@@ -136,8 +136,8 @@ void CollectByAttributes(IXMLDOMNodeList* nodes, const wchar_t* name, const std:
                 });
 }
 
-// Appends what `growing` lacks. `readKey(node, key)` says what makes two nodes the same and returns false for a node that is
-// to be skipped. Every node is read once.
+// Appends what `growing` lacks. `readKey(node, key)` says what makes two nodes the same and returns false for a node
+// that is to be skipped. Every node is read once.
 template <typename ReadKey>
 void AppendMissing(QuonNodeArray& growing, const QuonNodeArray& toAdd, const ReadKey& readKey)
 {

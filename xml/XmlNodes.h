@@ -1,8 +1,8 @@
 /// @file
 /// Finds, collects, reads and edits nodes of an XML tree.
 ///
-/// Failures: each function works with a status text and throws it as a `CString` when it is not "OK" at the end; the text
-/// names the step that failed ("pDoc is NULL!"). Nothing is shown on screen. Failed DOM calls reach the caller as
+/// Failures: each function works with a status text and throws it as a `CString` when it is not "OK" at the end; the
+/// text names the step that failed ("pDoc is NULL!"). Nothing is shown on screen. Failed DOM calls reach the caller as
 /// `_com_error` where no text is named for them.
 ///
 /// Arrays: a returned array is new and belongs to the caller, who gives up a node array by `ReleaseNodeArray` and then
@@ -30,8 +30,8 @@ QUON_API void ReleaseNodeArray(QuonNodeArray* nodes);
 /// they become status texts.
 QUON_API MSXML2::IXMLDOMNodeListPtr GetDocumentChildNodes(const MSXML2::IXMLDOMDocumentPtr& document);
 
-/// The first node of the list with the name; with `recursive` the children of each node that does not match are searched,
-/// depth first, before the next one. @return empty when there is none
+/// The first node of the list with the name; with `recursive` the children of each node that does not match are
+/// searched, depth first, before the next one. @return empty when there is none
 QUON_API MSXML2::IXMLDOMNodePtr FindFirstNodeByName(const MSXML2::IXMLDOMNodeListPtr& nodes, const CString& name,
                                                     bool recursive);
 
@@ -54,9 +54,9 @@ QUON_API void CollectNodesWithAttributes(QuonNodeArray& result, const MSXML2::IX
                                          const CString& name, const CString& attribute, const CString& value,
                                          bool recursive);
 
-/// As above for several attributes: `pairs` holds name, value, name, value, ... Pairs with an empty name do not count; all
-/// others must match. Without any pair that counts every node with the name is collected. A last name without a value
-/// is no pair.
+/// As above for several attributes: `pairs` holds name, value, name, value, ... Pairs with an empty name do not count;
+/// all others must match. Without any pair that counts every node with the name is collected. A last name without a
+/// value is no pair.
 QUON_API void CollectNodesWithAttributes(QuonNodeArray& result, const MSXML2::IXMLDOMNodeListPtr& nodes,
                                          const CString& name, const CStringArray& pairs, bool recursive);
 
@@ -87,7 +87,8 @@ QUON_API CString GetAttributeValue(const MSXML2::IXMLDOMNodePtr& node, const CSt
 /// failures with their own status texts.
 QUON_API CString GetAttributeValueByName(const MSXML2::IXMLDOMNodePtr& node, const CString& attribute);
 
-/// Replaces `names` and `values` by those of all attributes of the node. After a failure they hold what was read before.
+/// Replaces `names` and `values` by those of all attributes of the node. After a failure they hold what was read
+/// before.
 QUON_API void GetAllAttributes(const MSXML2::IXMLDOMNodePtr& node, CStringArray& names, CStringArray& values);
 
 // Values by path: find a root node anywhere in the document, take the nodes called `childName` anywhere below it, and
@@ -110,9 +111,8 @@ QUON_API CStringArray* GetValuesOfAttributeByRootAttribute(const MSXML2::IXMLDOM
 QUON_API CStringArray* GetTextsOfChildren(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
                                           const CString& childName);
 /// The root is the first node called `rootName` whose text is `rootText`.
-QUON_API CStringArray* GetTextsOfChildrenByRootText(const MSXML2::IXMLDOMDocumentPtr& document,
-                                                    const CString& rootName, const CString& childName,
-                                                    const CString& rootText);
+QUON_API CStringArray* GetTextsOfChildrenByRootText(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
+                                                    const CString& childName, const CString& rootText);
 /// The root is the first node called `rootName` with the attribute `rootAttribute` of value `rootValue`.
 QUON_API CStringArray* GetTextsOfChildrenByRootAttribute(const MSXML2::IXMLDOMDocumentPtr& document,
                                                          const CString& rootName, const CString& childName,
@@ -136,8 +136,8 @@ QUON_API void AppendNodeOfType(MSXML2::IXMLDOMNodePtr& result, const MSXML2::IXM
 /// Creates an element and appends it to `root`. @return the appended element
 QUON_API MSXML2::IXMLDOMNodePtr AppendNewElementToRoot(const MSXML2::IXMLDOMDocumentPtr& document,
                                                        const MSXML2::IXMLDOMNodePtr& root, const CString& name);
-/// Appends a text node to the first node called `rootName`, anywhere in the document, whose attribute `attribute` has the
-/// value `value`. @return the new node
+/// Appends a text node to the first node called `rootName`, anywhere in the document, whose attribute `attribute` has
+/// the value `value`. @return the new node
 QUON_API MSXML2::IXMLDOMNodePtr AppendTextNode(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
                                                const CString& attribute, const CString& value, const CString& text);
 

@@ -13,8 +13,8 @@ using xml_internal::ToBstr;
 // -1 until asked, then 1 or 0. Without a lock: a race repeats the same answer.
 int g_nWindowsXPOrLater = -1;
 
-// The typed value of what `query` finds, converted to `type`. Nothing found, and a conversion that succeeds without giving
-// the type, leave another type in it.
+// The typed value of what `query` finds, converted to `type`. Nothing found, and a conversion that succeeds without
+// giving the type, leave another type in it.
 _variant_t ReadValue(IXMLDOMNode* node, const CString& query, VARTYPE type)
 {
     const IXMLDOMNodePtr found = SelectSingleNode(node, ToBstr(query));
@@ -185,8 +185,7 @@ bool IsWindowsXPOrLater()
 #pragma warning(suppress : 4996 28159)  // Deprecated, and what is asked for: the version that the system shows us.
 #endif
         ::GetVersionExW(&version);
-        const bool later =
-            version.dwMajorVersion > 5 || (version.dwMajorVersion == 5 && version.dwMinorVersion > 0);
+        const bool later = version.dwMajorVersion > 5 || (version.dwMajorVersion == 5 && version.dwMinorVersion > 0);
         g_nWindowsXPOrLater = later ? 1 : 0;
     }
     return g_nWindowsXPOrLater == 1;

@@ -2,8 +2,8 @@
 /// Typed values in an XML tree: a getter and a setter for each type.
 ///
 /// A getter hands `query` to the node's `selectSingleNode` unchanged ("Station/Name", "@name") and converts the typed
-/// value of what it finds. Nothing found gives the type's zero. An empty node raises `E_POINTER`; a failed DOM call or a
-/// text that does not convert raises its result; all as `_com_error`.
+/// value of what it finds. Nothing found gives the type's zero. An empty node raises `E_POINTER`; a failed DOM call or
+/// a text that does not convert raises its result; all as `_com_error`.
 ///
 /// A setter writes the attribute `name` of `node`; the parser makes the text. A node that is no element is left alone
 /// without a report. A failed DOM call is raised as `_com_error`.
@@ -19,7 +19,8 @@ QUON_API CString GetXmlString(const MSXML2::IXMLDOMNodePtr& node, const CString&
 QUON_API bool GetXmlBool(const MSXML2::IXMLDOMNodePtr& node, const CString& query);
 QUON_API short GetXmlShort(const MSXML2::IXMLDOMNodePtr& node, const CString& query);
 QUON_API long GetXmlLong(const MSXML2::IXMLDOMNodePtr& node, const CString& query);
-/// Before Windows XP, whose predecessors know no 64-bit variant, the text is read with "%I64d" instead: no number gives 0.
+/// Before Windows XP, whose predecessors know no 64-bit variant, the text is read with "%I64d" instead: no number gives
+/// 0.
 QUON_API __int64 GetXmlInt64(const MSXML2::IXMLDOMNodePtr& node, const CString& query);
 QUON_API unsigned long GetXmlULong(const MSXML2::IXMLDOMNodePtr& node, const CString& query);
 /// Reads the text with "." as decimal and "," as thousands separator, whatever the user's are: while it runs they are

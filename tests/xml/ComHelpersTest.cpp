@@ -212,8 +212,7 @@ TEST(Msxml2, WrappersRaiseWithTheObjectsOwnDescription)
         {
             EXPECT_EQ(error.Error(), E_ACCESSDENIED);
             const _bstr_t description = error.Description();
-            EXPECT_EQ(description.length() == 0 ? L"" : std::wstring(description),
-                      supports ? L"no length today" : L"");
+            EXPECT_EQ(description.length() == 0 ? L"" : std::wstring(description), supports ? L"no length today" : L"");
         }
         EXPECT_EQ(list.references, 1);
         ::SetErrorInfo(0, nullptr);

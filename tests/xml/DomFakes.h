@@ -18,7 +18,10 @@ using Action = std::function<HRESULT()>;
 
 inline Action Returns(HRESULT result)
 {
-    return [result] { return result; };
+    return [result]
+    {
+        return result;
+    };
 }
 
 /// Counts the calls of a fake by method and replaces chosen ones.
@@ -26,7 +29,10 @@ class CallPlan
 {
 public:
     /// From the call number `from` on (1 is the first) `method` does `action` instead of its work.
-    void Replace(const std::string& method, Action action, int from = 1) { m_rules[method] = {from, std::move(action)}; }
+    void Replace(const std::string& method, Action action, int from = 1)
+    {
+        m_rules[method] = {from, std::move(action)};
+    }
     int Count(const std::string& method) const
     {
         const auto found = m_counts.find(method);
@@ -214,9 +220,9 @@ public:
 };
 
 // One method that forwards: FORWARD(get_text, (BSTR* text), (text))
-#define FORWARD(method, parameters, arguments)                                    \
-    HRESULT STDMETHODCALLTYPE method parameters override                          \
-    {                                                                             \
+#define FORWARD(method, parameters, arguments)                                     \
+    HRESULT STDMETHODCALLTYPE method parameters override                           \
+    {                                                                              \
         return this->plan.Run(#method, [&] { return m_inner->method arguments; }); \
     }
 
@@ -232,21 +238,15 @@ public:
 
     HRESULT STDMETHODCALLTYPE get_childNodes(IXMLDOMNodeList** out) override
     {
-        return this->plan.Run("get_childNodes",
-                              [&]
-                              {
-                                  return children != nullptr ? (Give(children, out), S_OK)
-                                                             : m_inner->get_childNodes(out);
-                              });
+        return this->plan.Run(
+            "get_childNodes",
+            [&] { return children != nullptr ? (Give(children, out), S_OK) : m_inner->get_childNodes(out); });
     }
     HRESULT STDMETHODCALLTYPE get_attributes(IXMLDOMNamedNodeMap** out) override
     {
-        return this->plan.Run("get_attributes",
-                              [&]
-                              {
-                                  return attributes != nullptr ? (Give(attributes, out), S_OK)
-                                                               : m_inner->get_attributes(out);
-                              });
+        return this->plan.Run(
+            "get_attributes",
+            [&] { return attributes != nullptr ? (Give(attributes, out), S_OK) : m_inner->get_attributes(out); });
     }
     FORWARD(get_nodeName, (BSTR * out), (out))
     FORWARD(get_nodeValue, (VARIANT * out), (out))

@@ -30,8 +30,7 @@ TEST_F(XmlNodesEdit, AppendsNodesOfEachKindAndReturnsThem)
     EXPECT_STREQ(GetNodeName(qualified), L"q:n");
     const IXMLDOMNodePtr last = AppendNewElementToRoot(document, root, L"last");
     EXPECT_STREQ(GetNodeName(last), L"last");
-    EXPECT_EQ(Xml(document),
-              L"<r><e>a&lt;b</e><![CDATA[x<y]]><!--c--><q:n xmlns:q=\"urn:q\"/><last/></r>");
+    EXPECT_EQ(Xml(document), L"<r><e>a&lt;b</e><![CDATA[x<y]]><!--c--><q:n xmlns:q=\"urn:q\"/><last/></r>");
 }
 
 TEST_F(XmlNodesEdit, TheRootMayBeTheResult)

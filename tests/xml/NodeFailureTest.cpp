@@ -79,44 +79,196 @@ TEST_F(XmlNodesFailure, NullArgumentsAreNamedInOrder)
     QuonNodeArray* const noArray = nullptr;
     CStringArray pairs;
     Check({
-        {L"pDoc is NULL!", [&] { GetDocumentChildNodes(m_noDocument); }},
-        {L"pNodes is NULL!", [&] { FindFirstNodeByName(m_noList, L"r", true); }},
-        {L"pNodes is NULL!", [&] { FindNodesByName(m_noList, L"r", true); }},
-        {L"pNodes is NULL!", [&] { FindNodeByNameAndText(m_noList, L"r", L"t", true); }},
-        {L"pDoc is NULL!", [&] { GetChildNodesOfRoot(m_noDocument, L"r", L"p"); }},
-        {L"pTargetRootNode is NULL!", [&] { GetChildNodesOfRoot(m_document, L"none", L"p"); }},
-        {L"pNodes is NULL!", [&] { CollectNodesWithAttributes(m_array, m_noList, L"p", L"k", L"v", true); }},
-        {L"pNodes is NULL!", [&] { CollectNodesWithAttributes(m_array, m_noList, L"p", pairs, true); }},
-        {L"pDesiredChildNodes is NULL!", [&] { GetTextsOfNodes(nullptr); }},
-        {L"DesiredChildNodesLen = 0!", [&] { GetTextsOfNodes(&m_array); }},
-        {L"pNodes is NULL!", [&] { GetAttributeValuesOfNodes(nullptr, L"k"); }},
-        {L"DesiredChildNodesLen = 0!", [&] { GetAttributeValuesOfNodes(&m_array, L"k"); }},
-        {L"pNode is NULL!", [&] { GetAttributeValue(m_noNode, L"k"); }},
-        {L"pNode is NULL!", [&] { GetNodeNames(m_noNode, true); }},
-        {L"pNode is NULL!", [&] { GetAllAttributes(m_noNode, m_names, m_values); }},
-        {L"pGrowingNodes is NULL!", [&] { AddNodes(nullptr, noArray); }},
-        {L"pGrowingNodes is NULL!", [&] { AddNodes(nullptr, &m_array); }},
-        {L"pNodesToAdd is NULL!", [&] { AddNodes(&m_array, noArray); }},
-        {L"AttributeName is empty!", [&] { AddNodesByAttribute(nullptr, noArray, L""); }},
-        {L"pGrowingNodes is NULL!", [&] { AddNodesByAttribute(nullptr, noArray, L"k"); }},
-        {L"pNodesToAdd is NULL!", [&] { AddNodesByAttribute(&m_array, noArray, L"k"); }},
-        {L"pAttributes is NULL!", [&] { GetAllAttributes(m_text, m_names, m_values); }},
-        {L"get_Attributes failed!", [&] { GetAttributeValueByName(m_text, L""); }},
-        {L"DesiredAttributeName is empty!", [&] { GetAttributeValueByName(m_root, L""); }},
-        {L"pDoc is NULL!", [&] { AppendTextNode(m_noDocument, L"r", L"k", L"v", L"t"); }},
-        {L"pTargetRootNode is NULL!", [&] { AppendTextNode(m_document, L"r", L"k", L"other", L"t"); }},
-        {L"pRootNode is NULL!", [&] { AppendNewElementToRoot(m_noDocument, m_noNode, L"e"); }},
-        {L"pDoc is NULL!", [&] { AppendNewElementToRoot(m_noDocument, m_root, L"e"); }},
-        {L"pDoc is NULL!", [&] { AppendNodeOfType(m_result, m_noDocument, m_noNode, NODE_ELEMENT, L"e", L""); }},
-        {L"pRootNode is NULL!", [&] { AppendNodeOfType(m_result, m_document, m_noNode, NODE_ELEMENT, L"e", L""); }},
-        {L"pRootElement is NULL!", [&] { AppendNodeOfType(m_result, m_document, m_text, NODE_ELEMENT, L"e", L""); }},
-        {L"pDoc is NULL!", [&] { SetAttributeOnNode(m_noDocument, m_noNode, L"a", L"1"); }},
-        {L"pRootNode is NULL!", [&] { SetAttributeOnNode(m_document, m_noNode, L"a", L"1"); }},
-        {L"pRootNode is NULL!", [&] { SetAttributeOnNode(m_document, m_text, L"a", L"1"); }},
-        {L"pDoc is NULL!", [&] { SetAttributesOnNode(m_noDocument, m_noNode, m_names, m_values); }},
-        {L"pRootNode is NULL!", [&] { SetAttributesOnNode(m_document, m_noNode, m_names, m_values); }},
-        {L"pRootNode is NULL!", [&] { SetAttributesOnNode(m_document, m_text, m_names, m_values); }},
-        {L"pRootNode is NULL!", [&] { SetAttributesViaOwnerDocument(m_noNode, m_names, m_values); }},
+        {L"pDoc is NULL!",
+         [&]
+         {
+             GetDocumentChildNodes(m_noDocument);
+         }},
+        {L"pNodes is NULL!",
+         [&]
+         {
+             FindFirstNodeByName(m_noList, L"r", true);
+         }},
+        {L"pNodes is NULL!",
+         [&]
+         {
+             FindNodesByName(m_noList, L"r", true);
+         }},
+        {L"pNodes is NULL!",
+         [&]
+         {
+             FindNodeByNameAndText(m_noList, L"r", L"t", true);
+         }},
+        {L"pDoc is NULL!",
+         [&]
+         {
+             GetChildNodesOfRoot(m_noDocument, L"r", L"p");
+         }},
+        {L"pTargetRootNode is NULL!",
+         [&]
+         {
+             GetChildNodesOfRoot(m_document, L"none", L"p");
+         }},
+        {L"pNodes is NULL!",
+         [&]
+         {
+             CollectNodesWithAttributes(m_array, m_noList, L"p", L"k", L"v", true);
+         }},
+        {L"pNodes is NULL!",
+         [&]
+         {
+             CollectNodesWithAttributes(m_array, m_noList, L"p", pairs, true);
+         }},
+        {L"pDesiredChildNodes is NULL!",
+         [&]
+         {
+             GetTextsOfNodes(nullptr);
+         }},
+        {L"DesiredChildNodesLen = 0!",
+         [&]
+         {
+             GetTextsOfNodes(&m_array);
+         }},
+        {L"pNodes is NULL!",
+         [&]
+         {
+             GetAttributeValuesOfNodes(nullptr, L"k");
+         }},
+        {L"DesiredChildNodesLen = 0!",
+         [&]
+         {
+             GetAttributeValuesOfNodes(&m_array, L"k");
+         }},
+        {L"pNode is NULL!",
+         [&]
+         {
+             GetAttributeValue(m_noNode, L"k");
+         }},
+        {L"pNode is NULL!",
+         [&]
+         {
+             GetNodeNames(m_noNode, true);
+         }},
+        {L"pNode is NULL!",
+         [&]
+         {
+             GetAllAttributes(m_noNode, m_names, m_values);
+         }},
+        {L"pGrowingNodes is NULL!",
+         [&]
+         {
+             AddNodes(nullptr, noArray);
+         }},
+        {L"pGrowingNodes is NULL!",
+         [&]
+         {
+             AddNodes(nullptr, &m_array);
+         }},
+        {L"pNodesToAdd is NULL!",
+         [&]
+         {
+             AddNodes(&m_array, noArray);
+         }},
+        {L"AttributeName is empty!",
+         [&]
+         {
+             AddNodesByAttribute(nullptr, noArray, L"");
+         }},
+        {L"pGrowingNodes is NULL!",
+         [&]
+         {
+             AddNodesByAttribute(nullptr, noArray, L"k");
+         }},
+        {L"pNodesToAdd is NULL!",
+         [&]
+         {
+             AddNodesByAttribute(&m_array, noArray, L"k");
+         }},
+        {L"pAttributes is NULL!",
+         [&]
+         {
+             GetAllAttributes(m_text, m_names, m_values);
+         }},
+        {L"get_Attributes failed!",
+         [&]
+         {
+             GetAttributeValueByName(m_text, L"");
+         }},
+        {L"DesiredAttributeName is empty!",
+         [&]
+         {
+             GetAttributeValueByName(m_root, L"");
+         }},
+        {L"pDoc is NULL!",
+         [&]
+         {
+             AppendTextNode(m_noDocument, L"r", L"k", L"v", L"t");
+         }},
+        {L"pTargetRootNode is NULL!",
+         [&]
+         {
+             AppendTextNode(m_document, L"r", L"k", L"other", L"t");
+         }},
+        {L"pRootNode is NULL!",
+         [&]
+         {
+             AppendNewElementToRoot(m_noDocument, m_noNode, L"e");
+         }},
+        {L"pDoc is NULL!",
+         [&]
+         {
+             AppendNewElementToRoot(m_noDocument, m_root, L"e");
+         }},
+        {L"pDoc is NULL!",
+         [&]
+         {
+             AppendNodeOfType(m_result, m_noDocument, m_noNode, NODE_ELEMENT, L"e", L"");
+         }},
+        {L"pRootNode is NULL!",
+         [&]
+         {
+             AppendNodeOfType(m_result, m_document, m_noNode, NODE_ELEMENT, L"e", L"");
+         }},
+        {L"pRootElement is NULL!",
+         [&]
+         {
+             AppendNodeOfType(m_result, m_document, m_text, NODE_ELEMENT, L"e", L"");
+         }},
+        {L"pDoc is NULL!",
+         [&]
+         {
+             SetAttributeOnNode(m_noDocument, m_noNode, L"a", L"1");
+         }},
+        {L"pRootNode is NULL!",
+         [&]
+         {
+             SetAttributeOnNode(m_document, m_noNode, L"a", L"1");
+         }},
+        {L"pRootNode is NULL!",
+         [&]
+         {
+             SetAttributeOnNode(m_document, m_text, L"a", L"1");
+         }},
+        {L"pDoc is NULL!",
+         [&]
+         {
+             SetAttributesOnNode(m_noDocument, m_noNode, m_names, m_values);
+         }},
+        {L"pRootNode is NULL!",
+         [&]
+         {
+             SetAttributesOnNode(m_document, m_noNode, m_names, m_values);
+         }},
+        {L"pRootNode is NULL!",
+         [&]
+         {
+             SetAttributesOnNode(m_document, m_text, m_names, m_values);
+         }},
+        {L"pRootNode is NULL!",
+         [&]
+         {
+             SetAttributesViaOwnerDocument(m_noNode, m_names, m_values);
+         }},
     });
     EXPECT_EQ(ErrorOf([&] { GetAttributeValueByName(m_noNode, L"k"); }), E_POINTER) << "no text names this argument";
     // A document that owns no other one.
@@ -163,10 +315,26 @@ TEST_F(XmlNodesFailure, CreatedNodesThatAreMissing)
     document.plan.Replace("createNode", Returns(S_FALSE));
     document.plan.Replace("createAttribute", Returns(S_FALSE));
     Check({
-        {L"pNewElement is NULL!", [&] { AppendNewElementToRoot(pointer, m_root, L"e"); }},
-        {L"pAppendedNode is NULL!", [&] { AppendNodeOfType(m_result, pointer, m_root, NODE_ELEMENT, L"e", L""); }},
-        {L"pCreatedNode is NULL!", [&] { SetAttributeOnNode(pointer, m_noNode, L"a", L"1"); }},
-        {L"pDesiredAttribute is NULL!", [&] { SetAttributesOnNode(pointer, m_root, m_names, m_values); }},
+        {L"pNewElement is NULL!",
+         [&]
+         {
+             AppendNewElementToRoot(pointer, m_root, L"e");
+         }},
+        {L"pAppendedNode is NULL!",
+         [&]
+         {
+             AppendNodeOfType(m_result, pointer, m_root, NODE_ELEMENT, L"e", L"");
+         }},
+        {L"pCreatedNode is NULL!",
+         [&]
+         {
+             SetAttributeOnNode(pointer, m_noNode, L"a", L"1");
+         }},
+        {L"pDesiredAttribute is NULL!",
+         [&]
+         {
+             SetAttributesOnNode(pointer, m_root, m_names, m_values);
+         }},
     });
 }
 
@@ -174,8 +342,7 @@ TEST_F(XmlNodesFailure, AppendedNodesThatAreMissing)
 {
     ForwardingElement root{IXMLDOMElementPtr(m_root)};
     root.plan.Replace("appendChild", Returns(S_FALSE));
-    EXPECT_EQ(StatusOf([&]
-                       { AppendNodeOfType(m_result, m_document, IXMLDOMNodePtr(&root), NODE_ELEMENT, L"e", L""); }),
+    EXPECT_EQ(StatusOf([&] { AppendNodeOfType(m_result, m_document, IXMLDOMNodePtr(&root), NODE_ELEMENT, L"e", L""); }),
               L"pAppendedNode is NULL!");
     EXPECT_EQ(root.references, 1);
 }
@@ -270,10 +437,26 @@ TEST_F(XmlNodesFailure, ChildrenThatAreMissingInARecursiveSearch)
     list.nodes.emplace_back(&node);
     const IXMLDOMNodeListPtr pointer(&list);
     Check({
-        {L"pNodes is NULL!", [&] { FindFirstNodeByName(pointer, L"none", true); }},
-        {L"pNodes is NULL!", [&] { FindNodesByName(pointer, L"none", true); }},
-        {L"pNodes is NULL!", [&] { FindNodeByNameAndText(pointer, L"none", L"", true); }},
-        {L"pNodes is NULL!", [&] { CollectNodesWithAttributes(m_array, pointer, L"none", L"k", L"v", true); }},
+        {L"pNodes is NULL!",
+         [&]
+         {
+             FindFirstNodeByName(pointer, L"none", true);
+         }},
+        {L"pNodes is NULL!",
+         [&]
+         {
+             FindNodesByName(pointer, L"none", true);
+         }},
+        {L"pNodes is NULL!",
+         [&]
+         {
+             FindNodeByNameAndText(pointer, L"none", L"", true);
+         }},
+        {L"pNodes is NULL!",
+         [&]
+         {
+             CollectNodesWithAttributes(m_array, pointer, L"none", L"k", L"v", true);
+         }},
     });
     EXPECT_EQ(node.references, 2);
 }
@@ -303,7 +486,10 @@ TEST_F(XmlNodesFailure, CollectingByAttributes)
     list.nodes.emplace_back(&first);
     list.nodes.emplace_back(&node);
     const IXMLDOMNodeListPtr pointer(&list);
-    const auto collect = [&] { CollectNodesWithAttributes(m_array, pointer, L"r", L"k", L"v", false); };
+    const auto collect = [&]
+    {
+        CollectNodesWithAttributes(m_array, pointer, L"r", L"k", L"v", false);
+    };
 
     attribute.plan.Replace("get_nodeValue", Returns(E_ACCESSDENIED));
     EXPECT_TRUE(IsResultText(StatusOf(collect), L"", E_ACCESSDENIED));
@@ -321,8 +507,8 @@ TEST_F(XmlNodesFailure, TextsThatCannotBeRead)
     ForwardingAnyNode node(m_root);
     node.plan.Replace("get_text", Returns(E_ACCESSDENIED));
     AddNode(m_array, &node);
-    EXPECT_TRUE(IsResultText(StatusOf([&] { GetTextsOfNodes(&m_array); }),
-                             L"Exception on CurNode->get_nodeValue():\n", E_ACCESSDENIED));
+    EXPECT_TRUE(IsResultText(StatusOf([&] { GetTextsOfNodes(&m_array); }), L"Exception on CurNode->get_nodeValue():\n",
+                             E_ACCESSDENIED));
     node.plan.Replace("get_attributes", Returns(E_ACCESSDENIED));
     EXPECT_EQ(ErrorOf([&] { GetAttributeValuesOfNodes(&m_array, L"k"); }), E_ACCESSDENIED);
     ReleaseNodeArray(&m_array);
@@ -372,9 +558,8 @@ TEST_F(XmlNodesFailure, TextsThatCannotBeWritten)
     list.nodes.emplace_back(&root);
     ForwardingDocument document(m_document);
     document.children = &list;
-    EXPECT_TRUE(IsResultText(
-        StatusOf([&] { AppendTextNode(IXMLDOMDocumentPtr(&document), L"r", L"k", L"v", L"t"); }),
-        L"pNewNode->put_text failed!\n", E_ACCESSDENIED));
+    EXPECT_TRUE(IsResultText(StatusOf([&] { AppendTextNode(IXMLDOMDocumentPtr(&document), L"r", L"k", L"v", L"t"); }),
+                             L"pNewNode->put_text failed!\n", E_ACCESSDENIED));
     EXPECT_EQ(added.references, 1);
 }
 
@@ -382,7 +567,10 @@ TEST_F(XmlNodesFailure, SettingAnAttributeTurnsErrorsIntoTexts)
 {
     ForwardingElement element{IXMLDOMElementPtr(m_root)};
     const IXMLDOMNodePtr pointer(&element);
-    const auto set = [&] { SetAttributeOnNode(m_document, pointer, L"a", L"1"); };
+    const auto set = [&]
+    {
+        SetAttributeOnNode(m_document, pointer, L"a", L"1");
+    };
     element.plan.Replace("setAttribute", Returns(E_ACCESSDENIED));
     EXPECT_EQ(StatusOf(set), L"COM Error:\n");
     element.plan.Replace("setAttribute", []() -> HRESULT { RaiseDescribed(E_FAIL, L"read only"); });

@@ -88,11 +88,9 @@ TEST_F(XmlNodesFind, FindsTheFirstNodeByName)
         const wchar_t* id;
     };
     const Row rows[] = {
-        {L"a", L"b", false, L"2"},        {L"a", L"b", true, L"2"},
-        {L"a", L"B", false, L"6"},        {L"a", L"c", false, L"(none)"},
-        {L"a", L"c", true, L"4"},         {L"a/b/c", L"b", false, L"5"},
-        {L"a", L"missing", true, L"(none)"}, {L"a", L"", true, L"(none)"},
-        {L"a/b/b", L"#text", true, L"(none)"},
+        {L"a", L"b", false, L"2"},           {L"a", L"b", true, L"2"},     {L"a", L"B", false, L"6"},
+        {L"a", L"c", false, L"(none)"},      {L"a", L"c", true, L"4"},     {L"a/b/c", L"b", false, L"5"},
+        {L"a", L"missing", true, L"(none)"}, {L"a", L"", true, L"(none)"}, {L"a/b/b", L"#text", true, L"(none)"},
     };
     for (const Row& row : rows)
     {
@@ -209,9 +207,9 @@ TEST_F(XmlNodesFind, CollectsByOneAttribute)
         const wchar_t* ids;
     };
     const Row rows[] = {
-        {L"p", L"k", L"v", false, L"16"}, {L"p", L"k", L"v", true, L"126"},  {L"p", L"k", L"V", true, L"4"},
-        {L"p", L"K", L"v", true, L""},    {L"q", L"k", L"v", true, L"3"},    {L"q", L"k", L"v", false, L""},
-        {L"p", L"k", L"", true, L""},     {L"p", L"", L"v", true, L""},      {L"P", L"k", L"v", true, L""},
+        {L"p", L"k", L"v", false, L"16"},  {L"p", L"k", L"v", true, L"126"},     {L"p", L"k", L"V", true, L"4"},
+        {L"p", L"K", L"v", true, L""},     {L"q", L"k", L"v", true, L"3"},       {L"q", L"k", L"v", false, L""},
+        {L"p", L"k", L"", true, L""},      {L"p", L"", L"v", true, L""},         {L"P", L"k", L"v", true, L""},
         {L"#text", L"k", L"v", true, L""}, {L"#comment", L"k", L"v", true, L""},
     };
     for (const Row& row : rows)
@@ -271,8 +269,8 @@ TEST_F(XmlNodesFind, CollectingAppends)
 
 TEST_F(XmlNodesFind, AddsNodesOfANewNameOrText)
 {
-    const IXMLDOMDocumentPtr document = Parse(
-        L"<a><p id='1'>x</p><p id='2'>x</p><p id='3'>X</p><q id='4'>x</q><p id='5'>x</p><q id='6'>x</q></a>");
+    const IXMLDOMDocumentPtr document =
+        Parse(L"<a><p id='1'>x</p><p id='2'>x</p><p id='3'>X</p><q id='4'>x</q><p id='5'>x</p><q id='6'>x</q></a>");
     QuonNodeArray toAdd;
     AddChildren(document, toAdd);
     QuonNodeArray growing;

@@ -50,7 +50,9 @@ TEST(QuonFileStream, FieldsFollowTheVirtualTableInOrder)
 {
     const Stream stream;
     const auto offset = [&](const void* field)
-    { return static_cast<const char*>(field) - reinterpret_cast<const char*>(stream.Get()); };
+    {
+        return static_cast<const char*>(field) - reinterpret_cast<const char*>(stream.Get());
+    };
     EXPECT_EQ(offset(&stream->m_hFile), 8);
     EXPECT_EQ(offset(&stream->m_bRead), 16);
     EXPECT_EQ(offset(&stream->m_cRef), 20);
@@ -229,9 +231,9 @@ TEST(QuonFileStream, WriteFailsWhenTheFileDoes)
     const TemporaryFolder folder;
     const Stream stream;
     ASSERT_TRUE(stream->OpenForWrite((folder / L"out").c_str()));
-    const ImportPatch<decltype(&::WriteFile)> patch(
-        L"QuonWin32Utils.dll", "WriteFile",
-        [](HANDLE, LPCVOID, DWORD, LPDWORD, LPOVERLAPPED) WINAPI -> BOOL { return FALSE; });
+    const ImportPatch<decltype(&::WriteFile)> patch(L"QuonWin32Utils.dll", "WriteFile",
+                                                    [](HANDLE, LPCVOID, DWORD, LPDWORD, LPOVERLAPPED) WINAPI -> BOOL
+                                                    { return FALSE; });
     ULONG written = 0;
     EXPECT_EQ(stream->Write("abc", 3, &written), E_FAIL);
 }

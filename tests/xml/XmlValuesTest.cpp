@@ -312,14 +312,14 @@ TEST_F(XmlValues, OnlyASeparatorThatDiffersIsTouched)
                                                                changes.push_back({type, text});
                                                                return ::SetLocaleInfoW(locale, type, text);
                                                            });
-    const ImportPatch<decltype(&::GetLocaleInfoW)> reading(
-        kLibrary, "GetLocaleInfoW",
-        [](LCID locale, LCTYPE type, LPWSTR text, int size) WINAPI -> int
-        {
-            EXPECT_EQ(locale, LCID{LOCALE_USER_DEFAULT});
-            reads.emplace_back(type, size);
-            return ::GetLocaleInfoW(locale, type, text, size);
-        });
+    const ImportPatch<decltype(&::GetLocaleInfoW)> reading(kLibrary, "GetLocaleInfoW",
+                                                           [](LCID locale, LCTYPE type, LPWSTR text, int size)
+                                                               WINAPI -> int
+                                                           {
+                                                               EXPECT_EQ(locale, LCID{LOCALE_USER_DEFAULT});
+                                                               reads.emplace_back(type, size);
+                                                               return ::GetLocaleInfoW(locale, type, text, size);
+                                                           });
     EXPECT_EQ(GetXmlDouble(RootWith(L"2.5"), L"v"), 2.5);
     EXPECT_EQ(reads, (std::vector<std::pair<LCTYPE, int>>{{LOCALE_SDECIMAL, 4}, {LOCALE_STHOUSAND, 4}}));
     EXPECT_EQ(changes, (std::vector<Change>{{LOCALE_SDECIMAL, L"."}, {LOCALE_SDECIMAL, L","}}));
@@ -387,11 +387,11 @@ int CheckOldSystem()
         std::int64_t value;
     };
     int row = 1;
-    for (const Row& expected :
-         {Row{L"9223372036854775807", 9223372036854775807}, Row{L"-5", -5}, Row{L" 12 m", 12}, Row{L"2.5", 2},
-          Row{L"abc", 0}, Row{L"", 0}})
+    for (const Row& expected : {Row{L"9223372036854775807", 9223372036854775807}, Row{L"-5", -5}, Row{L" 12 m", 12},
+                                Row{L"2.5", 2}, Row{L"abc", 0}, Row{L"", 0}})
     {
-        const MSXML2::IXMLDOMDocumentPtr document = Parse((std::wstring(L"<r><v>") + expected.text + L"</v></r>").c_str());
+        const MSXML2::IXMLDOMDocumentPtr document =
+            Parse((std::wstring(L"<r><v>") + expected.text + L"</v></r>").c_str());
         if (GetXmlInt64(Find(document, L"r"), L"v") != expected.value)
         {
             return row;
