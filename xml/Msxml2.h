@@ -6,7 +6,7 @@
 /// A success code other than `S_OK` is no failure: the result is then what the method left, most often empty.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 #include <ole2.h>
 #include <msxml.h>
 

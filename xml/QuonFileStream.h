@@ -2,7 +2,7 @@
 /// A minimal stream over a file.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 #include <objidl.h>
 
 #include "module/Export.h"

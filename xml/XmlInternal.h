@@ -96,6 +96,13 @@ using OwnedStringArray = std::unique_ptr<CStringArray>;
 /// Adds `node` to `nodes` with a reference of the array's own.
 inline void AddWithReference(QuonNodeArray& nodes, MSXML2::IXMLDOMNode* node)
 {
+    // Left alone the array grows by 1024 entries at most and copies itself ever more often. It is told to double
+    // instead.
+    const INT_PTR size = nodes.GetSize();
+    if (size >= 1024 && (size & (size - 1)) == 0)
+    {
+        nodes.SetSize(size, size);
+    }
     nodes.Add(node);
     if (node != nullptr)
     {

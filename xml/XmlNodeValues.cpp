@@ -152,6 +152,7 @@ CStringArray* GetTextsOfNodes(const QuonNodeArray* nodes)
     Require(nodes != nullptr, L"pDesiredChildNodes is NULL!");
     Require(nodes->GetSize() != 0, L"DesiredChildNodesLen = 0!");
     OwnedStringArray texts = std::make_unique<CStringArray>();
+    texts->SetSize(0, nodes->GetSize());  // one allocation for all
     for (INT_PTR i = 0; i < nodes->GetSize(); ++i)
     {
         IXMLDOMNode* const node = nodes->GetAt(i);
@@ -175,6 +176,7 @@ CStringArray* GetAttributeValuesOfNodes(const QuonNodeArray* nodes, const CStrin
     Require(nodes != nullptr, L"pNodes is NULL!");
     Require(nodes->GetSize() != 0, L"DesiredChildNodesLen = 0!");
     OwnedStringArray values = std::make_unique<CStringArray>();
+    values->SetSize(0, nodes->GetSize());
     const _bstr_t name = ToBstr(attribute);
     for (INT_PTR i = 0; i < nodes->GetSize(); ++i)
     {
