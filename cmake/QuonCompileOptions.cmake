@@ -3,7 +3,13 @@ add_library(quon_compile_options INTERFACE)
 target_compile_definitions(quon_compile_options INTERFACE
   UNICODE _UNICODE WINVER=0x0A00 _WIN32_WINNT=0x0A00 NOMINMAX)
 
+# The library's own targets, an extension module of the framework, add this to the options of all.
+add_library(quon_library_options INTERFACE)
+target_link_libraries(quon_library_options INTERFACE quon_compile_options)
+target_compile_definitions(quon_library_options INTERFACE QUON_BUILDING_LIBRARY)
+
 if(MSVC)
+  target_compile_definitions(quon_library_options INTERFACE _AFXEXT)
   target_compile_options(quon_compile_options INTERFACE
     /W4 /permissive- /Zc:__cplusplus /utf-8 /fp:precise $<$<BOOL:${QUON_WARNINGS_AS_ERRORS}>:/WX>)
 else()
@@ -11,6 +17,8 @@ else()
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow
     # Results are bit-exact with a plain evaluation: no fused multiply-add.
     -ffp-contract=off
+    # Line tables are enough for a back trace, and link much faster than all of the debug information.
+    $<$<CONFIG:Debug>:-g1>
     $<$<BOOL:${QUON_WARNINGS_AS_ERRORS}>:-Werror>)
   target_compile_definitions(quon_compile_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
   # The compiler's run-time is linked in, so that a program needs no DLL beside ours.

@@ -16,8 +16,8 @@ std::string ToUtf8(std::wstring_view text)
 {
     const int length = static_cast<int>(text.size());
     std::string result;
-    result.resize(static_cast<size_t>(
-        ::WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)));
+    result.resize(
+        static_cast<size_t>(::WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)));
     ::WideCharToMultiByte(CP_UTF8, 0, text.data(), length, result.data(), static_cast<int>(result.size()), nullptr,
                           nullptr);
     return result;

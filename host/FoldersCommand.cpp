@@ -15,10 +15,14 @@ struct NamedFolder
 };
 
 constexpr NamedFolder kFolders[] = {
-    {QuonFolderModuleFile, L"program"}, {QuonFolderModuleFolder, L"program folder"},
-    {QuonFolderWindows, L"windows"},    {QuonFolderSystem, L"system"},
-    {QuonFolderTemp, L"temporary"},     {QuonFolderCurrent, L"current"},
-    {QuonFolderDesktop, L"desktop"},    {QuonFolderFavorites, L"favorites"},
+    {QuonFolderModuleFile, L"program"},
+    {QuonFolderModuleFolder, L"program folder"},
+    {QuonFolderWindows, L"windows"},
+    {QuonFolderSystem, L"system"},
+    {QuonFolderTemp, L"temporary"},
+    {QuonFolderCurrent, L"current"},
+    {QuonFolderDesktop, L"desktop"},
+    {QuonFolderFavorites, L"favorites"},
     {QuonFolderTempFileName, L"temporary file"},
 };
 

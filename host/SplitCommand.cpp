@@ -44,12 +44,14 @@ void PrintParts(const SplitOptions& options)
         PrintNamed(L"component", component);
     }
 
-    if (!options.base.empty())
-    {
-        PrintNamed(L"relative", path.MakeRelativeTo(QuonPath(ToWide(options.base), flags)));
-    }
     path.Normalize();
     PrintNamed(L"normal", path);
+    if (!options.base.empty())
+    {
+        // The shell, which finds the relative path, knows backslashes only.
+        QuonPath target(path, QuonPathBackslash | QuonPathNormalize);
+        PrintNamed(L"relative", target.MakeRelativeTo(QuonPath(ToWide(options.base), QuonPathNormalize)));
+    }
 }
 
 }  // namespace
@@ -59,8 +61,9 @@ void AddSplitCommand(CLI::App& app)
     auto options = std::make_shared<SplitOptions>();
     CLI::App* command = app.add_subcommand("split", "Print the parts, components and normal form of a path");
     command->add_option("path", options->path, "The path; it need not exist")->required();
-    command->add_option("--relative-to", options->base,
-                        "Also print the path relative to the folder of this one (end it in a separator to name a folder)");
+    command->add_option(
+        "--relative-to", options->base,
+        "Also print the path relative to the folder of this one (end it in a separator to name a folder)");
     command->add_flag("--slashes", options->slashes, "Write forward slashes");
     command->callback([options] { PrintParts(*options); });
 }

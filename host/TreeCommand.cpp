@@ -111,13 +111,15 @@ void AddTreeCommand(CLI::App& app)
     command->add_option("folder", options->folder, "Where to start")->required();
     command->add_flag("--files", options->files, "Print files instead of folders");
     command->add_flag("--depth-first", options->depthFirst, "Deepest first, a folder after all that is in it");
-    command->add_option("--pattern", options->pattern,
-                        "Wildcards for file names; for folders it restricts the first level, depth-first every level")
+    command
+        ->add_option("--pattern", options->pattern,
+                     "Wildcards for file names; for folders it restricts the first level, depth-first every level")
         ->capture_default_str();
     command
-        ->add_option("--filter", options->filter,
-                     "With --files, two bits for each attribute, 1 set, 2 clear: archive 0-1, compressed 2-3, directory "
-                     "4-5, hidden 6-7, normal 8-9, read-only 10-11, system 12-13, temporary 14-15")
+        ->add_option(
+            "--filter", options->filter,
+            "With --files, two bits for each attribute, 1 set, 2 clear: archive 0-1, compressed 2-3, directory "
+            "4-5, hidden 6-7, normal 8-9, read-only 10-11, system 12-13, temporary 14-15")
         ->capture_default_str();
     command->add_flag("--totals", options->totalsOnly, "Print only how much there is");
     command->callback([options] { PrintTree(*options); });

@@ -45,9 +45,17 @@ int Run(int count, wchar_t** arguments)
         quonhost::PrintError(std::string(error.what()) + " (see --help)");
         return quonhost::kUsage;
     }
-    catch (const quonhost::CommandError& error)
+    catch (const std::exception& error)
     {
         quonhost::PrintError(error.what());
+        return quonhost::kFailed;
+    }
+    catch (CException* error)
+    {
+        wchar_t text[256] = {};
+        error->GetErrorMessage(text, 256);
+        error->Delete();
+        quonhost::PrintError(quonhost::ToUtf8(text));
         return quonhost::kFailed;
     }
     return quonhost::kSuccess;

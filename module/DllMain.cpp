@@ -9,8 +9,8 @@ namespace
 
 AFX_EXTENSION_MODULE extensionModule;
 
-// The library's own instance is initialised under the library's own module state, so that the host's keeps what the host
-// put there.
+// The library's own instance is initialised under the library's own module state, so that the host's keeps what the
+// host put there.
 bool InitialiseFramework(HINSTANCE instance)
 {
     AFX_MANAGE_STATE(&QuonModuleState());

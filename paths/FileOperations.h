@@ -13,8 +13,8 @@
 /// Creates the folder `path` with all its missing parents; the last component is a folder too. What exists already is
 /// no error, a file of that name included. After a failure the components below it are still tried.
 ///
-/// The path is taken apart and put together again, so "\a\b" means "a\b" below the current folder, and "C:a" means
-/// "C:\a".
+/// The path is taken apart and put together again, so `\a\b` means `a\b` below the current folder, and "C:a" means
+/// `C:\a`.
 /// @return 0 when every missing folder was created, otherwise 1
 QUON_API unsigned int CreateFolderTree(const wchar_t* path);
 

@@ -36,11 +36,6 @@ private:
     wchar_t* m_data;
 };
 
-wchar_t* CopyTo(wchar_t* out, std::wstring_view text)
-{
-    return std::copy(text.begin(), text.end(), out);
-}
-
 }  // namespace
 
 std::wstring_view View(const CString& text)
@@ -70,8 +65,16 @@ void NormalizeString(CString& text, wchar_t separator)
         return;
     }
     const auto length = static_cast<std::size_t>(text.GetLength());
-    wchar_t* const buffer = text.GetBuffer(ToInt(length + 1));
-    text.ReleaseBuffer(ToInt(Normalize({buffer, length}, separator, buffer)));
+    try
+    {
+        wchar_t* const buffer = text.GetBuffer(ToInt(length + 1));
+        text.ReleaseBuffer(ToInt(Normalize({buffer, length}, separator, buffer)));
+    }
+    catch (CMemoryException* exception)
+    {
+        // A path that cannot be rewritten for want of memory still names the same file: it is left as it is.
+        exception->Delete();
+    }
 }
 
 void JoinString(CString& text, wchar_t separator, std::wstring_view other)
@@ -81,9 +84,10 @@ void JoinString(CString& text, wchar_t separator, std::wstring_view other)
     std::wstring_view tail(scratch.Data(), Normalize(other, separator, scratch.Data()));
 
     const auto oldLength = static_cast<std::size_t>(text.GetLength());
+    const bool isNormal = IsNormal(View(text), separator);
     // Both normal forms may be longer than their texts by one character, and one separator comes between them.
     wchar_t* const buffer = text.GetBuffer(ToInt(oldLength + 2 + tail.size()));
-    std::size_t length = Normalize({buffer, oldLength}, separator, buffer);
+    std::size_t length = isNormal ? oldLength : Normalize({buffer, oldLength}, separator, buffer);
     if (length > 0 && !tail.empty())
     {
         if (!IsSeparator(buffer[length - 1]))
@@ -93,7 +97,7 @@ void JoinString(CString& text, wchar_t separator, std::wstring_view other)
         const auto skipped = std::find_if_not(tail.begin(), tail.end(), IsSeparator) - tail.begin();
         tail.remove_prefix(static_cast<std::size_t>(skipped));
     }
-    CopyTo(buffer + length, tail);
+    tail.copy(buffer + length, tail.size());
     text.ReleaseBuffer(ToInt(length + tail.size()));
 }
 

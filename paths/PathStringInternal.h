@@ -19,7 +19,8 @@ CString MakeString(std::wstring_view text);
 /// Makes `target` the given text, which is none of `target` itself.
 void SetText(CString& target, std::wstring_view text);
 
-/// Puts `text` into its normal form.
+/// Puts `text` into its normal form. When there is no memory to write it in, `text` stays as it is and nothing is
+/// thrown.
 void NormalizeString(CString& text, wchar_t separator);
 
 /// Normalizes `text`, and appends the normal form of `other` with one separator between. `other` may be part of `text`.

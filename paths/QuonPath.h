@@ -16,9 +16,9 @@
 /// pair together, or both bits of the case pair, do nothing, and both slash bits mean the backslash.
 using QuonPathFlags = std::uint32_t;
 
-/// The separator becomes "/". Without this flag it becomes "\".
+/// The separator becomes "/". Without this flag it becomes `\`.
 inline constexpr QuonPathFlags QuonPathForwardSlash = 0x01;
-/// The separator becomes "\", as it does without any flag.
+/// The separator becomes `\`, as it does without any flag.
 inline constexpr QuonPathFlags QuonPathBackslash = 0x02;
 /// QuonPath::RemoveTrailingSeparators() is applied.
 inline constexpr QuonPathFlags QuonPathStripTrailing = 0x04;
@@ -42,14 +42,14 @@ struct QuonFileInfo
     DWORD sizeLow;            ///< The low 32 bits of the size in bytes.
 };
 
-/// A file-system path: a text, and the separator ("\" or "/") that the object writes when it builds or joins paths.
+/// A file-system path: a text, and the separator (`\` or "/") that the object writes when it builds or joins paths.
 ///
 /// Both separators are accepted on input everywhere. Nothing here resolves "." or ".." or touches the disk, except
 /// Exists(), Access(), GetInfo(), SetToFolder() and what is built from a QuonFolderId.
 ///
-/// **The separator and copies.** A new path has the separator "\". *Copy construction copies the text alone* and gives
-/// the copy "\"; only copy assignment from another path carries the separator over. So whatever is returned by value
-/// has the separator "\", even when its text was written with "/". Assigning a plain string changes the text alone.
+/// **The separator and copies.** A new path has the separator `\`. *Copy construction copies the text alone* and gives
+/// the copy `\`; only copy assignment from another path carries the separator over. So whatever is returned by value
+/// has the separator `\`, even when its text was written with "/". Assigning a plain string changes the text alone.
 /// For the same reason there is no move: moving is copying, and copies share the text anyway.
 ///
 /// **Texts.** Where a `const wchar_t*` is taken, null counts as the empty text. A `std::wstring` is taken up to its
@@ -59,14 +59,15 @@ struct QuonFileInfo
 ///
 /// **Comparing.** There are no comparison operators; `==` with a string would compare addresses. Compare the texts.
 ///
-/// **Failures and threads.** Nothing but lack of memory throws. There are no locks: one object is used by one thread at
-/// a time, different objects by any.
+/// **Failures and threads.** Nothing but lack of memory throws (a `CMemoryException*`, as the framework's strings do),
+/// and Normalize() not even then. There are no locks: one object is used by one thread at a time, different objects by
+/// any.
 class QUON_API QuonPath
 {
 public:
-    /// An empty path with the separator "\".
+    /// An empty path with the separator `\`.
     QuonPath();
-    /// Copies the text of `other`; the separator of the new path is "\" whatever `other` has.
+    /// Copies the text of `other`; the separator of the new path is `\` whatever `other` has.
     QuonPath(const QuonPath& other);
     /// Takes the text, then applies the flags.
     QuonPath(const wchar_t* text, QuonPathFlags flags);
@@ -114,7 +115,7 @@ public:
     /// Joins in place: normalizes this path (even when nothing is appended), normalizes `other` with this path's
     /// separator, and puts it behind this text with one separator between, leading separators of `other` dropped. An
     /// empty path takes `other` whole, its leading separators included.
-    /// @return a copy of the joined path (its separator is "\").
+    /// @return a copy of the joined path (its separator is `\`).
     QuonPath Append(const wchar_t* other);
     /// As Append(const wchar_t*).
     QuonPath Append(const std::wstring& other);
@@ -122,44 +123,45 @@ public:
     /// The relative path that leads from the folder of `base` to this path.
     ///
     /// `base` is taken as a file's name: what stands behind its last separator is dropped. A result that begins with
-    /// the separator "\" gets a "." in front (".\x.txt"), unless this path's own separator is "/".
-    /// @return the relative path, written with "\"; empty when there is none (as across drives).
+    /// the separator `\` gets a "." in front (`.\x.txt`), unless this path's own separator is "/".
+    /// @return the relative path, written with `\`; empty when there is none (as across drives).
     QuonPath MakeRelativeTo(QuonPath base) const;
 
-    /// Rewrites the text with the object's separator: every run of "\", "/" and double quotes between two components
+    /// Rewrites the text with the object's separator: every run of `\`, "/" and double quotes between two components
     /// becomes one separator, a double quote parts components as a separator does and vanishes, two leading separators
     /// (a UNC path) stay two, one stays one, and a trailing run becomes one. "." and ".." are kept. A text of two
-    /// separators and nothing else becomes three.
+    /// separators and nothing else becomes three. Without memory for the new text the old one stays, and nothing is
+    /// thrown.
     void Normalize();
     /// Makes the separator "/" and normalizes.
     void NormalizeToSlashes();
-    /// Makes the separator "\" and normalizes.
+    /// Makes the separator `\` and normalizes.
     void NormalizeToBackslashes();
-    /// Appends the object's separator unless the text ends in "\" or "/". An empty text becomes one separator.
+    /// Appends the object's separator unless the text ends in `\` or "/". An empty text becomes one separator.
     void AddTrailingSeparator();
-    /// Removes the whole run of "\" and "/" at the end: "C:\" becomes "C:", "\" becomes empty.
+    /// Removes the whole run of `\` and "/" at the end: `C:\` becomes "C:", `\` becomes empty.
     void RemoveTrailingSeparators();
-    /// Tells whether the text ends in "\" or "/".
+    /// Tells whether the text ends in `\` or "/".
     bool HasTrailingSeparator() const;
-    /// Tells whether the text begins with two separators, in any mix of "\" and "/".
+    /// Tells whether the text begins with two separators, in any mix of `\` and "/".
     bool IsUNC() const;
     /// Tells whether `ch` stands at `index`. A negative index means the first character, the length of the text means
     /// the terminating zero, a greater index gives false.
     bool IsCharAt(int index, const wchar_t& ch) const;
 
-    /// Splits the text as the C run-time's `_wsplitpath` does: drive ("C:"), directory ("\a\b\"), name, extension
+    /// Splits the text as the C run-time's `_wsplitpath` does: drive ("C:"), directory (`\a\b\`), name, extension
     /// (".txt"). Each result takes this path's separator; this path itself may be one of them. Parts longer than 263
     /// characters are cut to 263.
     void SplitPlain(QuonPath& drive, QuonPath& directory, QuonPath& name, QuonPath& extension) const;
-    /// As SplitPlain(), but for a UNC path the drive is server and share with a trailing separator ("\\srv\share\"),
-    /// written with this path's separator, and the directory is what remains, without a leading separator ("a\").
+    /// As SplitPlain(), but for a UNC path the drive is server and share with a trailing separator (`\\srv\share\`),
+    /// written with this path's separator, and the directory is what remains, without a leading separator (`a\`).
     void Split(QuonPath& drive, QuonPath& directory, QuonPath& name, QuonPath& extension) const;
 
     /// The drive as Split() gives it.
     QuonPath GetDrive() const;
     /// The directory as Split() gives it, leading and trailing separators included.
     QuonPath GetDirectory() const;
-    /// The containing folder (drive and directory joined), written with "\" and ending in it. Empty for a mere file
+    /// The containing folder (drive and directory joined), written with `\` and ending in it. Empty for a mere file
     /// name.
     QuonPath GetFolder() const;
     /// Name and extension ("b.txt").
@@ -171,28 +173,28 @@ public:
 
     /// Rebuilds the path with another drive, written with the object's separator, which it keeps.
     void SetDrive(const wchar_t* drive);
-    /// Rebuilds the path with another directory, written with "\". The separator becomes "\".
+    /// Rebuilds the path with another directory, written with `\`. The separator becomes `\`.
     void SetDirectory(const wchar_t* directory);
-    /// Rebuilds the path with another name and the same extension, written with "\". The separator becomes "\".
+    /// Rebuilds the path with another name and the same extension, written with `\`. The separator becomes `\`.
     void SetFileTitle(const wchar_t* title);
-    /// Rebuilds the path with another extension, written with "\". The separator becomes "\". A dot is put before an
-    /// extension that does not begin with one, the empty extension included ("C:\a\b.").
+    /// Rebuilds the path with another extension, written with `\`. The separator becomes `\`. A dot is put before an
+    /// extension that does not begin with one, the empty extension included (`C:\a\b.`).
     void SetExtension(const wchar_t* extension);
 
-    /// The first component ("C:" of "C:\a\b", "server" of "\\server\share"), empty when there is none. Components are
-    /// the stretches between "\", "/" and double quotes.
+    /// The first component ("C:" of `C:\a\b`, "server" of `\\server\share`), empty when there is none. Components are
+    /// the stretches between `\`, "/" and double quotes.
     QuonPath GetFirstComponent() const;
-    /// The last component ("b" of "C:\a\b\"), empty when there is none.
+    /// The last component ("b" of `C:\a\b\`), empty when there is none.
     QuonPath GetLastComponent() const;
     /// Removes the first component. The others are joined by the object's separator; leading separators are lost, a
     /// trailing one stays as long as anything stays.
     void RemoveFirstComponent();
-    /// Cuts the text where its last component begins and so keeps the separator before it ("C:\a\b\" becomes "C:\a\").
-    /// A text of one component becomes empty, a leading separator notwithstanding. Here only "\" and "/" part
+    /// Cuts the text where its last component begins and so keeps the separator before it (`C:\a\b\` becomes `C:\a\`).
+    /// A text of one component becomes empty, a leading separator notwithstanding. Here only `\` and "/" part
     /// components; double quotes do not.
     void RemoveLastComponent();
     /// Fills the list, which is cleared first, with the drive as Split() gives it, the components of the directory, and
-    /// the file name; those that are empty are left out. All have the separator "\".
+    /// the file name; those that are empty are left out. All have the separator `\`.
     void GetComponents(std::list<QuonPath>& components) const;
 
     /// Tells whether a file or folder of this name exists.
@@ -209,7 +211,7 @@ private:
     const wchar_t* m_separator;  // one of two statics of the library, never owned
 };
 
-/// Joins `left` and `right` into a new path, as QuonPath::Append() does, written with "\".
+/// Joins `left` and `right` into a new path, as QuonPath::Append() does, written with `\`.
 ///
 /// There is no overload for a `CString` on the left and a `const wchar_t*` on the right: it would be ambiguous with the
 /// framework's own concatenation, which stays what `+` means there. Write `QuonPath(text, 0) + L"..."` instead. A
@@ -224,10 +226,10 @@ QUON_API QuonPath operator+(const CString& left, const std::wstring& right);
 /// path replaces the first. Empty when the two do not fit into `MAX_PATH` characters.
 QUON_API void CombinePaths(CString& result, CString first, CString second);
 
-/// Appends "\" unless the text ends in "\". A trailing "/" does not count.
+/// Appends `\` unless the text ends in `\`. A trailing "/" does not count.
 QUON_API void AddTrailingBackslash(CString& path);
 
-/// Removes one "\" from the end of the text, if there is one. A trailing "/" does not count.
+/// Removes one `\` from the end of the text, if there is one. A trailing "/" does not count.
 QUON_API void RemoveTrailingBackslash(CString& path);
 
 /// Reads attributes, times and size of a file. The file is opened for reading; folders cannot be opened this way, so a

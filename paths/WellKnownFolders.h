@@ -37,8 +37,8 @@ inline constexpr int QuonShellFolderBufferSize = 262;
 /// Reads one of the user's shell folders from the registry.
 ///
 /// The value's type is not looked at: its bytes are taken as text up to the first zero character, and a value stored
-/// without a terminating zero ends where its bytes end. The text gets a trailing "\" unless it ends in one; an empty
-/// value therefore gives "\". The key is opened with full access, so an account that may only read it gets the error
+/// without a terminating zero ends where its bytes end. The text gets a trailing `\` unless it ends in one; an empty
+/// value therefore gives `\`. The key is opened with full access, so an account that may only read it gets the error
 /// of the opening.
 ///
 /// @param valueName the name of the value, such as "Desktop", "Favorites" or "Personal".

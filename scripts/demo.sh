@@ -6,7 +6,7 @@ set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 "$top/scripts/setup.sh"
-build mingw-release
+build mingw-release quonhost
 bin=$top/build/mingw-release/bin
 quonhost() { "$top/scripts/wine-run.sh" "$bin/quonhost.exe" "$@"; }
 # A Unix path as the programs under Wine see it: drive Z: is the root.

@@ -18,19 +18,21 @@ from pathlib import Path
 
 BASE = 100
 TOOLS = "x86_64-w64-mingw32-"
-LINE = re.compile(r"^\s+(?P<name>\S+)\s+@(?P<number>\d+)\s+NONAME(?P<data>\s+DATA)?\s*(?:;\s*(?P<text>.*))?$")
+LINE = re.compile(r"^\s+(?P<name>\S+)\s+@(?P<number>\d+)\s+NONAME(?P<data>\s+DATA)?$")
 RETIRED = re.compile(r"^;\s*retired\s+@(?P<number>\d+)\s+(?P<name>\S+)")
 
 
 def parse_list(text):
     """Returns ({name: number}, {name: is data}, {retired number: name}, [faults]) of a list's text."""
     numbers, data, retired, faults, seen = {}, {}, {}, [], {}
+    signature = None  # in the comment above the line
     for row, line in enumerate(text.splitlines(), 1):
         gone = RETIRED.match(line)
         if gone:
             number, name = int(gone["number"]), gone["name"]
             retired[number] = name
-        elif not line.strip() or line.lstrip().startswith(";") or re.match(r"^(LIBRARY|EXPORTS)\b", line):
+        elif not line.strip() or line.startswith(";") or re.match(r"^(LIBRARY|EXPORTS)\b", line):
+            signature = line[1:].strip() if line.startswith(";") else None
             continue
         else:
             match = LINE.match(line)
@@ -40,8 +42,9 @@ def parse_list(text):
             number, name = int(match["number"]), match["name"]
             if name in numbers:
                 faults.append(f"line {row}: {name} stands twice")
-            if not match["text"]:
-                faults.append(f"line {row}: {name} has no signature beside it")
+            if not signature:
+                faults.append(f"line {row}: {name} has no signature above it")
+            signature = None
             numbers[name] = number
             data[name] = bool(match["data"])
         if number in seen:
@@ -64,7 +67,7 @@ def directives(obj):
         match = re.match(r"^ [0-9a-f]+ ((?:[0-9a-f]{2,8} ){1,4})", line)
         if match:
             raw += bytes.fromhex(match[1].replace(" ", ""))
-    for word in raw.decode("ascii", "replace").split():
+    for word in raw.rstrip(b"\0").decode("ascii", "replace").split():
         match = re.match(r'^-export:"?([^",]+)"?(,data)?$', word)
         if match:
             yield match[1], bool(match[2])
@@ -88,7 +91,7 @@ def propose(arguments):
     signatures = run(TOOLS + "c++filt", *missing).splitlines() if missing else []
     lines = []
     for name, signature in zip(missing, signatures):
-        lines.append(f"    {name} @{number} NONAME{' DATA' if found[name] else ''} ; {signature}")
+        lines += [f"; {signature}", f"    {name} @{number} NONAME{' DATA' if found[name] else ''}"]
         number += 1
     print("\n".join(lines) if lines else "exports: the list is complete")
     if arguments.write and lines:

@@ -6,7 +6,7 @@ set -euo pipefail
 "$top/scripts/setup.sh"
 options=()
 [ -z "${CI:-}" ] || options+=(-DQUON_WARNINGS_AS_ERRORS=ON)
-build mingw-debug "${options[@]}"
+build mingw-debug all "${options[@]}"
 say "testing"
 cd "$top"
 exec ctest --preset mingw-debug "$@"

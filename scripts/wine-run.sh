@@ -4,5 +4,6 @@
 set -euo pipefail
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX=${WINEPREFIX:-$top/build/wine}
+export LC_ALL=C.UTF-8  # file names of any script, whatever the caller's locale
 export WINEDEBUG=${WINEDEBUG:--all}
 exec wine "$@"

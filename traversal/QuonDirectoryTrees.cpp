@@ -21,7 +21,7 @@ void Push(MatcherStack& stack, const wchar_t* folder, const wchar_t* pattern, un
     matcher->SetSkipDots(TRUE);
     matcher->FindFirst(folder, pattern, filter);
     stack.AddTail(matcher.get());
-    matcher.release();
+    static_cast<void>(matcher.release());
 }
 
 // From `folder`, which the deepest matcher searches, down to a folder without (further) subfolders: its matcher, which
@@ -30,7 +30,7 @@ void Descend(MatcherStack& stack, QuonPath folder, const wchar_t* pattern, unsig
 {
     while (Deepest(stack)->IsFound())
     {
-        folder.Append(Deepest(stack)->GetFoundName());
+        folder.Append(Deepest(stack)->GetFindData()->cFileName);
         Push(stack, folder, pattern, filter);
     }
 }
@@ -181,7 +181,11 @@ QuonPath QuonDFSDirectoryTree::GetFoundName() const
     QuonPath name(L"", QuonPathBackslash);
     for (POSITION position = m_matchers.GetHeadPosition(); position != nullptr;)
     {
-        name.Append(m_matchers.GetNext(position)->GetFoundName());
+        const QuonBasicFileMatcher* const matcher = m_matchers.GetNext(position);
+        if (matcher->IsFound())
+        {
+            name.Append(matcher->GetFindData()->cFileName);
+        }
     }
     return name;
 }

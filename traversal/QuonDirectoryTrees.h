@@ -17,9 +17,9 @@
 /// by level, siblings in the order of the system. No search stays open between calls.
 ///
 /// A root that does not exist or cannot be listed is still visited, as the only item. There is no depth limit, and
-/// links and junctions are followed: a folder that is reached twice is visited twice, a link to a folder above never
-/// ends. A queue beyond the list's maximum size throws the length error of the standard library's list, where that has
-/// one.
+/// links and junctions are followed: a folder that is reached twice is visited twice, and a link to a folder above
+/// itself is walked round until the system refuses the ever longer path. A queue beyond the list's maximum size throws
+/// the length error of the standard library's list, where that has one.
 class QUON_API QuonBFSDirectoryTree : public QuonFileMatch
 {
 public:

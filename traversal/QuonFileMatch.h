@@ -64,19 +64,21 @@ public:
     /// Whether there is a current match.
     virtual bool IsFound() const = 0;
 
-    /// The full path of the current match, with the separator "\".
+    /// The full path of the current match, with the separator `\`.
     virtual QuonPath GetFoundPath() const = 0;
 
-    /// The path of the current match relative to the folder, with the separator "\".
+    /// The path of the current match relative to the folder, with the separator `\`.
     virtual QuonPath GetFoundName() const = 0;
 
-    /// The folder given to FindFirst, as given, with the separator "\"; empty before FindFirst and after Close.
+    /// The folder given to FindFirst, as given, with the separator `\`; empty before FindFirst and after Close.
     virtual QuonPath GetFolder() const = 0;
 
     virtual ~QuonFileMatch();
 
 protected:
     QuonFileMatch();
+    /// For copying of derived classes; there is nothing here to copy.
     QuonFileMatch(const QuonFileMatch&);
+    /// For assignment of derived classes; there is nothing here to assign.
     QuonFileMatch& operator=(const QuonFileMatch&);
 };

@@ -329,6 +329,7 @@ private:
     bool IsOwn(PCXSTR psz) const noexcept;
     void PrepareWrite(int nLength);
     void Reallocate(int nLength, int nKeep);
+    void AppendChars(PCXSTR pszSrc, int nLength);
     void TrimLeftTo(PCXSTR pszFirst);
     static CStringT Concatenate(PCXSTR psz1, int nLength1, PCXSTR psz2, int nLength2);
 

@@ -105,7 +105,10 @@ private:
             }
         }
         const INT_PTR kept = std::min(size, capacity);
-        std::uninitialized_move(data, data + kept, newData);
+        if (kept > 0)
+        {
+            std::uninitialized_move(data, data + kept, newData);
+        }
         std::destroy(data, data + size);
         std::free(data);
         data = newData;

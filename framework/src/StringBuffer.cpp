@@ -198,28 +198,32 @@ void CStringW::SetString(PCXSTR pszSrc, int nLength)
 
 void CStringW::Append(PCXSTR pszSrc)
 {
-    Append(pszSrc, StringLength(pszSrc));
+    AppendChars(pszSrc, StringLength(pszSrc));
 }
 
 void CStringW::Append(PCXSTR pszSrc, int nLength)
 {
     // The framework never appends from a zero on, although the length is told.
-    const int added = nLength < 0 ? StringLength(pszSrc) : StringLengthN(pszSrc, static_cast<size_t>(nLength));
-    if (added == 0)
+    AppendChars(pszSrc, nLength < 0 ? StringLength(pszSrc) : StringLengthN(pszSrc, static_cast<size_t>(nLength)));
+}
+
+void CStringW::AppendChars(PCXSTR pszSrc, int nLength)
+{
+    if (nLength == 0)
     {
         return;
     }
     const int oldLength = GetLength();
-    if (added > kMaxLength - oldLength)
+    if (nLength > kMaxLength - oldLength)
     {
         AtlThrow(E_OUTOFMEMORY);
     }
     // A source within this text moves along when the text does.
     const bool isOwn = IsOwn(pszSrc);
     const ptrdiff_t offset = isOwn ? pszSrc - m_pszData : 0;
-    PXSTR buffer = GetBuffer(oldLength + added);
-    wmemmove(buffer + oldLength, isOwn ? buffer + offset : pszSrc, static_cast<size_t>(added));
-    ReleaseBufferSetLength(oldLength + added);
+    PXSTR buffer = GetBuffer(oldLength + nLength);
+    wmemmove(buffer + oldLength, isOwn ? buffer + offset : pszSrc, static_cast<size_t>(nLength));
+    ReleaseBufferSetLength(oldLength + nLength);
 }
 
 CStringW CStringW::Concatenate(PCXSTR psz1, int nLength1, PCXSTR psz2, int nLength2)

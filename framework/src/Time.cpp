@@ -138,12 +138,13 @@ CString CTime::Format(LPCTSTR pszFormat) const
 {
     struct tm local;
     wchar_t text[kFormatCapacity];
-    if (pszFormat == nullptr || GetLocalTm(&local) == nullptr ||
-        wcsftime(text, kFormatCapacity, pszFormat, &local) == 0)
+    if (pszFormat == nullptr || GetLocalTm(&local) == nullptr)
     {
         return CString();
     }
-    return CString(text);
+    // Wine's run-time fills the buffer, without a terminator, where Windows' says 0.
+    const size_t length = wcsftime(text, kFormatCapacity, pszFormat, &local);
+    return length < kFormatCapacity ? CString(text, static_cast<int>(length)) : CString();
 }
 
 bool CTime::operator==(CTime time) const noexcept

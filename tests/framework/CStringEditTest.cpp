@@ -84,6 +84,8 @@ TEST(CStringEditTest, FindsCharacters)
         EXPECT_EQ(CString(row.text).Find(row.sought, row.start), row.expected);
     }
     EXPECT_EQ(CString(L"abcabc").Find(L'b'), 1);
+    EXPECT_EQ(CString(L"abc").Find(L'\0'), 3);
+    EXPECT_EQ(CString(L"abc").Find(L'\0', 3), -1);
     EXPECT_EQ(CString(L"abcabc").ReverseFind(L'b'), 4);
     EXPECT_EQ(CString(L"abcabc").ReverseFind(L'x'), -1);
     EXPECT_EQ(CString(L"").ReverseFind(L'x'), -1);
@@ -371,6 +373,17 @@ TEST(CStringEditTest, Tokenizes)
         }
         EXPECT_EQ(tokens, row.expected);
     }
+}
+
+TEST(CStringEditTest, TokenizingWithoutDelimitersStaysWhereItIs)
+{
+    const CString text(L"a,b");
+    int position = 1;
+    EXPECT_EQ(Text(text.Tokenize(L"", position)), L",b");
+    EXPECT_EQ(position, 1);
+    position = 3;
+    EXPECT_EQ(Text(text.Tokenize(L"", position)), L"");
+    EXPECT_EQ(position, -1);
 }
 
 TEST(CStringEditTest, Formats)

@@ -248,6 +248,16 @@ TEST(CStringTest, AppendsItselfWhileItGrows)
     }
 }
 
+TEST(CStringTest, AppendsItselfWhenItsCharactersMoveFarAway)
+{
+    // Blocks of this size are given back to the system at once: reading the old one would crash.
+    CString text(L'x', 1000000);
+    text.Append(text.GetString() + 1);
+    text += text;
+    EXPECT_EQ(text.GetLength(), 2 * 1999999);
+    EXPECT_EQ(text.Remove(L'x'), 2 * 1999999);
+}
+
 TEST(CStringTest, AppendStopsAtAZero)
 {
     CString text(L"x");

@@ -192,6 +192,17 @@ TEST(ModuleStateTest, LibrariesLinkThemselvesIntoTheCurrentState)
     EXPECT_TRUE(Modules().empty());
 }
 
+TEST(ModuleStateTest, ARecordNeverFilledEndsNoOtherModule)
+{
+    AFX_MODULE_STATE state(TRUE, &EntryForTests, _MFC_VER);
+    AFX_MANAGE_STATE(&state);
+    AFX_EXTENSION_MODULE record = {};
+    CDynLinkLibrary* other = new CDynLinkLibrary(Fake(16), Fake(16), FALSE);
+    AfxTermExtensionModule(record, TRUE);
+    EXPECT_EQ(Modules(), (std::vector<HMODULE>{Fake(16)}));
+    delete other;
+}
+
 TEST(ModuleStateTest, AllRecordsOfAModuleGoTogether)
 {
     AFX_MODULE_STATE state(TRUE, &EntryForTests, _MFC_VER);

@@ -25,6 +25,9 @@ TEST(StandInTest, FormattingTakesTheTextItselfAsAnArgument)
 TEST(StandInTest, EditingTakesAPartOfTheTextAsAnArgument)
 {
     CString text(L"abc");
+    EXPECT_EQ(text.Insert(0, text.GetString() + 1), 5);
+    EXPECT_EQ(Text(text), L"bcabc");
+    text = L"abc";
     EXPECT_EQ(text.Insert(1, text.GetString() + 1), 5);
     EXPECT_EQ(Text(text), L"abcbc");
     EXPECT_EQ(text.Replace(text.GetString() + 3, text.GetString()), 2);

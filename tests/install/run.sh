@@ -1,11 +1,15 @@
 #!/usr/bin/env bash
-# Installs the build into a fresh prefix, builds a small program against the installed package alone, and runs it.
+# Installs the build into a fresh prefix, builds the README's example against the installed package alone, and runs it.
 # run.sh BUILD-TREE SCRATCH-FOLDER
 set -euo pipefail
 build=$1
 scratch=$2
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 top=$(cd "$here/../.." && pwd)
+fail() { echo "install test: $*" >&2; exit 1; }
+
+example=$(sed -n '/^```cpp$/,/^```$/p' "$top/README.md" | sed '/^```/d')
+[[ $(<"$here/consumer/main.cpp") == "$example"* ]] || fail "the README's example is not what is compiled here"
 
 rm -rf "$scratch"
 cmake --install "$build" --prefix "$scratch/prefix" >/dev/null
@@ -15,4 +19,10 @@ cmake -S "$here/consumer" -B "$scratch/consumer" -G Ninja \
   -DCMAKE_PREFIX_PATH="$scratch/prefix" >/dev/null
 cmake --build "$scratch/consumer"
 cp "$scratch"/prefix/bin/*.dll "$scratch/consumer/"
-"$top/scripts/wine-run.sh" "$scratch/consumer/consumer.exe"
+
+mkdir -p "$scratch/site/old"
+touch "$scratch/site/plan.xml" "$scratch/site/plan.bak" "$scratch/site/old/survey.bak"
+folder="Z:${scratch//\//\\}\\site"
+"$top/scripts/wine-run.sh" "$scratch/consumer/consumer.exe" "$folder" || fail "the consumer failed"
+left=$(cd "$scratch/site" && find . -type f)
+[ "$left" = ./plan.xml ] || fail "left are: $left"

@@ -81,8 +81,8 @@ TEST_F(ModuleTest, ProcessAttachInitialisesCoreThenInstanceThenExtensionModuleTh
 {
     const LoadedLibrary library;
     ASSERT_NE(library.Module(), nullptr);
-    EXPECT_THAT(Journal(), testing::ElementsAre("AfxCoreInitModule", "AfxWinInit", "AfxInitExtensionModule",
-                                                "CDynLinkLibrary"));
+    EXPECT_THAT(Journal(),
+                testing::ElementsAre("AfxCoreInitModule", "AfxWinInit", "AfxInitExtensionModule", "CDynLinkLibrary"));
 }
 
 TEST_F(ModuleTest, ProcessDetachReleasesTheTemporaryMapsThenEndsFrameworkAndExtensionModule)
@@ -101,8 +101,8 @@ TEST_F(ModuleTest, ThreadDetachReleasesTheTemporaryMapsThenEndsTheThread)
     ASSERT_NE(library.Module(), nullptr);
     QuonFrameworkClearJournal();
     DWORD threadId = 0;
-    const HANDLE thread =
-        ::CreateThread(nullptr, 0, [](void*) -> DWORD { return 0; }, nullptr, 0, &threadId);
+    const HANDLE thread = ::CreateThread(
+        nullptr, 0, [](void*) -> DWORD { return 0; }, nullptr, 0, &threadId);
     ASSERT_NE(thread, nullptr);
     ::WaitForSingleObject(thread, INFINITE);
     ::CloseHandle(thread);
@@ -167,13 +167,13 @@ TEST_P(ModuleFaultTest, MakesTheAttachFailAndLeavesNothingBehind)
     // The attach stopped at the call that failed; then came the detach of what there was.
     const std::vector<std::string> calls = Journal();
     ASSERT_GE(calls.size(), row.attachCalls.size());
-    EXPECT_EQ(std::vector<std::string>(calls.begin(),
-                                       calls.begin() + static_cast<std::ptrdiff_t>(row.attachCalls.size())),
-              row.attachCalls);
+    EXPECT_EQ(
+        std::vector<std::string>(calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(row.attachCalls.size())),
+        row.attachCalls);
     const std::vector<std::string> rest(calls.begin() + static_cast<std::ptrdiff_t>(row.attachCalls.size()),
                                         calls.end());
-    EXPECT_THAT(rest, testing::ElementsAre("AfxLockTempMaps", "AfxUnlockTempMaps", "AfxWinTerm",
-                                           "AfxTermExtensionModule"));
+    EXPECT_THAT(rest,
+                testing::ElementsAre("AfxLockTempMaps", "AfxUnlockTempMaps", "AfxWinTerm", "AfxTermExtensionModule"));
 
     QuonFrameworkClearJournal();
     const LoadedLibrary second;
@@ -183,18 +183,17 @@ TEST_P(ModuleFaultTest, MakesTheAttachFailAndLeavesNothingBehind)
 
 INSTANTIATE_TEST_SUITE_P(
     EachCall, ModuleFaultTest,
-    testing::Values(
-        FaultRow{"AfxCoreInitModule", QuonFrameworkFault::MemoryException, {"AfxCoreInitModule"}},
-        FaultRow{"AfxWinInit", QuonFrameworkFault::MemoryException, {"AfxCoreInitModule", "AfxWinInit"}},
-        FaultRow{"AfxWinInit", QuonFrameworkFault::ReturnFalse, {"AfxCoreInitModule", "AfxWinInit"}},
-        FaultRow{"AfxInitExtensionModule",
-                 QuonFrameworkFault::MemoryException,
-                 {"AfxCoreInitModule", "AfxWinInit", "AfxInitExtensionModule"}},
-        FaultRow{"AfxInitExtensionModule",
-                 QuonFrameworkFault::ReturnFalse,
-                 {"AfxCoreInitModule", "AfxWinInit", "AfxInitExtensionModule"}},
-        FaultRow{"CDynLinkLibrary",
-                 QuonFrameworkFault::MemoryException,
-                 {"AfxCoreInitModule", "AfxWinInit", "AfxInitExtensionModule", "CDynLinkLibrary"}}));
+    testing::Values(FaultRow{"AfxCoreInitModule", QuonFrameworkFault::MemoryException, {"AfxCoreInitModule"}},
+                    FaultRow{"AfxWinInit", QuonFrameworkFault::MemoryException, {"AfxCoreInitModule", "AfxWinInit"}},
+                    FaultRow{"AfxWinInit", QuonFrameworkFault::ReturnFalse, {"AfxCoreInitModule", "AfxWinInit"}},
+                    FaultRow{"AfxInitExtensionModule",
+                             QuonFrameworkFault::MemoryException,
+                             {"AfxCoreInitModule", "AfxWinInit", "AfxInitExtensionModule"}},
+                    FaultRow{"AfxInitExtensionModule",
+                             QuonFrameworkFault::ReturnFalse,
+                             {"AfxCoreInitModule", "AfxWinInit", "AfxInitExtensionModule"}},
+                    FaultRow{"CDynLinkLibrary",
+                             QuonFrameworkFault::MemoryException,
+                             {"AfxCoreInitModule", "AfxWinInit", "AfxInitExtensionModule", "CDynLinkLibrary"}}));
 
 }  // namespace

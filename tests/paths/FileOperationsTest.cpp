@@ -303,17 +303,21 @@ TEST(DeleteFileForced, DeletesAlsoWhatIsReadOnly)
     }
 }
 
-TEST(DeleteFileForced, ClearsNothingButTheReadOnlyBit)
+TEST(DeleteFileForced, SetsTheAttributesWithoutTheReadOnlyBitWhateverTheyAre)
 {
     const TemporaryFolder root;
-    const std::wstring file = root.WriteFile(L"file", "", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
-    const DWORD before = root.Attributes(L"file");
-    FileCallJournal journal;
-    EXPECT_EQ(DeleteFileForced(file.c_str()), 0u);
-    EXPECT_EQ(journal.All(),
-              (Calls{L"GetFileAttributesW " + file,
-                     L"SetFileAttributesW " + file + L" " + std::to_wstring(before & ~DWORD{FILE_ATTRIBUTE_READONLY}),
-                     L"DeleteFileW " + file}));
+    for (const DWORD attributes :
+         {DWORD{FILE_ATTRIBUTE_ARCHIVE}, DWORD{FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN}})
+    {
+        const std::wstring file = root.WriteFile(L"file", "", attributes);
+        const DWORD before = root.Attributes(L"file");
+        FileCallJournal journal;
+        EXPECT_EQ(DeleteFileForced(file.c_str()), 0u);
+        const DWORD cleared = before & ~DWORD{FILE_ATTRIBUTE_READONLY};
+        EXPECT_EQ(journal.All(),
+                  (Calls{L"GetFileAttributesW " + file, L"SetFileAttributesW " + file + L" " + std::to_wstring(cleared),
+                         L"DeleteFileW " + file}));
+    }
 }
 
 TEST(DeleteFileForced, PutsTheAttributesBackWhenTheFileStays)

@@ -259,6 +259,25 @@ TEST_F(RemoveCurrentFolder, MakesTheParentCurrent)
     EXPECT_FALSE(m_root.Exists(L"from"));
 }
 
+TEST_F(RemoveCurrentFolder, MakesTheParentCurrentAlsoForAFolderGivenWithASeparatorAtItsEnd)
+{
+    EXPECT_EQ(RemoveWhileIn(m_root / L"from", m_root / L"from//"), m_root.Path());
+    EXPECT_FALSE(m_root.Exists(L"from"));
+}
+
+TEST_F(RemoveCurrentFolder, ComparesForeignLettersWithoutCaseToo)
+{
+    const std::wstring lower = L"\u00E4\u0436";
+    const std::wstring upper = L"\u00C4\u0416";
+    for (const auto& [current, removed] : {std::pair(lower, upper), std::pair(upper, lower)})
+    {
+        SCOPED_TRACE(testing::PrintToString(current));
+        m_root.WriteFile(current + L"\\file");
+        EXPECT_EQ(RemoveWhileIn(m_root / current, m_root / removed), m_root.Path());
+        EXPECT_FALSE(m_root.Exists(current));
+    }
+}
+
 TEST_F(RemoveCurrentFolder, LeavesAFolderFurtherDownAsWell)
 {
     EXPECT_EQ(RemoveWhileIn(m_root / L"from\\B\\B1", m_root / L"from\\"), m_root.Path());

@@ -15,7 +15,7 @@ using quon_test::Text;
 namespace
 {
 
-constexpr int kRounds = 20000;
+constexpr int kRounds = 6000;
 constexpr std::size_t kLongest = 14;
 
 bool IsSeparator(wchar_t ch)

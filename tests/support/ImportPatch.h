@@ -11,8 +11,8 @@
 namespace quon_test
 {
 
-/// Swaps the entry for `function` in the import table of the loaded module `module` and puts the old one back at the end
-/// of its life. The replacement sees exactly what the module passes; `Original()` is the function that stood there.
+/// Swaps the entry for `function` in the import table of the loaded module `module` and puts the old one back at the
+/// end of its life. The replacement sees exactly what the module passes; `Original()` is the function that stood there.
 ///
 /// ```cpp
 /// ImportPatch<decltype(&::CreateFileW)> patch(L"QuonWin32Utils.dll", "CreateFileW", &RecordingCreateFile);

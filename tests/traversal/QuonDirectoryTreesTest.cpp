@@ -161,13 +161,29 @@ TYPED_TEST(EachDirectoryTree, ResultsTellWhetherThereIsAFolder)
 
 TYPED_TEST(EachDirectoryTree, ArgumentsMayBeItsOwnTexts)
 {
+    // Puts other text where the closed walk had its own: whoever reads that afterwards is found out.
+    struct Overwriting : TypeParam
+    {
+        void Close() override
+        {
+            TypeParam::Close();
+            for (int i = 0; i < 200; ++i)
+            {
+                texts.emplace_back(L'#', length);
+            }
+        }
+        int length = 0;
+        std::vector<CString> texts;
+    };
     this->m_root.MakeFolder(L"A");
-    this->m_tree.FindFirst(this->m_root.Path().c_str(), L"*", 0x10);
+    Overwriting tree;
+    tree.FindFirst(this->m_root.Path().c_str(), L"*", 0x10);
     // The copy shares its characters with the object, so this is the object's own text.
-    const wchar_t* const root = this->m_tree.GetFolder();
-    EXPECT_EQ(Walk(this->m_tree, root, L"*", 0x10).size(), 2u);
-    EXPECT_TRUE(this->m_tree.FindFirst(this->m_tree.GetFolder(), L"*", 0x10));
-    EXPECT_EQ(Text(this->m_tree.GetFolder()), this->m_root.Path());
+    const wchar_t* const root = tree.GetFolder();
+    tree.length = static_cast<int>(this->m_root.Path().size());
+    EXPECT_TRUE(tree.FindFirst(root, L"*", 0x10));
+    EXPECT_EQ(Text(tree.GetFolder()), this->m_root.Path());
+    EXPECT_EQ(Remaining(tree).size(), 2u);
 }
 
 TYPED_TEST(EachDirectoryTree, CloseOfADerivedClassRunsBeforeAWalk)

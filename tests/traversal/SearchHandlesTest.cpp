@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 
+#include "support/FailingAllocation.h"
 #include "support/SearchJournal.h"
 #include "support/TemporaryFolder.h"
 #include "traversal/QuonFileTrees.h"
@@ -14,6 +16,7 @@
 namespace
 {
 
+using quon_test::FailingAllocation;
 using quon_test::Names;
 using quon_test::SearchJournal;
 using quon_test::TemporaryFolder;
@@ -278,6 +281,36 @@ TEST(SearchHandles, DepthFirstTreeKeepsOnePerLevel)
     EXPECT_EQ(journal.OpenNow(), 0u);
 }
 
+// The last events that closed something, without what came before.
+Names Closings(const Names& events, std::size_t count)
+{
+    return Names(events.end() - static_cast<std::ptrdiff_t>(count), events.end());
+}
+
+TEST(SearchHandles, DepthFirstTreeClosesFromTheRootDown)
+{
+    const TemporaryFolder folder;
+    folder.MakeFolder(L"A\\A1");
+    SearchJournal journal;
+    QuonDFSDirectoryTree tree;
+    tree.FindFirst(folder.Path().c_str(), L"*", 0);
+    tree.Close();
+    EXPECT_EQ(Closings(journal.Events(), 3), (Names{L"close " + folder.Path() + L"\\*", L"close " + (folder / L"A\\*"),
+                                                    L"close " + (folder / L"A\\A1\\*")}));
+}
+
+TEST(SearchHandles, FileTreeClosesTheSearchForFilesFirst)
+{
+    const TemporaryFolder folder;
+    folder.WriteFile(L"A\\file");
+    SearchJournal journal;
+    QuonDFSFileTree tree;
+    tree.FindFirst(folder.Path().c_str(), L"f*", 0);
+    tree.Close();
+    EXPECT_EQ(Closings(journal.Events(), 3), (Names{L"close " + (folder / L"A\\f*"), L"close " + folder.Path() + L"\\*",
+                                                    L"close " + (folder / L"A\\*")}));
+}
+
 TEST(SearchHandles, DepthFirstTreeSearchesEveryLevelForThePattern)
 {
     const TemporaryFolder folder;
@@ -318,6 +351,38 @@ TEST(SearchHandles, FileTreesWalkEveryFolderAndSearchEachForThePattern)
         EXPECT_EQ(journal.Openings()[3].operation, FindExSearchNameMatch);
         EXPECT_EQ(journal.OpenNow(), 1u);  // the search for files in the last folder, exhausted
     }
+}
+
+TYPED_TEST(SearchHandlesOf, AreAllClosedWhenMemoryRunsOut)
+{
+    const TemporaryFolder folder;
+    folder.MakeFolder(L"A\\A1");
+    folder.WriteFile(L"A\\file");
+    SearchJournal journal;
+    int thrown = 0;
+    bool failed = true;
+    for (int successes = 0; failed; ++successes)
+    {
+        ASSERT_LT(successes, 10000);
+        try
+        {
+            TypeParam match;
+            const FailingAllocation failing(successes);
+            Walk(match, folder.Path(), L"*", 0x20);
+            failed = failing.Failed();  // some failures are made up for
+        }
+        catch (const std::bad_alloc&)
+        {
+            ++thrown;
+        }
+        catch (CException* exception)
+        {
+            ++thrown;
+            exception->Delete();
+        }
+        ASSERT_EQ(journal.OpenNow(), 0u) << "after " << successes << " allocations";
+    }
+    EXPECT_GT(thrown, 0);
 }
 
 }  // namespace

@@ -1,11 +1,16 @@
-#include "paths/QuonPath.h"
+#include "paths/FileOperations.h"
+#include "traversal/QuonFileTrees.h"
 
-#include <cstdio>
-
-int wmain()
+// Deletes every .bak file below a folder, read-only ones too, deepest folders first. 0 when all are gone.
+unsigned int RemoveBackups(const wchar_t* folder)
 {
-    QuonPath path(L"C:/survey//site.xml", QuonPathNormalize);
-    path.SetExtension(L"bak");
-    std::printf("%ls\n", static_cast<const wchar_t*>(path));
-    return std::wstring(path) == L"C:\\survey\\site.bak" ? 0 : 1;
+    QuonDFSFileTree backups;
+    backups.FindFirst(folder, L"*.bak", kQuonMatchFiles);
+    return DeleteMatchedFiles(backups);
+}
+
+// The folder to clean is the only argument.
+int wmain(int count, wchar_t** arguments)
+{
+    return count == 2 ? static_cast<int>(RemoveBackups(arguments[1])) : 2;
 }

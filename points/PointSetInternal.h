@@ -1,0 +1,32 @@
+// The set operations on point strings: ranges in, text out. Whole ranges are marked, cleared and scanned; no step is
+// taken for a single point.
+#pragma once
+
+#include "points/PointTextInternal.h"
+
+#include <afx.h>
+
+#include <vector>
+
+namespace QuonPointDetails
+{
+
+/// What a walk over a text hands out.
+struct ParsedPoints
+{
+    std::vector<PointRange> ranges;
+    int textLength = 0;
+    unsigned long highest = 0;
+    bool isValid = true;  // false when an invalid item ended the walk
+};
+
+ParsedPoints ParsePoints(const CString& text);
+
+/// The points of `points` that are not among `removed`: sorted, or in the order of the walk with the duplicates left
+/// in.
+CString FormatDifference(const ParsedPoints& points, const ParsedPoints& removed, bool sorted);
+
+/// Every point of `points` once: sorted, or in the order of first occurrence.
+CString FormatUnique(const ParsedPoints& points, bool sorted);
+
+}  // namespace QuonPointDetails

@@ -1,0 +1,135 @@
+#!/usr/bin/env python3
+"""Runs the console host and looks at its output, its error line and its exit code: host_test.py RUNNER PROGRAM"""
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+RUNNER, PROGRAM = sys.argv[1], sys.argv[2]
+
+
+def windows_path(path):
+    """A Unix path as a program under Wine sees it: drive Z: is the root."""
+    return "Z:" + str(path).replace("/", "\\")
+
+
+class HostTest(unittest.TestCase):
+    def setUp(self):
+        self.scratch = tempfile.TemporaryDirectory()
+        self.folder = Path(self.scratch.name)
+        self.addCleanup(self.scratch.cleanup)
+
+    def run_host(self, *arguments):
+        return subprocess.run([RUNNER, PROGRAM, *arguments], capture_output=True, encoding="utf-8", timeout=60)
+
+    def lines(self, *arguments):
+        done = self.run_host(*arguments)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        return done.stdout.splitlines()
+
+    def assert_fails(self, code, text, *arguments):
+        done = self.run_host(*arguments)
+        self.assertEqual(done.returncode, code, done)
+        self.assertEqual(done.stdout, "")
+        self.assertEqual(done.stderr.count("\n"), 1, done.stderr)
+        self.assertTrue(done.stderr.startswith("quonhost: "), done.stderr)
+        self.assertIn(text, done.stderr)
+
+    def make_tree(self):
+        root = self.folder / "root"
+        for name in ("A/A1", "A/A2", "B"):
+            (root / name).mkdir(parents=True)
+        (root / "r.txt").write_text("12345")
+        (root / "A/a.txt").write_text("123")
+        (root / "A/A1/ÄЖ山.txt").write_text("1")
+        return root
+
+    def test_bad_command_lines_give_one_line_and_exit_code_2(self):
+        for arguments in ([], ["nonsense"], ["tree"], ["copy", "only-one"], ["split"], ["folders", "more"],
+                          ["tree", "x", "--no-such-option"]):
+            with self.subTest(arguments):
+                self.assert_fails(2, "", *arguments)
+
+    def test_help_is_everywhere(self):
+        for command in ([], ["folders"], ["tree"], ["copy"], ["move"], ["remove"], ["split"]):
+            with self.subTest(command):
+                self.assertTrue(any("Usage: " in line for line in self.lines(*command, "--help")))
+
+    def test_folders_lists_the_program_and_its_folder(self):
+        folders = {line[:16].strip(): line[16:] for line in self.lines("folders")}
+        self.assertEqual(folders["program"], windows_path(os.path.realpath(PROGRAM)))
+        self.assertEqual(folders["program folder"] + os.path.basename(PROGRAM), folders["program"])
+        self.assertTrue(folders["desktop"].endswith("\\"))
+        self.assertEqual(len(folders), 9)
+
+    def test_split_prints_parts_components_normal_and_relative_form(self):
+        lines = [line.split(None, 1) for line in self.lines("split", "C:/a//b.txt", "--relative-to", "C:\\x\\")]
+        self.assertEqual(lines, [["drive", "C:"], ["directory", "/a//"], ["title", "b"], ["extension", ".txt"],
+                                 ["component", "C:"], ["component", "a"], ["component", "b.txt"],
+                                 ["normal", "C:\\a\\b.txt"], ["relative", "..\\a\\b.txt"]])
+
+    def test_tree_walks_breadth_first_and_depth_first(self):
+        root = windows_path(self.make_tree())
+        breadth = self.lines("tree", root)
+        self.assertEqual(sorted(breadth), sorted([".", "A", "B", "A\\A1", "A\\A2"]))
+        self.assertEqual(breadth[0], ".")
+        depth = self.lines("tree", root, "--depth-first")
+        self.assertEqual(sorted(depth), sorted(breadth))
+        self.assertEqual(depth[-1], ".")
+        self.assertLess(depth.index("A\\A1"), depth.index("A"))
+
+    def test_tree_lists_files_of_any_script(self):
+        root = windows_path(self.make_tree())
+        self.assertEqual(sorted(self.lines("tree", root, "--files")),
+                         sorted(["r.txt", "A\\a.txt", "A\\A1\\ÄЖ山.txt"]))
+        self.assertEqual(self.lines("tree", root, "--files", "--pattern", "a*"), ["A\\a.txt"])
+        self.assertEqual(self.lines("tree", root, "--files", "--filter", "0x10", "--totals"), ["4 files, 0 bytes"])
+        self.assertEqual(self.lines("tree", root, "--files", "--totals"), ["3 files, 9 bytes"])
+
+    def test_tree_refuses_what_is_no_folder_or_no_filter(self):
+        self.assert_fails(1, "is no folder", "tree", windows_path(self.folder / "missing"))
+        for code in ("x", "0x10000", "-1", "1x"):
+            with self.subTest(code):
+                self.assert_fails(1, "is no filter code", "tree", windows_path(self.folder), f"--filter={code}")
+
+    def test_copy_move_and_remove_whole_trees(self):
+        root = self.make_tree()
+        listed = sorted(str(path.relative_to(root)) for path in root.rglob("*"))
+        copy, moved = self.folder / "copy", self.folder / "moved"
+        self.assertEqual(self.lines("copy", windows_path(root), windows_path(copy)), [])
+        self.assertEqual(sorted(str(path.relative_to(copy)) for path in copy.rglob("*")), listed)
+        self.assertEqual((copy / "A/a.txt").read_text(), "123")
+        self.assertEqual(self.lines("move", windows_path(copy), windows_path(moved)), [])
+        self.assertFalse(copy.exists())
+        self.assertEqual(sorted(str(path.relative_to(moved)) for path in moved.rglob("*")), listed)
+        self.assertEqual(self.lines("remove", windows_path(moved)), [])
+        self.assertFalse(moved.exists())
+
+    def test_copy_and_remove_single_files(self):
+        source, target = self.folder / "a.txt", self.folder / "b.txt"
+        source.write_text("x")
+        self.assertEqual(self.lines("copy", windows_path(source), windows_path(target)), [])
+        self.assertEqual(target.read_text(), "x")
+        self.assert_fails(1, "could not copy", "copy", windows_path(source), windows_path(target), "--fail-if-exists")
+        self.assertEqual(self.lines("remove", windows_path(target)), [])
+        self.assertFalse(target.exists())
+
+    def test_a_failed_move_leaves_the_source(self):
+        root = self.make_tree()
+        target = self.folder / "target"
+        (target / "A").mkdir(parents=True)
+        (target / "A/a.txt").write_text("other")
+        self.assert_fails(1, "could not move", "move", windows_path(root), windows_path(target), "--fail-if-exists")
+        self.assertTrue((root / "A/a.txt").exists())
+        self.assertEqual((target / "A/a.txt").read_text(), "other")
+
+    def test_what_does_not_exist_is_named(self):
+        for command in (["copy", "Z:\\missing", "Z:\\x"], ["move", "Z:\\missing", "Z:\\x"], ["remove", "Z:\\missing"]):
+            with self.subTest(command):
+                self.assert_fails(1, "\"Z:\\missing\" does not exist", *command)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,104 @@
+// Paths when there is no memory: the framework's strings are refused theirs. Only the stand-in for the framework takes
+// it where the tests can refuse it.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include "paths/PathTestSupport.h"
+#include "paths/QuonPath.h"
+#include "support/ImportPatch.h"
+
+using quon_test::ImportPatch;
+using quon_test::MakeForward;
+using quon_test::SeparatorOf;
+using quon_test::Text;
+
+namespace
+{
+
+using Allocate = void*(__cdecl*)(size_t);
+using Reallocate = void*(__cdecl*)(void*, size_t);
+
+// The first request is refused and no other: throwing takes memory too, and the run-time does not survive without.
+int g_requests = 0;
+
+void* __cdecl RefuseFirst(size_t size)
+{
+    return ++g_requests == 1 ? nullptr : ::malloc(size);
+}
+
+void* __cdecl RefuseFirstGrowth(void* memory, size_t size)
+{
+    return ++g_requests == 1 ? nullptr : ::realloc(memory, size);
+}
+
+/// While it lives, the next string that asks for memory gets none.
+class MemoryExhaustion
+{
+public:
+    MemoryExhaustion() { g_requests = 0; }
+
+private:
+    static constexpr const wchar_t* kFramework = L"QuonFramework.dll";
+
+    ImportPatch<Allocate> m_malloc{kFramework, "malloc", &RefuseFirst};
+    ImportPatch<Reallocate> m_realloc{kFramework, "realloc", &RefuseFirstGrowth};
+};
+
+/// Runs `work` without memory and tells whether it threw what the framework throws then.
+template <typename Work>
+bool Throws(Work work)
+{
+    try
+    {
+        const MemoryExhaustion exhaustion;
+        work();
+    }
+    catch (CMemoryException* exception)
+    {
+        exception->Delete();
+        return true;
+    }
+    return false;
+}
+
+TEST(QuonPathWithoutMemory, NormalizeLeavesTheTextAndThrowsNothing)
+{
+    QuonPath path;
+    MakeForward(path, L"a//b");
+    const QuonPath sharer(path);
+    EXPECT_FALSE(Throws([&] { path.Normalize(); }));
+    EXPECT_GT(g_requests, 0);
+    EXPECT_EQ(Text(path), L"a//b");
+    EXPECT_EQ(SeparatorOf(path), L"/");
+    path.Normalize();
+    EXPECT_EQ(Text(path), L"a/b");
+}
+
+TEST(QuonPathWithoutMemory, JoiningThrowsAndLeavesTheText)
+{
+    QuonPath path(L"a//b", 0);
+    const QuonPath sharer(path);
+    EXPECT_TRUE(Throws([&] { path.Append(L"c"); }));
+    EXPECT_EQ(Text(path), L"a//b");
+    EXPECT_TRUE(Throws([&] { path + L"c"; }));
+    EXPECT_TRUE(Throws([&] { path.SetDirectory(L"x"); }));
+    EXPECT_TRUE(Throws([&] { path.SetDrive(L"x"); }));
+    EXPECT_TRUE(Throws([&] { path.RemoveFirstComponent(); }));
+    EXPECT_TRUE(Throws([&] { path.RemoveLastComponent(); }));
+    EXPECT_EQ(Text(path), L"a//b");
+}
+
+TEST(QuonPathWithoutMemory, CopyingNeedsNone)
+{
+    const QuonPath path(L"a//b", 0);
+    EXPECT_FALSE(Throws(
+        [&]
+        {
+            const QuonPath copy(path);
+            QuonPath assigned;
+            assigned = path;
+            EXPECT_EQ(static_cast<const wchar_t*>(copy), static_cast<const wchar_t*>(assigned));
+        }));
+}
+
+}  // namespace

@@ -1,0 +1,223 @@
+#include "points/QuonUnsortedPointString.h"
+
+#include "points/PointTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <type_traits>
+
+namespace
+{
+
+using quon_test::Points;
+using quon_test::Probe;
+using quon_test::Shown;
+using quon_test::TextOf;
+using quon_test::WalkPoints;
+
+struct FormatRow
+{
+    Points added;
+    const wchar_t* text;
+};
+
+TEST(QuonUnsortedPointString, WritesThePointsInTheirOrder)
+{
+    for (const FormatRow& row : {
+             FormatRow{{3, 1, 2}, L"3,1-2"},
+             FormatRow{{5, 5}, L"5,5"},
+             FormatRow{{7, 6, 5, 9}, L"7-5,9"},
+             FormatRow{{1, 2, 3, 10, 9, 8, 8, 4}, L"1-3,10-8,8,4"},
+             FormatRow{{5, 4}, L"5-4"},
+             FormatRow{{1}, L"1"},
+             FormatRow{{1, 2}, L"1-2"},
+             FormatRow{{1, 2, 1, 2}, L"1-2,1-2"},
+             FormatRow{{1, 2, 3, 2, 1}, L"1-3,2-1"},
+             FormatRow{{3, 2, 1, 2, 3}, L"3-1,2-3"},
+             FormatRow{{1, 2, 2, 3}, L"1-2,2-3"},
+             FormatRow{{1, 3, 5}, L"1,3,5"},
+             FormatRow{{1, 2, 4, 5}, L"1-2,4-5"},
+             FormatRow{{1, 2, 5, 4}, L"1-2,5-4"},
+             FormatRow{{1, 2, 3, 3, 3, 4}, L"1-3,3,3-4"},
+         })
+    {
+        SCOPED_TRACE(Shown(row.text));
+        QuonUnsortedPointString string;
+        for (const unsigned long point : row.added)
+        {
+            string.AddPoint(point);
+        }
+        EXPECT_EQ(TextOf(string), L"") << "the text follows with UpdateText";
+        string.UpdateText();
+        EXPECT_EQ(TextOf(string), row.text);
+        EXPECT_EQ(WalkPoints(string), row.added) << "and reads back";
+    }
+}
+
+// "%ld" prints a signed number, and differences wrap at 32 bits.
+TEST(QuonUnsortedPointString, NumbersWrapAndPrintSigned)
+{
+    for (const FormatRow& row : {
+             FormatRow{{0}, L"0"},
+             FormatRow{{0, 1, 2}, L"0-2"},
+             FormatRow{{2147483647}, L"2147483647"},
+             FormatRow{{2147483648}, L"-2147483648"},
+             FormatRow{{2147483647, 2147483648}, L"2147483647--2147483648"},
+             FormatRow{{4294967295}, L"-1"},
+             FormatRow{{4294967294, 4294967295, 0, 1}, L"-2-1"},
+             FormatRow{{1, 0, 4294967295}, L"1--1"},
+             FormatRow{{0, 4294967295}, L"0--1"},
+             FormatRow{{4294967295, 0}, L"-1-0"},
+             FormatRow{{4294967295, 1}, L"-1,1"},
+             FormatRow{{4294966272}, L"-1024"},
+             FormatRow{{3000000000, 7}, L"-1294967296,7"},
+         })
+    {
+        SCOPED_TRACE(Shown(row.text));
+        QuonUnsortedPointString string;
+        for (const unsigned long point : row.added)
+        {
+            string.AddPoint(point);
+        }
+        string.UpdateText();
+        EXPECT_EQ(TextOf(string), row.text);
+    }
+}
+
+TEST(QuonUnsortedPointString, AddsTheNumberThatATextBeginsWith)
+{
+    struct Row
+    {
+        const wchar_t* added;
+        const wchar_t* text;
+    };
+    for (const Row& row : {
+             Row{L"5", L"5"},
+             Row{L"5-7", L"5"},
+             Row{L" 12 34", L"12"},
+             Row{L"\t+6x", L"6"},
+             Row{L"-6", L"-6"},
+             Row{L"", L"0"},
+             Row{L"x5", L"0"},
+             Row{nullptr, L"0"},
+             Row{L"2147483648", L"2147483647"},
+             Row{L"99999999999", L"2147483647"},
+             Row{L"-99999999999", L"-2147483648"},
+         })
+    {
+        SCOPED_TRACE(row.added == nullptr ? "null" : Shown(row.added));
+        QuonUnsortedPointString string;
+        string.AddPoint(row.added);
+        string.UpdateText();
+        EXPECT_EQ(TextOf(string), row.text);
+    }
+}
+
+TEST(QuonUnsortedPointString, AppendsToTheTextThatIsThere)
+{
+    struct Row
+    {
+        const wchar_t* before;
+        const wchar_t* after;
+    };
+    for (const Row& row : {
+             Row{L"1-2", L"1-2,3"},
+             Row{L"1,2", L"1,2,3"},
+             Row{L"1,2 \t\r\n", L"1,2,3"},
+             Row{L"", L"3"},
+             Row{L"   ", L"3"},
+             Row{L" 1", L" 1,3"},
+             Row{L"1,", L"1,,3"},
+             Row{L"x", L"x,3"},
+         })
+    {
+        SCOPED_TRACE(Shown(row.before));
+        QuonUnsortedPointString string;
+        string.SetText(row.before);
+        string.AddPoint(3);
+        string.UpdateText();
+        EXPECT_EQ(TextOf(string), row.after);
+    }
+}
+
+TEST(QuonUnsortedPointString, NewPointsAreNotMergedIntoEarlierRanges)
+{
+    QuonUnsortedPointString string;
+    string.AddPoint(1);
+    string.AddPoint(2);
+    string.UpdateText();
+    string.AddPoint(3);
+    string.UpdateText();
+    EXPECT_EQ(TextOf(string), L"1-2,3");
+    string.UpdateText();
+    EXPECT_EQ(TextOf(string), L"1-2,3") << "the list was emptied";
+}
+
+TEST(QuonUnsortedPointString, AnEmptyListTrimsTheTextAtTheRight)
+{
+    QuonUnsortedPointString string;
+    string.SetText(L" 1, 2 \t ");
+    string.UpdateText();
+    EXPECT_EQ(TextOf(string), L" 1, 2");
+    string.SetText(L" \t ");
+    string.UpdateText();
+    EXPECT_EQ(TextOf(string), L"");
+}
+
+TEST(QuonUnsortedPointString, AssignLeavesTheListAndClearEmptiesIt)
+{
+    QuonUnsortedPointString string;
+    string.AddPoint(4);
+    string.Assign(QuonPointString(L"7-9"));
+    EXPECT_EQ(TextOf(string), L"7-9");
+    string.UpdateText();
+    EXPECT_EQ(TextOf(string), L"7-9,4");
+    string.AddPoint(5);
+    string.Clear();
+    EXPECT_EQ(TextOf(string), L"");
+    string.UpdateText();
+    EXPECT_EQ(TextOf(string), L"");
+}
+
+TEST(QuonUnsortedPointString, OnlyUpdatingAnEmptyListLeavesChangedAlone)
+{
+    Probe<QuonUnsortedPointString> string;
+    EXPECT_EQ(string.m_changed, 1);
+    const auto expectChange = [&](const char* name, int changed, auto operation)
+    {
+        SCOPED_TRACE(name);
+        string.m_changed = 0;
+        operation();
+        EXPECT_EQ(string.m_changed, changed);
+    };
+    expectChange("AddPoint text", 1, [&] { string.AddPoint(L"5"); });
+    expectChange("AddPoint number", 1, [&] { string.AddPoint(7ul); });
+    expectChange("UpdateText", 1, [&] { string.UpdateText(); });
+    expectChange("UpdateText of nothing", 0, [&] { string.UpdateText(); });
+    string.SetText(L"1 ");
+    expectChange("UpdateText that trims", 0, [&] { string.UpdateText(); });
+    EXPECT_EQ(TextOf(string), L"1");
+    expectChange("Clear", 1, [&] { string.Clear(); });
+    expectChange("Clear of nothing", 1, [&] { string.Clear(); });
+}
+
+TEST(QuonUnsortedPointString, TheBufferHoldsTheNumberPrintedLast)
+{
+    Probe<QuonUnsortedPointString> string;
+    string.AddPoint(7);
+    string.AddPoint(4294966296);
+    string.UpdateText();
+    EXPECT_STREQ(string.m_format, L"-1000");
+    string.UpdateText();
+    EXPECT_STREQ(string.m_format, L"-1000") << "nothing was printed";
+    string.AddPoint(7);
+    string.AddPoint(8);
+    string.AddPoint(9);
+    string.UpdateText();
+    EXPECT_STREQ(string.m_format, L"9");
+}
+
+static_assert(!std::is_copy_constructible_v<QuonUnsortedPointString>);
+static_assert(!std::is_copy_assignable_v<QuonUnsortedPointString>);
+
+}  // namespace
