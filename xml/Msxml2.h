@@ -145,6 +145,7 @@ Interface* NotNull(Interface* object)
 
 // Nodes.
 
+/// The name of a node.
 inline _bstr_t GetNodeName(IXMLDOMNode* node)
 {
     BSTR name = nullptr;
@@ -152,6 +153,7 @@ inline _bstr_t GetNodeName(IXMLDOMNode* node)
     return _bstr_t(name, false);
 }
 
+/// The value of a node; empty for one that has none.
 inline _variant_t GetNodeValue(IXMLDOMNode* node)
 {
     _variant_t value;
@@ -159,6 +161,7 @@ inline _variant_t GetNodeValue(IXMLDOMNode* node)
     return value;
 }
 
+/// The value of a node in the type that its schema gives it, else the text.
 inline _variant_t GetNodeTypedValue(IXMLDOMNode* node)
 {
     _variant_t value;
@@ -166,6 +169,7 @@ inline _variant_t GetNodeTypedValue(IXMLDOMNode* node)
     return value;
 }
 
+/// The text of a node and of all below it.
 inline _bstr_t GetText(IXMLDOMNode* node)
 {
     BSTR text = nullptr;
@@ -181,6 +185,7 @@ inline IXMLDOMNamedNodeMapPtr GetAttributes(IXMLDOMNode* node)
     return IXMLDOMNamedNodeMapPtr(attributes, false);
 }
 
+/// The children of a node, a live list.
 inline IXMLDOMNodeListPtr GetChildNodes(IXMLDOMNode* node)
 {
     IXMLDOMNodeList* children = nullptr;
@@ -188,6 +193,7 @@ inline IXMLDOMNodeListPtr GetChildNodes(IXMLDOMNode* node)
     return IXMLDOMNodeListPtr(children, false);
 }
 
+/// The first child; empty when there is none.
 inline IXMLDOMNodePtr GetFirstChild(IXMLDOMNode* node)
 {
     IXMLDOMNode* child = nullptr;
@@ -195,6 +201,7 @@ inline IXMLDOMNodePtr GetFirstChild(IXMLDOMNode* node)
     return IXMLDOMNodePtr(child, false);
 }
 
+/// The next sibling; empty when there is none.
 inline IXMLDOMNodePtr GetNextSibling(IXMLDOMNode* node)
 {
     IXMLDOMNode* sibling = nullptr;
@@ -202,6 +209,7 @@ inline IXMLDOMNodePtr GetNextSibling(IXMLDOMNode* node)
     return IXMLDOMNodePtr(sibling, false);
 }
 
+/// The first node that the query finds from a node on; empty when there is none.
 inline IXMLDOMNodePtr SelectSingleNode(IXMLDOMNode* node, const _bstr_t& query)
 {
     IXMLDOMNode* found = nullptr;
@@ -219,6 +227,7 @@ inline IXMLDOMNodePtr AppendChild(IXMLDOMNode* node, IXMLDOMNode* child)
 
 // Lists and maps.
 
+/// The number of entries.
 inline long GetLength(IXMLDOMNodeList* list)
 {
     long length = 0;
@@ -240,6 +249,7 @@ inline void Reset(IXMLDOMNodeList* list)
     Check(NotNull(list)->reset(), list);
 }
 
+/// The number of entries.
 inline long GetLength(IXMLDOMNamedNodeMap* map)
 {
     long length = 0;
@@ -247,6 +257,7 @@ inline long GetLength(IXMLDOMNamedNodeMap* map)
     return length;
 }
 
+/// The next entry of the iteration; empty at the end.
 inline IXMLDOMNodePtr NextNode(IXMLDOMNamedNodeMap* map)
 {
     IXMLDOMNode* node = nullptr;
@@ -254,6 +265,7 @@ inline IXMLDOMNodePtr NextNode(IXMLDOMNamedNodeMap* map)
     return IXMLDOMNodePtr(node, false);
 }
 
+/// The attribute of that name; empty when there is none.
 inline IXMLDOMNodePtr GetNamedItem(IXMLDOMNamedNodeMap* map, const _bstr_t& name)
 {
     IXMLDOMNode* node = nullptr;
@@ -263,6 +275,7 @@ inline IXMLDOMNodePtr GetNamedItem(IXMLDOMNamedNodeMap* map, const _bstr_t& name
 
 // Elements.
 
+/// Sets an attribute of an element, making it when there is none.
 inline void SetAttribute(IXMLDOMElement* element, const _bstr_t& name, const _variant_t& value)
 {
     Check(NotNull(element)->setAttribute(name, value), element);
@@ -270,6 +283,7 @@ inline void SetAttribute(IXMLDOMElement* element, const _bstr_t& name, const _va
 
 // Documents.
 
+/// Whether the next load returns before the document is complete.
 inline void PutAsync(IXMLDOMDocument* document, VARIANT_BOOL async)
 {
     Check(NotNull(document)->put_async(async), document);
@@ -289,6 +303,7 @@ inline HRESULT Save(IXMLDOMDocument* document, const _variant_t& destination)
     return Check(NotNull(document)->save(destination), document);
 }
 
+/// How far a load has come; 4 when it is complete.
 inline long GetReadyState(IXMLDOMDocument* document)
 {
     long state = 0;
@@ -296,6 +311,7 @@ inline long GetReadyState(IXMLDOMDocument* document)
     return state;
 }
 
+/// What the last load found wrong.
 inline IXMLDOMParseErrorPtr GetParseError(IXMLDOMDocument* document)
 {
     IXMLDOMParseError* error = nullptr;
@@ -303,6 +319,7 @@ inline IXMLDOMParseErrorPtr GetParseError(IXMLDOMDocument* document)
     return IXMLDOMParseErrorPtr(error, false);
 }
 
+/// Makes an element that is not in the tree yet.
 inline IXMLDOMElementPtr CreateElement(IXMLDOMDocument* document, const _bstr_t& name)
 {
     IXMLDOMElement* element = nullptr;
@@ -310,6 +327,7 @@ inline IXMLDOMElementPtr CreateElement(IXMLDOMDocument* document, const _bstr_t&
     return IXMLDOMElementPtr(element, false);
 }
 
+/// Makes a text that is not in the tree yet.
 inline IXMLDOMTextPtr CreateTextNode(IXMLDOMDocument* document, const _bstr_t& text)
 {
     IXMLDOMText* node = nullptr;
@@ -317,6 +335,7 @@ inline IXMLDOMTextPtr CreateTextNode(IXMLDOMDocument* document, const _bstr_t& t
     return IXMLDOMTextPtr(node, false);
 }
 
+/// Makes a CDATA section that is not in the tree yet.
 inline IXMLDOMCDATASectionPtr CreateCDataSection(IXMLDOMDocument* document, const _bstr_t& data)
 {
     IXMLDOMCDATASection* section = nullptr;
@@ -324,6 +343,7 @@ inline IXMLDOMCDATASectionPtr CreateCDataSection(IXMLDOMDocument* document, cons
     return IXMLDOMCDATASectionPtr(section, false);
 }
 
+/// Makes a processing instruction that is not in the tree yet.
 inline IXMLDOMProcessingInstructionPtr CreateProcessingInstruction(IXMLDOMDocument* document, const _bstr_t& target,
                                                                    const _bstr_t& data)
 {
@@ -332,6 +352,7 @@ inline IXMLDOMProcessingInstructionPtr CreateProcessingInstruction(IXMLDOMDocume
     return IXMLDOMProcessingInstructionPtr(instruction, false);
 }
 
+/// Makes an attribute that belongs to no element yet.
 inline IXMLDOMAttributePtr CreateAttribute(IXMLDOMDocument* document, const _bstr_t& name)
 {
     IXMLDOMAttribute* attribute = nullptr;
@@ -339,6 +360,7 @@ inline IXMLDOMAttributePtr CreateAttribute(IXMLDOMDocument* document, const _bst
     return IXMLDOMAttributePtr(attribute, false);
 }
 
+/// Makes a node of any type that is not in the tree yet.
 inline IXMLDOMNodePtr CreateNode(IXMLDOMDocument* document, const _variant_t& type, const _bstr_t& name,
                                  const _bstr_t& namespaceUri)
 {
@@ -349,6 +371,7 @@ inline IXMLDOMNodePtr CreateNode(IXMLDOMDocument* document, const _variant_t& ty
 
 // Parse errors.
 
+/// The code of the error, 0 without one.
 inline long GetErrorCode(IXMLDOMParseError* error)
 {
     long code = 0;
@@ -356,6 +379,7 @@ inline long GetErrorCode(IXMLDOMParseError* error)
     return code;
 }
 
+/// The line of the error, counted from 1; 0 when it is not known.
 inline long GetLine(IXMLDOMParseError* error)
 {
     long line = 0;
@@ -363,6 +387,7 @@ inline long GetLine(IXMLDOMParseError* error)
     return line;
 }
 
+/// The place of the error in its line.
 inline long GetLinePosition(IXMLDOMParseError* error)
 {
     long position = 0;
@@ -370,6 +395,7 @@ inline long GetLinePosition(IXMLDOMParseError* error)
     return position;
 }
 
+/// The parser's own text for the error.
 inline _bstr_t GetReason(IXMLDOMParseError* error)
 {
     BSTR reason = nullptr;
@@ -377,6 +403,7 @@ inline _bstr_t GetReason(IXMLDOMParseError* error)
     return _bstr_t(reason, false);
 }
 
+/// The document in which the error was found.
 inline _bstr_t GetUrl(IXMLDOMParseError* error)
 {
     BSTR url = nullptr;

@@ -32,16 +32,24 @@ public:
     /// Writes `count` bytes. @return `S_OK`; `E_FAIL` when the write failed or the stream was not opened for writing
     HRESULT STDMETHODCALLTYPE Write(const void* buffer, ULONG count, ULONG* written) override;
 
-    // All of these return `E_FAIL`.
+    /// Not offered. @return `E_FAIL`
     HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* position) override;
+    /// Not offered. @return `E_FAIL`
     HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER size) override;
+    /// Not offered. @return `E_FAIL`
     HRESULT STDMETHODCALLTYPE CopyTo(IStream* stream, ULARGE_INTEGER count, ULARGE_INTEGER* read,
                                      ULARGE_INTEGER* written) override;
+    /// Not offered. @return `E_FAIL`
     HRESULT STDMETHODCALLTYPE Commit(DWORD flags) override;
+    /// Not offered. @return `E_FAIL`
     HRESULT STDMETHODCALLTYPE Revert() override;
+    /// Not offered. @return `E_FAIL`
     HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER count, DWORD type) override;
+    /// Not offered. @return `E_FAIL`
     HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER count, DWORD type) override;
+    /// Not offered. @return `E_FAIL`
     HRESULT STDMETHODCALLTYPE Stat(STATSTG* statistics, DWORD flags) override;
+    /// Not offered. @return `E_FAIL`
     HRESULT STDMETHODCALLTYPE Clone(IStream** clone) override;
 
     /// Creates the file `name`, or empties it, and makes this a stream for writing. The name is taken in the ANSI code

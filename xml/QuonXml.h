@@ -26,7 +26,9 @@ public:
 
     /// Puts a new document in the place of the present one.
     HRESULT CreateDocument();
+    /// @return the document; empty when it could not be created
     MSXML2::IXMLDOMDocumentPtr GetDocument() const;
+    /// @return the stored file name
     CString GetFileName() const;
 
     /// Stores the arguments and loads.
