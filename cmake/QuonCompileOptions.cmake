@@ -3,7 +3,14 @@ add_library(quon_compile_options INTERFACE)
 target_compile_definitions(quon_compile_options INTERFACE
   UNICODE _UNICODE WINVER=0x0A00 _WIN32_WINNT=0x0A00 NOMINMAX)
 
+# The library's own targets, an extension module of the framework, add this to the options of all.
+add_library(quon_library_options INTERFACE)
+target_link_libraries(quon_library_options INTERFACE quon_compile_options)
+target_compile_definitions(quon_library_options INTERFACE QUON_BUILDING_LIBRARY)
+
 if(MSVC)
+  # The run-time's classic functions are used on purpose: their exact results are part of the interfaces.
+  target_compile_definitions(quon_library_options INTERFACE _AFXEXT _CRT_SECURE_NO_WARNINGS)
   target_compile_options(quon_compile_options INTERFACE
     /W4 /permissive- /Zc:__cplusplus /utf-8 /fp:precise $<$<BOOL:${QUON_WARNINGS_AS_ERRORS}>:/WX>)
 else()

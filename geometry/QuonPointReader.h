@@ -43,6 +43,7 @@ protected:
 class QUON_API QuonSinglePointReader : public QuonPointReader
 {
 public:
+    /// Reads the point (x, y, z).
     QuonSinglePointReader(double x, double y, double z);
 
     bool GetNextPoint(double* x, double* y, double* z, bool* end) override;

@@ -28,8 +28,10 @@ std::size_t BlockLength(int physicalLength)
     {
         return length;
     }
-    const unsigned int step = std::bit_floor(length) / 4;
-    return (std::size_t{length} + step - 1) / step * step;
+    // A quarter of the largest power of two within the length.
+    const int shift = std::bit_width(length) - 3;
+    const std::size_t mask = (std::size_t{1} << shift) - 1;
+    return (length + mask) & ~mask;
 }
 
 /// Gives the block `points` of an array of `physicalLength` points (null for 0) room for `newPhysicalLength` points.

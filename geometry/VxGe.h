@@ -19,9 +19,9 @@
 /// A point in space.
 struct VxGePoint3d
 {
-    double x;
-    double y;
-    double z;
+    double x;  ///< In the plan, in drawing units.
+    double y;  ///< In the plan, in drawing units.
+    double z;  ///< The elevation, in drawing units.
 };
 
 /// A growable array of points. Removing and assigning keep the storage, so that an array which is filled again and
@@ -62,7 +62,7 @@ public:
         m_logicalLength += 1;
     }
 
-    /// Adds copies of the `count` points from `points` on, which may be the array's own.
+    /// Adds copies of the `count` points (not negative) from `points` on, which may be the array's own.
     void Append(const VxGePoint3d* points, int count)
     {
         if (count > m_physicalLength - m_logicalLength)
@@ -87,6 +87,7 @@ public:
 
     /// The first point; null while the physical length is 0. Valid until the array grows, is assigned to or ends.
     VxGePoint3d* GetPoints() { return m_points; }
+    /// As above, for reading.
     const VxGePoint3d* GetPoints() const { return m_points; }
 
     /// The points that the storage has room for.
@@ -95,15 +96,21 @@ public:
     int GetLogicalLength() const { return m_logicalLength; }
     /// The points that the storage gains, once or several times, whenever appended points find it full.
     int GetGrowLength() const { return m_growLength; }
+    /// Whether no points are in use.
     bool IsEmpty() const { return m_logicalLength == 0; }
 
     /// The point at `index`, which is not checked.
     VxGePoint3d& operator[](int index) { return m_points[index]; }
+    /// As above, for reading.
     const VxGePoint3d& operator[](int index) const { return m_points[index]; }
 
+    /// The points in use as a range; its ends stay valid as long as GetPoints().
     VxGePoint3d* begin() { return m_points; }
+    /// One past the last point in use.
     VxGePoint3d* end() { return m_points + m_logicalLength; }
+    /// As above, for reading.
     const VxGePoint3d* begin() const { return m_points; }
+    /// As above, for reading.
     const VxGePoint3d* end() const { return m_points + m_logicalLength; }
 
 private:

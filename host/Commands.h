@@ -10,5 +10,8 @@ void AddFoldersCommand(CLI::App& app);
 void AddTreeCommand(CLI::App& app);
 void AddFileCommands(CLI::App& app);
 void AddSplitCommand(CLI::App& app);
+void AddPointsCommand(CLI::App& app);
+void AddSortCommand(CLI::App& app);
+void AddAngleCommand(CLI::App& app);
 
 }  // namespace quonhost

@@ -1,7 +1,10 @@
 #include "host/Commands.h"
 #include "host/Console.h"
+#include "host/ProgressBar.h"
 
 #include "paths/QuonPath.h"
+#include "support/Progress.h"
+#include "support/QuonTimer.h"
 #include "traversal/QuonDirectoryTrees.h"
 #include "traversal/QuonFileTrees.h"
 
@@ -17,6 +20,8 @@ struct TreeOptions
     std::string folder;
     std::string pattern = "*";
     std::string filter = "0x20";
+    std::string timerLog;
+    bool progress = false;
     bool files = false;
     bool depthFirst = false;
     bool totalsOnly = false;
@@ -46,13 +51,27 @@ unsigned long long SizeOf(const QuonPath& file)
     return (static_cast<unsigned long long>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
 }
 
+// The bar moves every so many entries: drawing costs more than an entry.
+void ReportProgress(unsigned long long entries)
+{
+    constexpr unsigned long long kStep = 64;
+    if (entries % kStep == 0)
+    {
+        ProgressSetPosition(static_cast<UINT>(entries));
+    }
+    if (ProgressPoll())
+    {
+        throw CommandError(std::string("stopped"));
+    }
+}
+
 Totals Walk(const TreeOptions& options, const QuonPath& root, unsigned int filter)
 {
     Totals totals;
     const std::unique_ptr<QuonFileMatch> walk = MakeWalk(options);
     for (walk->FindFirst(root, ToWide(options.pattern).c_str(), filter); walk->IsFound(); walk->FindNext())
     {
-        ++totals.entries;
+        ReportProgress(++totals.entries);
         if (options.files && options.totalsOnly)
         {
             totals.bytes += SizeOf(walk->GetFoundPath());
@@ -63,6 +82,29 @@ Totals Walk(const TreeOptions& options, const QuonPath& root, unsigned int filte
             PrintLine(*static_cast<const wchar_t*>(name) ? static_cast<const wchar_t*>(name) : L".");
         }
     }
+    return totals;
+}
+
+unsigned int CountEntries(const TreeOptions& options, const QuonPath& root, unsigned int filter)
+{
+    const QuonProgressDisabler quiet;
+    unsigned int count = 0;
+    const std::unique_ptr<QuonFileMatch> walk = MakeWalk(options);
+    for (walk->FindFirst(root, ToWide(options.pattern).c_str(), filter); walk->IsFound(); walk->FindNext())
+    {
+        ReportProgress(++count);
+    }
+    return count;
+}
+
+Totals WalkWithProgress(const TreeOptions& options, const QuonPath& root, unsigned int filter)
+{
+    const bool isVisible = options.progress || IsProgressVisible();
+    const ProgressBar bar(isVisible);
+    // A bar needs to know the whole, which is known only after a walk: there are two when somebody looks.
+    ProgressBegin(0, isVisible ? CountEntries(options, root, filter) : 0);
+    const Totals totals = Walk(options, root, filter);
+    ProgressSetPosition(static_cast<UINT>(totals.entries));
     return totals;
 }
 
@@ -94,7 +136,11 @@ void PrintTree(const TreeOptions& options)
     {
         throw CommandError("\"" + options.folder + "\" is no folder");
     }
-    const Totals totals = Walk(options, root, filter);
+    QuonTimer timer(ToWide(options.timerLog).c_str(), FALSE, FALSE);
+    timer.StartTimer();
+    const Totals totals = WalkWithProgress(options, root, filter);
+    timer.AddLap();
+    timer.WriteReport(L"tree", TRUE);
     if (options.totalsOnly)
     {
         PrintLine(std::to_wstring(totals.entries) +
@@ -122,6 +168,9 @@ void AddTreeCommand(CLI::App& app)
             "4-5, hidden 6-7, normal 8-9, read-only 10-11, system 12-13, temporary 14-15")
         ->capture_default_str();
     command->add_flag("--totals", options->totalsOnly, "Print only how much there is");
+    command->add_flag("--progress", options->progress,
+                      "Show the progress on the error output even when that is no terminal");
+    command->add_option("--timer", options->timerLog, "Append the time that the walk took to this file");
     command->callback([options] { PrintTree(*options); });
 }
 

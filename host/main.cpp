@@ -25,13 +25,16 @@ std::vector<std::string> ReversedArguments(int count, wchar_t** arguments)
 
 int Run(int count, wchar_t** arguments)
 {
-    CLI::App app("Walks, copies, moves and removes folders, and takes paths apart, with QuonWin32Utils.", "quonhost");
+    CLI::App app("Works on folders, paths, lists of points, names and angles with QuonWin32Utils.", "quonhost");
     app.require_subcommand(1);
     app.footer("Exit code: 0 done, 1 the work failed, 2 the command line was not understood.");
     quonhost::AddFoldersCommand(app);
     quonhost::AddTreeCommand(app);
     quonhost::AddFileCommands(app);
     quonhost::AddSplitCommand(app);
+    quonhost::AddPointsCommand(app);
+    quonhost::AddSortCommand(app);
+    quonhost::AddAngleCommand(app);
     try
     {
         app.parse(ReversedArguments(count, arguments));
@@ -45,9 +48,17 @@ int Run(int count, wchar_t** arguments)
         quonhost::PrintError(std::string(error.what()) + " (see --help)");
         return quonhost::kUsage;
     }
-    catch (const quonhost::CommandError& error)
+    catch (const std::exception& error)
     {
         quonhost::PrintError(error.what());
+        return quonhost::kFailed;
+    }
+    catch (CException* error)
+    {
+        wchar_t text[256] = {};
+        error->GetErrorMessage(text, 256);
+        error->Delete();
+        quonhost::PrintError(quonhost::ToUtf8(text));
         return quonhost::kFailed;
     }
     return quonhost::kSuccess;

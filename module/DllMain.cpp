@@ -44,12 +44,23 @@ void DetachThread()
     AfxTermThread();
 }
 
-void DetachProcess()
+// Empties the list of the library's own module state: AfxCoreInitModule linked the framework into it. The record that
+// is known to the host does not serve: an attach that failed early never filled it, and then nothing would be deleted.
+void UnlinkFramework(HINSTANCE instance)
+{
+    AFX_EXTENSION_MODULE ownModule = {};
+    ownModule.bInitialized = TRUE;
+    ownModule.hModule = instance;
+    AfxTermExtensionModule(ownModule, TRUE);
+}
+
+void DetachProcess(HINSTANCE instance)
 {
     {
         AFX_MANAGE_STATE(&QuonModuleState());
         ReleaseTemporaryMaps();
         AfxWinTerm();
+        UnlinkFramework(instance);
     }
     AfxTermExtensionModule(extensionModule);
 }
@@ -70,7 +81,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID)
                 DetachThread();
                 break;
             case DLL_PROCESS_DETACH:
-                DetachProcess();
+                DetachProcess(instance);
                 break;
             default:
                 break;

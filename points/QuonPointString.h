@@ -14,9 +14,8 @@
 /// - a number: digits;
 /// - a range: number "-" number, with blanks allowed around the "-". First > last is a descending range: "20-12" stands
 ///   for 20, 19, ..., 12;
-/// - a comparison: "<" and ">" in any number, then at most one "=", then a number, which may be missing. It is valid
-/// and
-///   stands for the single point number 0, whatever its number is.
+/// - a comparison: "<" and ">" in any number, then at most one "=", then a number, which may be missing. It is valid,
+///   and whatever its number is, it stands for the single point number 0.
 ///
 /// Anything else is invalid, and so is a number or range with a bound of 0. Numbers above 2147483647 read as
 /// 2147483647. Duplicates and overlaps are kept: the walk hands points out as often as they are named. A walk stops
@@ -79,6 +78,8 @@ public:
 
     /// Attaches a text of the caller's own, which has no meaning here; null empties it.
     virtual void SetLabel(const wchar_t* label);
+
+    /// @return whether the label is not empty.
     virtual bool HasLabel() const;
 
     /// @return the label, which stays valid until it is changed; never null.
@@ -89,8 +90,8 @@ public:
     virtual BOOL IsValid();
 
     /// Counts the points with a walk of its own, and leaves the object at the end of it; an invalid item ends the
-    /// count. Each item counts last - first + 1 in 32 bits, so the count is meant for ascending ranges: "5-1" counts
-    /// 4294967293.
+    /// count. Each item counts last - first + 1 in 32 bits, so the count is meant for ascending ranges: `5-1` counts
+    /// `4294967293`.
     virtual unsigned long GetPointCount();
 
     /// The text as it was set or last written.
@@ -101,8 +102,10 @@ public:
     void SetText(const wchar_t* text);
 
 protected:
+    /// As set by the caller or as last written.
     CString m_text;
-    int m_changed;  // never read here
+    /// 1 once the text was set or rewritten; never read here.
+    int m_changed;
 
 private:
     void ParseNextRange();
@@ -123,7 +126,8 @@ private:
     unsigned long m_count;
 
 protected:
-    wchar_t m_format[128];  // the number printed last
+    /// The number printed last.
+    wchar_t m_format[128];
 
 private:
     // How much of the work text is consumed already. The field stands last, where 64-bit builds have padding: all

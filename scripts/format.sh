@@ -5,4 +5,4 @@ set -euo pipefail
 cd "$top"
 mode=(-i)
 [ "${1:-}" != --check ] || mode=(--dry-run -Werror)
-git ls-files -co --exclude-standard -z -- '*.h' '*.cpp' | xargs -0 -r clang-format-14 "${mode[@]}"
+project_files '*.h' '*.cpp' | xargs -0 -r clang-format-14 "${mode[@]}"

@@ -10,7 +10,12 @@ export WINEPREFIX=${WINEPREFIX:-$top/build/wine}
 export LC_ALL=C.UTF-8  # file names of any script, whatever the caller's locale
 export WINEDEBUG=-all
 export WINEDLLOVERRIDES="mscoree=;mshtml="
-quiet() { "$@" >/dev/null 2>&1 </dev/null; }
+die() { printf 'wine-prefix: %s\n' "$*" >&2; exit 1; }
+# Runs a command that must succeed, with no output and no lock of ours.
+quiet() { "$@" >/dev/null 2>&1 </dev/null 9>&- || die "\"$*\" failed in $WINEPREFIX"; }
+
+command -v wine >/dev/null || die "Wine is not installed: run scripts/setup.sh"
+[ ! -e "$WINEPREFIX" ] || [ -O "$WINEPREFIX" ] || die "$WINEPREFIX belongs to another user: remove it, or run as that one"
 
 ready=$WINEPREFIX/.quon-ready
 server=$(command -v wineserver || echo /usr/lib/wine/wineserver)
@@ -19,13 +24,13 @@ exec 9>"$WINEPREFIX.lock"
 flock 9
 if [ ! -e "$ready" ]; then
   echo "wine-prefix: making $WINEPREFIX (about ten seconds)"
-  quiet wineboot -i 9>&- || { echo "wine-prefix: wineboot failed in $WINEPREFIX" >&2; exit 1; }
+  quiet wineboot -i
   # Hidden windows and message boxes work without a display; a crash ends at once and opens no debugger.
-  quiet wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f 9>&-
-  quiet wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Debugger /d false /f 9>&-
-  quiet "$server" -k -w 9>&- || true
+  quiet wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
+  quiet wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Debugger /d false /f
+  "$server" -k -w 9>&- || true
   touch "$ready"
 fi
 # The server stays for some minutes after its last program, so that the next run finds it warm.
-quiet "$server" -p600 9>&- || true
-quiet wine cmd /c exit 9>&-
+"$server" -p600 >/dev/null 2>&1 </dev/null 9>&- || true
+quiet wine cmd /c exit

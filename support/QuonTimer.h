@@ -19,7 +19,7 @@ public:
     ///        Without it the folder must exist. The seconds have 32 bits: from 2038-01-19 on they are negative.
     /// @param overwrite drops what the file holds; without it new text comes behind the old.
     QuonStdioFile(const CString& path, BOOL timeStamped, BOOL overwrite);
-    virtual ~QuonStdioFile();
+    ~QuonStdioFile() override;
 
     QuonStdioFile(const QuonStdioFile&) = delete;
     QuonStdioFile& operator=(const QuonStdioFile&) = delete;
@@ -40,7 +40,7 @@ public:
     /// Opens the log file as `QuonStdioFile` does. A timer without a log (empty path, or a file that cannot be opened)
     /// measures all the same.
     QuonTimer(const CString& path, BOOL timeStamped, BOOL overwrite);
-    virtual ~QuonTimer();
+    ~QuonTimer() override;
 
     QuonTimer(const QuonTimer&) = delete;
     QuonTimer& operator=(const QuonTimer&) = delete;

@@ -15,10 +15,11 @@ class _com_error;
 /// text.
 QUON_API void DebugPrint(const wchar_t* format, ...);
 
-/// Writes one line to the debugger's output: where it comes from, which thread wrote it, and a message.
+/// Writes one line to the debugger's output: where it comes from, which thread wrote it, and a message (most of the
+/// dots are left out here):
 ///
 /// ```
-/// main(12): LOG ......................................................................TID=0000012C x=1
+/// main(12): LOG ..............TID=0000012C x=1
 /// ```
 /// The position is followed by dots up to column 98 and by the thread's number in columns 99 to 110; then come a blank,
 /// the message and a line feed. A position longer than 98 characters is not cut: the thread's number follows it

@@ -35,6 +35,19 @@ void Descend(MatcherStack& stack, QuonPath folder, const wchar_t* pattern, unsig
     }
 }
 
+// Ends a matcher's search with the scope that lists the matches, also when that has no memory for one of them.
+class SearchScope
+{
+public:
+    explicit SearchScope(QuonBasicFileMatcher& matcher) : m_matcher(matcher) {}
+    ~SearchScope() { m_matcher.Close(); }
+    SearchScope(const SearchScope&) = delete;
+    SearchScope& operator=(const SearchScope&) = delete;
+
+private:
+    QuonBasicFileMatcher& m_matcher;
+};
+
 }  // namespace
 
 QuonBFSDirectoryTree::QuonBFSDirectoryTree() : m_root(L"", QuonPathBackslash), m_folderFilter(0) {}
@@ -59,6 +72,7 @@ bool QuonBFSDirectoryTree::FindFirst(const wchar_t* root, const wchar_t* pattern
     m_root = newRoot;
     m_folderFilter = kQuonMatchFolders;
 
+    const SearchScope scope(m_matcher);
     m_matcher.SetSkipDots(TRUE);
     m_matcher.FindFirst(m_root, firstPattern, m_folderFilter);
     m_queue.emplace_back(L"", QuonPathBackslash);
@@ -66,7 +80,6 @@ bool QuonBFSDirectoryTree::FindFirst(const wchar_t* root, const wchar_t* pattern
     {
         m_queue.push_back(m_matcher.GetFoundName());
     }
-    m_matcher.Close();
     return IsFound();
 }
 
@@ -81,13 +94,13 @@ bool QuonBFSDirectoryTree::FindNext()
         return IsFound();
     }
     const QuonPath& current = m_queue.front();
+    const SearchScope scope(m_matcher);
     m_matcher.SetSkipDots(TRUE);
     m_matcher.FindFirst(m_root + current, kAnyName, m_folderFilter);
     for (; m_matcher.IsFound(); m_matcher.FindNext())
     {
         m_queue.push_back(current + m_matcher.GetFindData()->cFileName);
     }
-    m_matcher.Close();
     return IsFound();
 }
 

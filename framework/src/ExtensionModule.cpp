@@ -50,27 +50,21 @@ CDynLinkLibrary::CDynLinkLibrary(HINSTANCE hModule, HINSTANCE hResource, BOOL bS
       m_bSystem(bSystem),
       m_pNextDLL(nullptr)
 {
-    if (!bSystem)
-    {
-        RecordCall("CDynLinkLibrary");
-    }
+    RecordCall("CDynLinkLibrary", {hModule, 0, bSystem != FALSE});
     const LibraryListGuard guard;
     AfxGetModuleState()->m_libraryList.AddHead(this);
 }
 
 CDynLinkLibrary::~CDynLinkLibrary()
 {
-    if (!m_bSystem)
-    {
-        RecordCall("~CDynLinkLibrary");
-    }
+    RecordCall("~CDynLinkLibrary", {m_hModule, 0, m_bSystem != FALSE});
     const LibraryListGuard guard;
     AfxGetModuleState()->m_libraryList.Remove(this);
 }
 
 BOOL AFXAPI AfxInitExtensionModule(AFX_EXTENSION_MODULE& state, HMODULE hModule)
 {
-    if (!RecordCall("AfxInitExtensionModule"))
+    if (!RecordCall("AfxInitExtensionModule", {hModule}))
     {
         return FALSE;
     }
@@ -85,7 +79,7 @@ BOOL AFXAPI AfxInitExtensionModule(AFX_EXTENSION_MODULE& state, HMODULE hModule)
 
 void AFXAPI AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL bAll)
 {
-    RecordCall("AfxTermExtensionModule");
+    RecordCall("AfxTermExtensionModule", {state.hModule, bAll});
     if (!state.bInitialized)
     {
         return;

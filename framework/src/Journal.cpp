@@ -3,20 +3,15 @@
 #ifdef QUON_FRAMEWORK_JOURNAL
 
 #include "quon_framework_journal.h"
+#include <algorithm>
 #include <cstring>
 
 namespace
 {
-struct Call
-{
-    const char* name;
-    DWORD threadId;
-};
-
 // Without constructors and destructors: calls come while modules are still, or already, without their run-time.
 constexpr size_t kMaxCalls = 4096;
 constexpr size_t kMaxName = 64;
-Call calls[kMaxCalls];
+QuonFrameworkCall calls[kMaxCalls];
 size_t callCount;
 char failingName[kMaxName];
 QuonFrameworkFault failingFault;
@@ -32,16 +27,17 @@ public:
 };
 }  // namespace
 
-bool RecordCall(const char* name)
+bool RecordCall(const char* name, const CallDetails& details)
 {
+    AFX_MODULE_STATE* const state = AfxGetModuleState();
     QuonFrameworkFault fault;
     {
         const JournalGuard guard;
         if (callCount < kMaxCalls)
         {
-            calls[callCount++] = {name, GetCurrentThreadId()};
+            calls[callCount++] = {name, GetCurrentThreadId(), details.system, details.module, details.argument, state};
         }
-        if (std::strcmp(name, failingName) != 0)
+        if (details.system || std::strcmp(name, failingName) != 0)
         {
             return true;
         }
@@ -61,7 +57,7 @@ CString AFXAPI QuonFrameworkJournal(DWORD threadId)
     CString text;
     for (size_t i = 0; i < callCount; ++i)
     {
-        if (threadId == 0 || calls[i].threadId == threadId)
+        if (!calls[i].system && (threadId == 0 || calls[i].threadId == threadId))
         {
             if (!text.IsEmpty())
             {
@@ -71,6 +67,13 @@ CString AFXAPI QuonFrameworkJournal(DWORD threadId)
         }
     }
     return text;
+}
+
+size_t AFXAPI QuonFrameworkCalls(QuonFrameworkCall* copies, size_t capacity)
+{
+    const JournalGuard guard;
+    std::copy_n(calls, std::min(capacity, callCount), copies);
+    return callCount;
 }
 
 void AFXAPI QuonFrameworkClearJournal()

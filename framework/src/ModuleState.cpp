@@ -141,7 +141,7 @@ AFX_MAINTAIN_STATE2::~AFX_MAINTAIN_STATE2()
 
 BOOL AFXAPI AfxWinInit(HINSTANCE hInstance, HINSTANCE, LPTSTR, int)
 {
-    if (!RecordCall("AfxWinInit"))
+    if (!RecordCall("AfxWinInit", {hInstance}))
     {
         return FALSE;
     }
@@ -160,7 +160,7 @@ void AFXAPI AfxWinTerm()
 
 void AFXAPI AfxTermThread(HINSTANCE hInstTerm)
 {
-    RecordCall("AfxTermThread");
+    RecordCall("AfxTermThread", {hInstTerm});
     if (hInstTerm == nullptr || hInstTerm == AfxGetInstanceHandle())
     {
         SetTempMapLocks(0);
@@ -177,10 +177,10 @@ void AFXAPI AfxLockTempMaps()
     SetTempMapLocks(TempMapLocks() + 1);
 }
 
-BOOL AFXAPI AfxUnlockTempMaps(BOOL)
+BOOL AFXAPI AfxUnlockTempMaps(BOOL bDeleteTemps)
 {
     // There are no temporary objects to delete: only the count is kept.
-    RecordCall("AfxUnlockTempMaps");
+    RecordCall("AfxUnlockTempMaps", {nullptr, bDeleteTemps});
     const ULONG_PTR locks = TempMapLocks();
     if (locks == 0)
     {

@@ -51,6 +51,52 @@ TEST_F(JournalTest, RecordsTheCallsInTheirOrder)
     EXPECT_TRUE(QuonFrameworkJournal().IsEmpty());
 }
 
+TEST_F(JournalTest, TellsArgumentsAndModuleStates)
+{
+    const HMODULE module = GetModuleHandleW(nullptr);
+    AFX_MODULE_STATE state(TRUE, AfxGetAfxWndProc(), _MFC_VER);
+    AfxWinTerm();
+    {
+        AFX_MANAGE_STATE(&state);
+        AFX_EXTENSION_MODULE record = {};
+        AfxCoreInitModule();
+        AfxWinInit(module, nullptr, nullptr, 0);
+        AfxInitExtensionModule(record, module);
+        AfxUnlockTempMaps(-1);
+        AfxTermExtensionModule(record, TRUE);
+    }
+    QuonFrameworkCall calls[20] = {};
+    ASSERT_EQ(QuonFrameworkCalls(calls, 20), 8u);
+    const struct
+    {
+        const char* name;
+        bool system;
+        HMODULE module;
+        int argument;
+        AFX_MODULE_STATE* moduleState;
+    } expected[] = {
+        {"AfxWinTerm", false, nullptr, 0, AfxGetAppModuleState()},
+        {"AfxCoreInitModule", false, nullptr, 0, &state},
+        {"CDynLinkLibrary", true, GetModuleHandleW(L"QuonFramework.dll"), 0, &state},
+        {"AfxWinInit", false, module, 0, &state},
+        {"AfxInitExtensionModule", false, module, 0, &state},
+        {"AfxUnlockTempMaps", false, nullptr, -1, &state},
+        {"AfxTermExtensionModule", false, module, TRUE, &state},
+        {"~CDynLinkLibrary", true, GetModuleHandleW(L"QuonFramework.dll"), 0, &state},
+    };
+    for (int i = 0; i < 8; ++i)
+    {
+        SCOPED_TRACE(testing::Message() << "call " << i);
+        EXPECT_STREQ(calls[i].name, expected[i].name);
+        EXPECT_EQ(calls[i].system, expected[i].system);
+        EXPECT_EQ(calls[i].module, expected[i].module);
+        EXPECT_EQ(calls[i].argument, expected[i].argument);
+        EXPECT_EQ(calls[i].moduleState, expected[i].moduleState);
+        EXPECT_EQ(calls[i].threadId, GetCurrentThreadId());
+    }
+    EXPECT_EQ(QuonFrameworkCalls(calls, 1), 8u) << "there may be more calls than room";
+}
+
 TEST_F(JournalTest, TellsThreadsApart)
 {
     DWORD other = 0;

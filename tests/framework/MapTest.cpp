@@ -288,11 +288,12 @@ TEST(CMapTest, DoesAsItsModelDoes)
     std::mt19937 random(20240502);
     KeyMap map;
     MapModel model;
+    int timesEmptied = 0;
     for (int step = 0; step < 30000; ++step)
     {
         SCOPED_TRACE(step);
-        const unsigned number = std::uniform_int_distribution<unsigned>(0, 150)(random);
-        const int chance = step / 1000 % 2 == 0 ? 60 : 25;
+        const unsigned number = std::uniform_int_distribution<unsigned>(0, 60)(random);
+        const int chance = step / 1000 % 2 == 0 ? 60 : 2;
         if (std::uniform_int_distribution<int>(0, 99)(random) < chance)
         {
             map.SetAt(Key{number}, static_cast<int>(number) * 2);
@@ -300,7 +301,9 @@ TEST(CMapTest, DoesAsItsModelDoes)
         }
         else
         {
-            ASSERT_EQ(map.RemoveKey(Key{number}) != FALSE, model.Remove(number));
+            const bool removed = model.Remove(number);
+            ASSERT_EQ(map.RemoveKey(Key{number}) != FALSE, removed);
+            timesEmptied += removed && model.Count() == 0 ? 1 : 0;
         }
         ASSERT_EQ(map.GetCount(), model.Count());
         ASSERT_EQ(map.HasTable(), model.Count() != 0);
@@ -309,5 +312,6 @@ TEST(CMapTest, DoesAsItsModelDoes)
             ASSERT_EQ(KeysOf(map), model.Keys());
         }
     }
+    EXPECT_GT(timesEmptied, 10);
 }
 }  // namespace

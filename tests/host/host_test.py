@@ -48,12 +48,14 @@ class HostTest(unittest.TestCase):
 
     def test_bad_command_lines_give_one_line_and_exit_code_2(self):
         for arguments in ([], ["nonsense"], ["tree"], ["copy", "only-one"], ["split"], ["folders", "more"],
-                          ["tree", "x", "--no-such-option"]):
+                          ["tree", "x", "--no-such-option"], ["points"], ["points", "1", "--count", "--walk"],
+                          ["sort"], ["angle", "1", "--from", "deg"], ["angle", "1", "--from", "deg", "--to", "gon"]):
             with self.subTest(arguments):
                 self.assert_fails(2, "", *arguments)
 
     def test_help_is_everywhere(self):
-        for command in ([], ["folders"], ["tree"], ["copy"], ["move"], ["remove"], ["split"]):
+        for command in ([], ["folders"], ["tree"], ["copy"], ["move"], ["remove"], ["split"], ["points"], ["sort"],
+                        ["angle"]):
             with self.subTest(command):
                 self.assertTrue(any("Usage: " in line for line in self.lines(*command, "--help")))
 
@@ -93,6 +95,61 @@ class HostTest(unittest.TestCase):
         for code in ("x", "0x10000", "-1", "1x"):
             with self.subTest(code):
                 self.assert_fails(1, "is no filter code", "tree", windows_path(self.folder), f"--filter={code}")
+
+    def test_tree_shows_progress_and_logs_its_time_when_asked(self):
+        root = self.make_tree()
+        log = self.folder / "walk.log"
+        for _ in range(2):
+            done = self.run_host("tree", windows_path(root), "--totals", "--progress", "--timer", windows_path(log))
+            self.assertEqual((done.returncode, done.stdout), (0, "5 folders\n"))
+            self.assertEqual(done.stderr, "\n[" + "#" * 40 + "] 5 of 5\n")  # the carriage return reads as a line feed
+        self.assertRegex(log.read_text(), r"\A(\nTimer in tree: \d+\.\d{3} sec\n){2}\Z")
+
+    def test_points_are_checked_counted_walked_and_rewritten(self):
+        for arguments, expected in (
+                (["1-3,7"], ["1-3,7"]),
+                (["5,1-4,1"], ["1-5"]),
+                (["5,1-4,1", "--unsorted"], ["5,1-4,1"]),
+                (["5,1-4,1", "--remove", "2-3"], ["1,4-5"]),
+                (["5,1-4,1", "--remove", "2-3", "--unsorted"], ["5,1,4,1"]),
+                (["3,1,2,2,3", "--unique", "--unsorted"], ["3,1-2"]),
+                (["3-1,9", "--walk"], ["3", "2", "1", "9"]),
+                (["3-1,9", "--ranges"], ["3 1", "9 9"]),
+                (["3-1,9", "--count"], ["4"]),
+                (["1-2000000000", "--count"], ["2000000000"]),
+                (["3,1,2,2", "--unique"], ["1-3"]),
+                (["3,1,2", "--remove", "", "--walk"], ["1", "2", "3"]),
+                (["5,1-4", "--remove", "2", "--count"], ["4"]),
+                (["5,1-4", "--remove", "2", "--ranges"], ["1 1", "3 5"]),
+                (["1;2", "--valid"], ["invalid"]),
+                (["", "--valid"], ["valid"]),
+                (["20-12", "--valid"], ["valid"])):
+            with self.subTest(arguments):
+                self.assertEqual(self.lines("points", *arguments), expected)
+
+    def test_points_refuses_what_is_no_list(self):
+        self.assert_fails(1, "\"1;2\" is no list of points", "points", "1;2")
+        self.assert_fails(1, "\"x\" is no list of points", "points", "1", "--remove", "x")
+        self.assert_fails(1, "--valid looks at the list as it is", "points", "1", "--remove", "2", "--valid")
+
+    def test_sort_puts_lines_in_natural_order(self):
+        names = self.folder / "names.txt"
+        names.write_text("\ufefffile10\r\nfile2\nФайл 12\nФайл 3\nFile3\n", encoding="utf-8")
+        self.assertEqual(self.lines("sort", windows_path(names)), ["File3", "file2", "file10", "Файл 3", "Файл 12"])
+        self.assertEqual(self.lines("sort", windows_path(names), "--ignore-case"),
+                         ["file2", "File3", "file10", "Файл 3", "Файл 12"])
+        self.assert_fails(1, "cannot be read", "sort", windows_path(self.folder / "missing.txt"))
+
+    def test_angle_converts_between_degrees_radians_and_dms(self):
+        for value, source, target, expected in (
+                ("180", "deg", "rad", "3.14159265358979"), ("3.141592653589793", "rad", "deg", "180"),
+                ("12.3045", "dms", "deg", "12.5125"), ("12.5125", "deg", "dms", "12.300075"),
+                ("-45", "deg", "deg", "-45"), ("90", "dms", "rad", "1.5707963267949")):
+            with self.subTest((value, source, target)):
+                self.assertEqual(self.lines("angle", "--from", source, "--to", target, "--", value), [expected])
+        for value in ("", "x", "1e999", "nan"):
+            with self.subTest(value):
+                self.assert_fails(1, "is no number", "angle", value, "--from", "deg", "--to", "rad")
 
     def test_copy_move_and_remove_whole_trees(self):
         root = self.make_tree()

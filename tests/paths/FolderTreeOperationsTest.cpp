@@ -84,6 +84,16 @@ TEST(CopyFolderTree, CreatesAllFoldersBeforeTheFirstFileIsCopied)
     EXPECT_LT(lastCreated - 1 - all.begin(), std::find_if(all.begin(), all.end(), is(L"CopyFileW")) - all.begin());
 }
 
+TEST(CopyFolderTree, CopiesFilesWithoutTheArchiveAttribute)
+{
+    const TemporaryFolder root;
+    FillExample(root);
+    SearchJournal journal;
+    journal.clearArchive = true;
+    EXPECT_EQ(CopyFolderTree((root / L"from").c_str(), (root / L"to").c_str(), TRUE), 0u);
+    EXPECT_EQ(NamesAndSizes(root / L"to"), NamesAndSizes(root / L"from"));
+}
+
 TEST(CopyFolderTree, FailsWithoutASourceAndCreatesNothing)
 {
     const TemporaryFolder root;
@@ -151,6 +161,16 @@ TEST(RemoveFolderTree, RemovesRandomTreesWhole)
     }
 }
 
+TEST(RemoveFolderTree, RemovesFilesWithoutTheArchiveAttribute)
+{
+    const TemporaryFolder root;
+    FillExample(root);
+    SearchJournal journal;
+    journal.clearArchive = true;
+    EXPECT_EQ(RemoveFolderTree((root / L"from").c_str()), 0u);
+    EXPECT_FALSE(root.Exists(L"from"));
+}
+
 TEST(RemoveFolderTree, OfNothingSucceeds)
 {
     const TemporaryFolder root;
@@ -198,6 +218,28 @@ TEST(RemoveFolderTree, GoesOnAfterAFailure)
         names.push_back(name);
     }
     EXPECT_EQ(names, left);
+}
+
+// Windows refuses to remove a read-only folder. Where the system has no such folders, it is refused by its name.
+TEST(RemoveFolderTree, LeavesAReadOnlyFolderAndGoesOn)
+{
+    const TemporaryFolder root;
+    FillExample(root);
+    root.MakeFolder(L"from\\B\\read-only", FILE_ATTRIBUTE_READONLY);
+    root.MakeFolder(L"from\\C");
+    FileCallJournal journal;
+    const std::wstring stays = L"RemoveDirectoryW " + (root / L"from\\B\\read-only");
+    journal.fails = [&](const std::wstring& call)
+    {
+        return call == stays;
+    };
+    EXPECT_EQ(RemoveFolderTree((root / L"from").c_str()), 1u);
+    EXPECT_TRUE(root.Exists(L"from\\B\\read-only"));
+    EXPECT_EQ(journal.Of(L"SetFileAttributesW").size(), 3u) << "the attributes of files alone are touched";
+    EXPECT_EQ(journal.Of(L"RemoveDirectoryW").size(), 7u);
+    EXPECT_FALSE(root.Exists(L"from\\A"));
+    EXPECT_FALSE(root.Exists(L"from\\B\\B1"));
+    EXPECT_FALSE(root.Exists(L"from\\C")) << "comes after the folder that stayed";
 }
 
 TEST(RemoveFolderTree, ShowsAFileThatStaysOnlyThroughItsFolder)

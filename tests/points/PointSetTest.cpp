@@ -212,4 +212,21 @@ TEST(PointSets, WithoutMemoryMarksAreDropped)
     EXPECT_EQ(TextOf(sorted), L"") << "the set stays empty";
 }
 
+void* ReallocBelowAMegabyte(void* block, std::size_t size)
+{
+    return size < 1'000'000 ? std::realloc(block, size) : nullptr;
+}
+
+// What memory does not reach is dropped; the numbers below it are not.
+TEST(PointSets, WithLittleMemoryOnlyTheMarksBeyondItAreDropped)
+{
+    const ImportPatch<void* (*)(void*, std::size_t)> patch(L"QuonWin32Utils.dll", "realloc", &ReallocBelowAMegabyte);
+    QuonPointString removed(L"1-6");
+    removed.RemovePoints(L"1-5,2147483647", FALSE);
+    EXPECT_EQ(TextOf(removed), L"6");
+    QuonPointString range(L"1-6,100,2000000000");
+    range.RemovePoints(L"2-2000000000", FALSE);
+    EXPECT_EQ(TextOf(range), L"1,2000000000") << "as much of a range as there is memory for";
+}
+
 }  // namespace

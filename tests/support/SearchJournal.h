@@ -54,6 +54,9 @@ public:
     /// What FindNextFileW returns instead of TRUE, and what FindClose returns.
     BOOL nextResult = TRUE;
     BOOL closeResult = TRUE;
+    /// Whether entries lose the archive attribute, which some systems give to every file: a filter that asks for it
+    /// could not be told from one that asks for files.
+    bool clearArchive = false;
 
 private:
     static HANDLE WINAPI First(LPCWSTR path, FINDEX_INFO_LEVELS level, LPVOID data, FINDEX_SEARCH_OPS operation,
@@ -62,6 +65,10 @@ private:
         SearchJournal& journal = *s_active;
         const HANDLE search = journal.m_first.Original()(path, level, data, operation, searchFilter, flags);
         const DWORD error = GetLastError();
+        if (search != INVALID_HANDLE_VALUE)
+        {
+            journal.Adjust(*static_cast<WIN32_FIND_DATAW*>(data));
+        }
         journal.m_openings.push_back({path, level, data, operation, searchFilter, flags, search});
         if (search == INVALID_HANDLE_VALUE)
         {
@@ -80,7 +87,12 @@ private:
     static BOOL WINAPI Next(HANDLE search, LPWIN32_FIND_DATAW data)
     {
         ++s_active->m_nextCalls;
-        return s_active->m_next.Original()(search, data) ? s_active->nextResult : FALSE;
+        if (!s_active->m_next.Original()(search, data))
+        {
+            return FALSE;
+        }
+        s_active->Adjust(*data);
+        return s_active->nextResult;
     }
 
     static BOOL WINAPI Last(HANDLE search)
@@ -96,6 +108,15 @@ private:
         journal.m_open.erase(known);
         journal.m_close.Original()(search);
         return journal.closeResult;
+    }
+
+    void Adjust(WIN32_FIND_DATAW& data) const
+    {
+        if (clearArchive)
+        {
+            data.dwFileAttributes &= ~DWORD{FILE_ATTRIBUTE_ARCHIVE};
+            data.dwFileAttributes = data.dwFileAttributes == 0 ? FILE_ATTRIBUTE_NORMAL : data.dwFileAttributes;
+        }
     }
 
     static inline SearchJournal* s_active = nullptr;

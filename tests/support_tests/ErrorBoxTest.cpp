@@ -201,7 +201,8 @@ HWND FindBox(DWORD processId)
     {
         DWORD owner = 0;
         ::GetWindowThreadProcessId(window, &owner);
-        if (owner == processId && ::GetDlgItem(window, IDOK) != nullptr)
+        // A box is complete only once it is shown.
+        if (owner == processId && ::IsWindowVisible(window))
         {
             return window;
         }
@@ -219,12 +220,12 @@ std::wstring WindowText(HWND window)
 SeenBox AnswerBox(int answer)
 {
     SeenBox seen;
-    for (int i = 0; i < 500 && !seen.found; ++i)
+    for (int i = 0; i < 1000 && !seen.found; ++i)
     {
         if (const HWND box = FindBox(::GetCurrentProcessId()))
         {
             seen.found = true;
-            seen.hasOk = true;
+            seen.hasOk = ::GetDlgItem(box, IDOK) != nullptr;
             seen.hasCancel = ::GetDlgItem(box, IDCANCEL) != nullptr;
             seen.hasOwner = ::GetWindow(box, GW_OWNER) != nullptr;
             seen.caption = WindowText(box);
@@ -234,7 +235,7 @@ SeenBox AnswerBox(int answer)
         }
         else
         {
-            ::Sleep(20);
+            ::Sleep(10);
         }
     }
     return seen;

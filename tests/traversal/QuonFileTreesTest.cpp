@@ -6,6 +6,7 @@
 
 #include "support/FolderListing.h"
 #include "support/RandomTree.h"
+#include "support/SearchJournal.h"
 #include "support/TemporaryFolder.h"
 #include "traversal/QuonFileTrees.h"
 #include "traversal/Walk.h"
@@ -56,6 +57,21 @@ TEST(FileTrees, PatternHoldsForFilesAlone)
     QuonDFSFileTree depthFirst;
     EXPECT_EQ(Walk(depthFirst, root.Path(), L"*.u", 0x20), (Names{L"B\\5.u", L"7.u"}));
     EXPECT_EQ(Walk(depthFirst, root.Path(), L"3.*", 0x20), Names{L"A\\A2\\3.t"});
+}
+
+TEST(FileTrees, FilesAreWhateverIsNoFolderWithTheArchiveAttributeOrWithout)
+{
+    const TemporaryFolder root;
+    root.WriteFile(L"1");
+    root.WriteFile(L"A\\2", "", FILE_ATTRIBUTE_HIDDEN);
+    quon_test::SearchJournal journal;
+    journal.clearArchive = true;
+    QuonBFSFileTree breadthFirst;
+    QuonDFSFileTree depthFirst;
+    EXPECT_EQ(Sorted(Walk(breadthFirst, root.Path(), L"*", 0x20)), (Names{L"1", L"A\\2"}));
+    EXPECT_EQ(Sorted(Walk(depthFirst, root.Path(), L"*", 0x20)), (Names{L"1", L"A\\2"}));
+    EXPECT_EQ(Walk(breadthFirst, root.Path(), L"*", 0x1), Names{}) << "the attribute is not to be seen";
+    EXPECT_EQ(Walk(depthFirst, root.Path(), L"*", 0x1), Names{});
 }
 
 TEST(FileTrees, FilterIsTheCallers)

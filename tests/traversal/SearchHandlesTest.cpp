@@ -353,6 +353,41 @@ TEST(SearchHandles, FileTreesWalkEveryFolderAndSearchEachForThePattern)
     }
 }
 
+// The tree lives on: nothing may wait for its end or for the next walk.
+TEST(SearchHandles, BreadthFirstTreeKeepsNoneOpenWhenMemoryRunsOutWhileListing)
+{
+    const TemporaryFolder folder;
+    folder.MakeFolder(L"A\\A1");
+    folder.MakeFolder(L"A\\A2");
+    folder.MakeFolder(L"B");
+    int thrownWhileListing = 0;
+    bool failed = true;
+    for (int successes = 0; failed; ++successes)
+    {
+        ASSERT_LT(successes, 10000);
+        SearchJournal journal;
+        QuonBFSDirectoryTree tree;
+        try
+        {
+            const FailingAllocation failing(successes);
+            Walk(tree, folder.Path(), L"*", 0x10);
+            failed = failing.Failed();
+        }
+        catch (const std::bad_alloc&)
+        {
+            thrownWhileListing += journal.MostOpen() > 0 ? 1 : 0;
+        }
+        catch (CException* exception)
+        {
+            thrownWhileListing += journal.MostOpen() > 0 ? 1 : 0;
+            exception->Delete();
+        }
+        ASSERT_EQ(journal.OpenNow(), 0u) << "after " << successes << " allocations";
+        EXPECT_EQ(Walk(tree, folder.Path(), L"*", 0x10), (Names{L"", L"A", L"B", L"A\\A1", L"A\\A2"}));
+    }
+    EXPECT_GT(thrownWhileListing, 0);
+}
+
 TYPED_TEST(SearchHandlesOf, AreAllClosedWhenMemoryRunsOut)
 {
     const TemporaryFolder folder;

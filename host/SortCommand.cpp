@@ -1,0 +1,79 @@
+#include "host/Commands.h"
+#include "host/Console.h"
+
+#include "support/NaturalCompare.h"
+
+#include <algorithm>
+#include <fstream>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quonhost
+{
+namespace
+{
+
+struct SortOptions
+{
+    std::string file;
+    bool ignoreCase = false;
+};
+
+std::vector<std::wstring> ReadLines(const std::string& name)
+{
+    std::ifstream file(std::filesystem::path(ToWide(name)), std::ios::binary);
+    if (!file)
+    {
+        throw CommandError("\"" + name + "\" cannot be read");
+    }
+    std::vector<std::wstring> lines;
+    for (std::string line; std::getline(file, line);)
+    {
+        if (!line.empty() && line.back() == '\r')
+        {
+            line.pop_back();
+        }
+        lines.push_back(ToWide(line));
+    }
+    if (file.bad())
+    {
+        throw CommandError("\"" + name + "\" cannot be read to its end");
+    }
+    constexpr wchar_t kByteOrderMark = 0xFEFF;
+    if (!lines.empty() && !lines.front().empty() && lines.front().front() == kByteOrderMark)
+    {
+        lines.front().erase(0, 1);
+    }
+    return lines;
+}
+
+void PrintSorted(const SortOptions& options)
+{
+    std::vector<std::wstring> lines = ReadLines(options.file);
+    const auto compare = options.ignoreCase ? &CompareNaturalNoCase : &CompareNatural;
+    // Linguistic collation and the digits of other scripts can make natural order no strict order; a merge sort stays
+    // within its bounds even then.
+    std::stable_sort(lines.begin(), lines.end(),
+                     [compare](const std::wstring& a, const std::wstring& b)
+                     { return compare(a.c_str(), b.c_str()) < 0; });
+    for (const std::wstring& line : lines)
+    {
+        PrintLine(line);
+    }
+}
+
+}  // namespace
+
+void AddSortCommand(CLI::App& app)
+{
+    auto options = std::make_shared<SortOptions>();
+    CLI::App* command =
+        app.add_subcommand("sort", "Print the lines of a text file in natural order: file2 before file10");
+    command->add_option("file", options->file, "A UTF-8 text file")->required();
+    command->add_flag("--ignore-case", options->ignoreCase, "Take upper and lower case for the same");
+    command->callback([options] { PrintSorted(*options); });
+}
+
+}  // namespace quonhost
