@@ -15,7 +15,7 @@ CString SystemText(HRESULT result)
     const DWORD length =
         ::FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_FROM_SYSTEM,
                          nullptr, static_cast<DWORD>(result), 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
-    const CString copy(length == 0 ? nullptr : text);
+    CString copy(length == 0 ? nullptr : text);
     ::LocalFree(text);
     return copy;
 }

@@ -273,7 +273,7 @@ void CollectNodesWithAttributes(QuonNodeArray& result, const IXMLDOMNodeListPtr&
 {
     BeginSearch(nodes);
     CollectByAttributes(nodes, name, {AttributeCondition{ToBstr(attribute), value}}, recursive, result);
-}
+}  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): it does not follow the reference count of _bstr_t
 
 void CollectNodesWithAttributes(QuonNodeArray& result, const IXMLDOMNodeListPtr& nodes, const CString& name,
                                 const CStringArray& pairs, bool recursive)
@@ -288,7 +288,7 @@ void CollectNodesWithAttributes(QuonNodeArray& result, const IXMLDOMNodeListPtr&
         }
     }
     CollectByAttributes(nodes, name, conditions, recursive, result);
-}
+}  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): as above
 
 void AddNodes(QuonNodeArray* growing, const QuonNodeArray* toAdd)
 {
