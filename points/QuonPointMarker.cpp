@@ -154,7 +154,8 @@ bool QuonPointMarkerAccess::Grow(QuonPointMarker& marker, std::uint64_t from, st
     }
     // Writing a fresh page is what costs here: each is written once, zeroed or filled.
     Zero(marker.m_bits, oldSize, std::min(from / 8 + 1, size));
-    Zero(marker.m_bits, std::max(oldSize, to / 8), size);
+    // The last byte may hold bits past the count: they are clear even where `to` lies beyond it.
+    Zero(marker.m_bits, std::max(oldSize, std::min(to / 8, size - 1)), size);
     marker.m_bitCount = last + kGrowthSlack;
     return true;
 }
