@@ -3,6 +3,7 @@
 #include "geometry/PlanExtentsInternal.h"
 
 #include <limits>
+#include <utility>
 
 namespace
 {
@@ -175,6 +176,9 @@ void QuonMultiPolyFaceReader::GetExtents(double* minX, double* minY, double* max
 
 int QuonMultiPolyFaceReader::AddFace(const VxGePoint3dArray& face)
 {
-    m_polygons->push_back(face);
+    // The reader's arrays grow by its own length, whatever that of the caller's array.
+    VxGePoint3dArray copy(0, kGrowLength);
+    copy = face;
+    m_polygons->push_back(std::move(copy));
     return static_cast<int>(m_polygons->size());
 }

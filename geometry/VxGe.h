@@ -62,7 +62,7 @@ public:
         m_logicalLength += 1;
     }
 
-    /// Adds copies of the `count` points from `points` on, which may be the array's own.
+    /// Adds copies of the `count` points (not negative) from `points` on, which may be the array's own.
     void Append(const VxGePoint3d* points, int count)
     {
         if (count > m_physicalLength - m_logicalLength)

@@ -16,6 +16,7 @@ struct PointsOptions
 {
     std::string list;
     std::string remove;
+    bool hasRemove = false;
     bool valid = false;
     bool count = false;
     bool walk = false;
@@ -77,12 +78,16 @@ void RunPoints(const PointsOptions& options)
 {
     if (options.valid)
     {
+        if (options.hasRemove || options.unique)
+        {
+            throw CommandError(std::string("--valid looks at the list as it is: leave --remove and --unique out"));
+        }
         const bool isValid = QuonPointString(ToWide(options.list).c_str()).IsValid() != FALSE;
         PrintLine(isValid ? L"valid" : L"invalid");
         return;
     }
     QuonPointString points = CheckedPoints(options.list);
-    if (!options.remove.empty())
+    if (options.hasRemove)
     {
         CheckedPoints(options.remove);
         points.RemovePoints(ToWide(options.remove).c_str(), options.sorted);
@@ -119,15 +124,21 @@ void AddPointsCommand(CLI::App& app)
     command->add_option("list", options->list, "The list")->required();
     auto* output = command->add_option_group("output", "What to print; without one of these the list as rewritten");
     output->add_flag("--valid", options->valid, "Whether the list is valid");
-    output->add_flag("--count", options->count, "How many points it names");
+    output->add_flag("--count", options->count, "How many points it names, descending ranges included");
     output->add_flag("--walk", options->walk, "Every point, one a line, in the order of the list");
     output->add_flag("--ranges", options->ranges, "The first and last point of every item");
     output->require_option(0, 1);
-    command->add_option("--remove", options->remove, "Take the points of this list out");
-    command->add_flag("--unique", options->unique, "Keep every point once");
+    CLI::Option* const remove =
+        command->add_option("--remove", options->remove, "Take the points of this list out; the list is rewritten");
+    command->add_flag("--unique", options->unique, "Keep every point once; the list is rewritten");
     command->add_flag("--sorted,!--unsorted", options->sorted,
                       "Rewrite in ascending order (the default), or in list order");
-    command->callback([options] { RunPoints(*options); });
+    command->callback(
+        [options, remove]
+        {
+            options->hasRemove = remove->count() > 0;
+            RunPoints(*options);
+        });
 }
 
 }  // namespace quonhost

@@ -37,17 +37,15 @@ BOOL WINAPI OnConsoleEvent(DWORD event)
     return TRUE;
 }
 
-// With an unknown total the number alone is shown.
 void Draw(unsigned int position)
 {
-    std::string line = "\r";
+    unsigned int filled = kWidth;
     if (total > 0)
     {
-        const unsigned int filled =
-            static_cast<unsigned int>(static_cast<unsigned long long>(std::min(position, total)) * kWidth / total);
-        line += '[' + std::string(filled, '#') + std::string(kWidth - filled, ' ') + "] ";
+        filled = static_cast<unsigned int>(static_cast<unsigned long long>(std::min(position, total)) * kWidth / total);
     }
-    line += std::to_string(position);
+    const std::string line = "\r[" + std::string(filled, '#') + std::string(kWidth - filled, ' ') + "] " +
+                             std::to_string(position) + " of " + std::to_string(total);
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

@@ -37,6 +37,15 @@ std::vector<std::wstring> ReadLines(const std::string& name)
         }
         lines.push_back(ToWide(line));
     }
+    if (file.bad())
+    {
+        throw CommandError("\"" + name + "\" cannot be read to its end");
+    }
+    constexpr wchar_t kByteOrderMark = 0xFEFF;
+    if (!lines.empty() && !lines.front().empty() && lines.front().front() == kByteOrderMark)
+    {
+        lines.front().erase(0, 1);
+    }
     return lines;
 }
 
@@ -44,8 +53,8 @@ void PrintSorted(const SortOptions& options)
 {
     std::vector<std::wstring> lines = ReadLines(options.file);
     const auto compare = options.ignoreCase ? &CompareNaturalNoCase : &CompareNatural;
-    // Natural order is no strict order for every set of texts ("x1" and "x01" are equal, but "x01y" and "x1z" are told
-    // apart), and a stable merge copes with whatever it says.
+    // Linguistic collation and the digits of other scripts can make natural order no strict order; a merge sort stays
+    // within its bounds even then.
     std::stable_sort(lines.begin(), lines.end(),
                      [compare](const std::wstring& a, const std::wstring& b)
                      { return compare(a.c_str(), b.c_str()) < 0; });

@@ -51,15 +51,14 @@ unsigned long long SizeOf(const QuonPath& file)
     return (static_cast<unsigned long long>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
 }
 
-// Reports every so many entries: a report costs more than an entry.
+// The bar moves every so many entries: drawing costs more than an entry.
 void ReportProgress(unsigned long long entries)
 {
     constexpr unsigned long long kStep = 64;
-    if (entries % kStep != 0)
+    if (entries % kStep == 0)
     {
-        return;
+        ProgressSetPosition(static_cast<UINT>(entries));
     }
-    ProgressSetPosition(static_cast<UINT>(entries));
     if (ProgressPoll())
     {
         throw CommandError(std::string("stopped"));
@@ -86,10 +85,24 @@ Totals Walk(const TreeOptions& options, const QuonPath& root, unsigned int filte
     return totals;
 }
 
+unsigned int CountEntries(const TreeOptions& options, const QuonPath& root, unsigned int filter)
+{
+    const QuonProgressDisabler quiet;
+    unsigned int count = 0;
+    const std::unique_ptr<QuonFileMatch> walk = MakeWalk(options);
+    for (walk->FindFirst(root, ToWide(options.pattern).c_str(), filter); walk->IsFound(); walk->FindNext())
+    {
+        ReportProgress(++count);
+    }
+    return count;
+}
+
 Totals WalkWithProgress(const TreeOptions& options, const QuonPath& root, unsigned int filter)
 {
-    const ProgressBar bar(options.progress || IsProgressVisible());
-    ProgressBegin(0, 0);
+    const bool isVisible = options.progress || IsProgressVisible();
+    const ProgressBar bar(isVisible);
+    // A bar needs to know the whole, which is known only after a walk: there are two when somebody looks.
+    ProgressBegin(0, isVisible ? CountEntries(options, root, filter) : 0);
     const Totals totals = Walk(options, root, filter);
     ProgressSetPosition(static_cast<UINT>(totals.entries));
     return totals;
@@ -127,7 +140,7 @@ void PrintTree(const TreeOptions& options)
     timer.StartTimer();
     const Totals totals = WalkWithProgress(options, root, filter);
     timer.AddLap();
-    timer.WriteReport(CString(L"tree ") + static_cast<const wchar_t*>(root), TRUE);
+    timer.WriteReport(L"tree", TRUE);
     if (options.totalsOnly)
     {
         PrintLine(std::to_wstring(totals.entries) +

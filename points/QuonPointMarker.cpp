@@ -144,6 +144,22 @@ std::uint64_t QuonPointMarkerAccess::CountBits(const QuonPointMarker& marker)
     return std::min<std::uint64_t>(marker.m_bitCount, kEndOfPoints - marker.m_firstNumber);
 }
 
+bool QuonPointMarkerAccess::Grow(QuonPointMarker& marker, std::uint64_t from, std::uint64_t to, std::uint64_t last)
+{
+    const std::uint64_t oldSize = BytesFor(marker.m_bitCount);
+    const std::uint64_t size = BytesFor(last + kGrowthSlack);
+    if (!CanHold(marker.m_firstNumber, last + kGrowthSlack) || !Reallocate(marker.m_bits, size))
+    {
+        return false;
+    }
+    // Writing a fresh page is what costs here: each is written once, zeroed or filled.
+    Zero(marker.m_bits, oldSize, std::min(from / 8 + 1, size));
+    // The last byte may hold bits past the count: they are clear even where `to` lies beyond it.
+    Zero(marker.m_bits, std::max(oldSize, std::min(to / 8, size - 1)), size);
+    marker.m_bitCount = last + kGrowthSlack;
+    return true;
+}
+
 void QuonPointMarkerAccess::MarkRange(QuonPointMarker& marker, unsigned long lowest, unsigned long highest,
                                       unsigned long growTo)
 {
@@ -157,15 +173,16 @@ void QuonPointMarkerAccess::MarkRange(QuonPointMarker& marker, unsigned long low
     std::uint64_t to = highest - marker.m_firstNumber + std::uint64_t{1};
     if (to > marker.m_bitCount)
     {
-        const std::uint64_t last = std::max(highest, std::min(growTo, kEndOfPoints - 1)) - marker.m_firstNumber;
-        const std::uint64_t oldSize = BytesFor(marker.m_bitCount);
-        const std::uint64_t size = BytesFor(last + kGrowthSlack);
-        if (CanHold(marker.m_firstNumber, last + kGrowthSlack) && Reallocate(marker.m_bits, size))
+        const std::uint64_t wanted = std::max(highest, std::min(growTo, kEndOfPoints - 1)) - marker.m_firstNumber;
+        // Where memory is short, only the numbers that it does not reach are lost.
+        for (std::uint64_t last = wanted; last >= from && last >= marker.m_bitCount && !Grow(marker, from, to, last);)
         {
-            // Writing a fresh page is what costs here: each is written once, zeroed or filled.
-            Zero(marker.m_bits, oldSize, std::min(from / 8 + 1, size));
-            Zero(marker.m_bits, std::max(oldSize, to / 8), size);
-            marker.m_bitCount = last + kGrowthSlack;
+            last = last > to - 1 ? to - 1 : from + (last - from) / 2;
+            if (last == from)
+            {
+                Grow(marker, from, to, last);
+                break;
+            }
         }
         to = std::min(to, marker.m_bitCount);
     }

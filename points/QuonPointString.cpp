@@ -228,7 +228,10 @@ void QuonPointString::ParseOtherItem()
         return;
     }
     // Once an item was invalid no further one is read, also when the caller goes on past the end of the walk.
-    m_hasError |= item.kind == ItemKind::BadSyntax;
+    if (item.kind == ItemKind::BadSyntax)
+    {
+        m_hasError = 1;
+    }
     if (m_hasError == 0)
     {
         m_rangeFirst = item.range.first;

@@ -14,9 +14,8 @@
 /// - a number: digits;
 /// - a range: number "-" number, with blanks allowed around the "-". First > last is a descending range: "20-12" stands
 ///   for 20, 19, ..., 12;
-/// - a comparison: "<" and ">" in any number, then at most one "=", then a number, which may be missing. It is valid
-/// and
-///   stands for the single point number 0, whatever its number is.
+/// - a comparison: "<" and ">" in any number, then at most one "=", then a number, which may be missing. It is valid,
+///   and whatever its number is, it stands for the single point number 0.
 ///
 /// Anything else is invalid, and so is a number or range with a bound of 0. Numbers above 2147483647 read as
 /// 2147483647. Duplicates and overlaps are kept: the walk hands points out as often as they are named. A walk stops

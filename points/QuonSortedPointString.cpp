@@ -21,7 +21,8 @@ void QuonSortedPointString::AddPoint(unsigned long point)
 void QuonSortedPointString::UpdateText()
 {
     m_changed = 1;
-    m_text.Empty();
+    // Emptied, with the room for the new text kept.
+    m_text.Truncate(0);
     // The end would be below the first number if the sum of the two had wrapped: then there is nothing to write.
     if (m_points->GetFirstNumber() <= m_points->GetEndNumber())
     {

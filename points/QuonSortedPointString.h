@@ -7,6 +7,11 @@
 
 #include <memory>
 
+#if defined(_MSC_VER)
+#pragma warning(push)
+#pragma warning(disable : 4251)  // the member is private: no client touches it
+#endif
+
 /// Collects point numbers as a set and writes them in ascending order without duplicates, runs as ranges:
 /// {1, 2, 3, 5, 7, 8} is "1-3,5,7-8".
 ///
@@ -51,3 +56,7 @@ public:
 private:
     std::unique_ptr<QuonPointMarker> m_points;
 };
+
+#if defined(_MSC_VER)
+#pragma warning(pop)
+#endif

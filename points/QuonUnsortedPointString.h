@@ -6,6 +6,11 @@
 
 #include <afxtempl.h>
 
+#if defined(_MSC_VER)
+#pragma warning(push)
+#pragma warning(disable : 4251)  // the member is private: no client touches it
+#endif
+
 /// Collects point numbers in order, duplicates included, and appends them to the text, runs as ranges:
 /// 1, 2, 3, 10, 9, 8, 8, 4 is "1-3,10-8,8,4".
 ///
@@ -48,3 +53,7 @@ public:
 private:
     CList<unsigned long, unsigned long&> m_points;
 };
+
+#if defined(_MSC_VER)
+#pragma warning(pop)
+#endif

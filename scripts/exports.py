@@ -10,6 +10,7 @@ a symbol that goes leaves its number behind in a line "; retired @NUMBER NAME".
   exports.py history DEF           every number that ever stood in the committed list still means the same
 """
 import argparse
+import os
 import re
 import struct
 import subprocess
@@ -152,20 +153,44 @@ def check(arguments):
     finish(faults, f"{len(numbers)} exports, numbers {min(numbers.values())} to {max(numbers.values())}, no names")
 
 
+class Repository:
+    """The git repository around a folder, if there is one."""
+
+    def __init__(self, folder):
+        # Whoever owns the folder, as in a container; in English, because one message is looked at.
+        self.git = ["git", "-c", "safe.directory=*", "-C", str(folder)]
+        self.environment = {**os.environ, "LC_ALL": "C"}
+
+    def call(self, *arguments):
+        try:
+            return subprocess.run([*self.git, *arguments], capture_output=True, text=True, env=self.environment)
+        except OSError as error:
+            sys.exit(f"exports: git cannot be run: {error}")
+
+    def exists(self):
+        done = self.call("rev-parse", "--git-dir")
+        return done.returncode == 0 or "not a git repository" not in done.stderr
+
+    def output(self, *arguments):
+        done = self.call(*arguments)
+        if done.returncode != 0:
+            sys.exit(f"exports: git {arguments[0]} failed: {done.stderr.strip()}")
+        return done.stdout
+
+
 def history(arguments):
     path = Path(arguments.list)
-    git = ["git", "-C", str(path.parent)]
     numbers, _, retired, faults = parse_list(path.read_text())
     now = {number: name for name, number in numbers.items()} | retired
-    if subprocess.run([*git, "rev-parse", "HEAD"], capture_output=True).returncode != 0:
+    repository = Repository(path.parent)
+    if not repository.exists():
         print("exports: no history here, nothing to compare with")
         return
-    commits = run(*git, "log", "--format=%h", "--", path.name).split()
+    commits = repository.output("log", "--format=%h", "--", path.name).split()
     for commit in commits:
-        shown = subprocess.run([*git, "show", f"{commit}:./{path.name}"], capture_output=True, text=True)
-        if shown.returncode != 0:
-            continue
-        for name, number in parse_list(shown.stdout)[0].items():
+        if not repository.output("ls-tree", "--name-only", commit, "--", path.name):
+            continue  # this one took the list away
+        for name, number in parse_list(repository.output("show", f"{commit}:./{path.name}"))[0].items():
             if now.get(number) != name:
                 faults.append(f"{commit} gave number {number} to {name}; now it means {now.get(number, 'nothing')}")
     finish(sorted(set(faults)), f"the numbers of {len(commits)} committed lists still mean the same")

@@ -13,6 +13,7 @@ packages=(
   clang-format-14     # the style, checked by the tests
   clang-tidy-14       # the lint, checked by the tests
   doxygen             # the reference manual, built by the tests
+  libxml2-utils       # xmllint, reads the XML documents that the tests wrote
 )
 
 missing=()

@@ -47,6 +47,6 @@ double DegreesToDms(double degrees)
     double minutes = 0;
     const double fraction = std::modf(degrees, &wholeDegrees);
     const double fractionOfMinute = std::modf(fraction * 60, &minutes);
-    // The fraction of a minute stands where D.MMSS has seconds; exchanged files depend on it.
+    // The fraction of a minute stands where D.MMSS has seconds, on purpose: callers may rely on it.
     return minutes / 100 + wholeDegrees + fractionOfMinute / 10000;
 }

@@ -57,7 +57,15 @@ void AddRegion()
     {
         return;
     }
-    PagesInUse(region) = 0;
+    try
+    {
+        PagesInUse(region) = 0;
+    }
+    catch (...)
+    {
+        ::VirtualFree(region, 0, MEM_RELEASE);
+        throw;
+    }
     g_pool.regionCount += 1;
 
     void* previous = nullptr;

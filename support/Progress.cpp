@@ -13,12 +13,12 @@ enum ProgressCommand
     kSubSetPosition = 8,
 };
 
-// Times of the last calls, in the milliseconds of GetTickCount. They are for whoever looks at a process that seems to
-// hang; nothing in the library reads them.
+// Times of the last calls, in the milliseconds of GetTickCount. Nothing in the library reads them; volatile, so that
+// they are there for a debugger all the same.
 struct TickStamps
 {
-    DWORD update = 0;
-    DWORD poll = 0;
+    volatile DWORD update = 0;
+    volatile DWORD poll = 0;
 };
 
 struct ProgressState
@@ -55,7 +55,9 @@ void Begin(int command, unsigned int a, LPARAM b, unsigned int& position, TickSt
     }
     position = 0;
     Send(command, a, b);
-    stamps.update = stamps.poll = ::GetTickCount();
+    const DWORD now = ::GetTickCount();
+    stamps.update = now;
+    stamps.poll = now;
 }
 
 void SetPosition(int command, unsigned int newPosition, unsigned int& position, TickStamps& stamps)
@@ -153,7 +155,9 @@ bool SubProgressRefresh()
     }
     const int result = Send(kPoll, 0, 0);
     Send(kSubSetPosition, g_progress.subPosition, 0);
-    g_progress.subStamps.update = g_progress.subStamps.poll = ::GetTickCount();
+    const DWORD now = ::GetTickCount();
+    g_progress.subStamps.update = now;
+    g_progress.subStamps.poll = now;
     return result != 0;
 }
 

@@ -54,9 +54,13 @@ QuonStdioFile::QuonStdioFile(const CString& path, BOOL timeStamped, BOOL overwri
         {
             AfxThrowFileException(error.m_cause, error.m_lOsError, name);
         }
-        // Frameworks differ in where the first text goes when the content is kept; a log goes on at its end.
-        SeekToEnd();
         m_isOpen = 1;
+        if (!overwrite)
+        {
+            // Frameworks differ in where the first text goes when the content is kept; a log goes on at its end. What
+            // cannot be positioned, a pipe or a device, has no end and needs none.
+            SeekToEnd();
+        }
     }
     catch (CFileException* failure)
     {

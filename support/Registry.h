@@ -12,9 +12,8 @@
 /// keep the result.
 /// @param keyPath the key below `HKEY_LOCAL_MACHINE`, such as "SOFTWARE\\Vendor\\Product".
 /// @param valueName name of the value; empty for the key's default value.
-/// @param data room for 4 bytes, owned by the caller. The value's bytes are copied as they are; its type is not looked
-/// at.
-///        A shorter value leaves the other bytes untouched. With null only the presence of the value is found out.
+/// @param data room for 4 bytes, owned by the caller. The value's bytes are copied as they are, whatever its type. A
+///        shorter value leaves the other bytes untouched. With null only the presence of the value is found out.
 /// @return true when the value was read. False when the key or the value is missing or may not be read, @p data being
 ///         untouched then, or when the value is longer than 4 bytes, which leaves @p data undefined.
 QUON_API bool ReadMachineRegistryValue(const CString& keyPath, CString valueName, void* data);

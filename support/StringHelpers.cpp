@@ -48,7 +48,7 @@ CString CapitalizeWords(const CString& text)
     }
     wchar_t* const characters = result.GetBuffer(length);
     ::CharUpperBuffW(characters, 1);
-    // The last character is left alone; names that users typed long ago are found again only this way.
+    // The last character is left alone, on purpose: callers may rely on it.
     for (int i = 1; i < length - 1; ++i)
     {
         if (StartsWordBehind(characters[i - 1]))

@@ -45,9 +45,8 @@ QUON_API bool ParseDouble(const CString& text, double* value);
 QUON_API bool IsZeroText(const CString& text);
 
 /// @param text null counts as empty.
-/// @return true when the text holds nothing but decimal digits, "-" and ".", in any order ("1-2" and "-.-" are
-/// numeric),
-///         and for the empty text.
+/// @return true when the text holds nothing but decimal digits, "-" and ".", in any order ("1-2" and "-.-" are numeric
+///         texts), and for the empty text.
 QUON_API bool IsNumericText(const wchar_t* text);
 
 /// Takes the next token from a text that a cursor walks. Runs of delimiters count as one; delimiters at the text's ends
@@ -61,11 +60,10 @@ QUON_API bool IsNumericText(const wchar_t* text);
 QUON_API bool GetNextToken(const wchar_t** cursor, const wchar_t* delimiters, CString& token);
 
 /// Cuts the first element off a list.
-/// @param separator what stands between elements. An empty one is found at once: the element is empty, @p rest
-/// unchanged.
-/// @param[in,out] rest the list; becomes what follows the first separator, or empty when there is no separator. "a,"
-/// and
-///                "a" leave the same, so a separator at the end makes no empty last element.
+/// @param separator what stands between elements. An empty one is found at once: the element is then empty and @p rest
+///        stays as it is.
+/// @param[in,out] rest the list; becomes what follows the first separator, or empty when there is no separator. So
+///                both "a," and "a" leave the empty text: a separator at the end makes no empty last element.
 /// @return the element before the separator, as it stands.
 QUON_API CString TakeToken(const CString& separator, CString& rest);
 

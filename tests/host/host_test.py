@@ -102,8 +102,8 @@ class HostTest(unittest.TestCase):
         for _ in range(2):
             done = self.run_host("tree", windows_path(root), "--totals", "--progress", "--timer", windows_path(log))
             self.assertEqual((done.returncode, done.stdout), (0, "5 folders\n"))
-            self.assertEqual(done.stderr, "\n5\n")  # the carriage return reads as a line feed
-        self.assertRegex(log.read_text(), r"\A(\nTimer in tree Z:\S+root: \d+\.\d{3} sec\n){2}\Z")
+            self.assertEqual(done.stderr, "\n[" + "#" * 40 + "] 5 of 5\n")  # the carriage return reads as a line feed
+        self.assertRegex(log.read_text(), r"\A(\nTimer in tree: \d+\.\d{3} sec\n){2}\Z")
 
     def test_points_are_checked_counted_walked_and_rewritten(self):
         for arguments, expected in (
@@ -117,6 +117,10 @@ class HostTest(unittest.TestCase):
                 (["3-1,9", "--ranges"], ["3 1", "9 9"]),
                 (["3-1,9", "--count"], ["4"]),
                 (["1-2000000000", "--count"], ["2000000000"]),
+                (["3,1,2,2", "--unique"], ["1-3"]),
+                (["3,1,2", "--remove", "", "--walk"], ["1", "2", "3"]),
+                (["5,1-4", "--remove", "2", "--count"], ["4"]),
+                (["5,1-4", "--remove", "2", "--ranges"], ["1 1", "3 5"]),
                 (["1;2", "--valid"], ["invalid"]),
                 (["", "--valid"], ["valid"]),
                 (["20-12", "--valid"], ["valid"])):
@@ -126,10 +130,11 @@ class HostTest(unittest.TestCase):
     def test_points_refuses_what_is_no_list(self):
         self.assert_fails(1, "\"1;2\" is no list of points", "points", "1;2")
         self.assert_fails(1, "\"x\" is no list of points", "points", "1", "--remove", "x")
+        self.assert_fails(1, "--valid looks at the list as it is", "points", "1", "--remove", "2", "--valid")
 
     def test_sort_puts_lines_in_natural_order(self):
         names = self.folder / "names.txt"
-        names.write_text("file10\r\nfile2\nФайл 12\nФайл 3\nFile3\n", encoding="utf-8")
+        names.write_text("\ufefffile10\r\nfile2\nФайл 12\nФайл 3\nFile3\n", encoding="utf-8")
         self.assertEqual(self.lines("sort", windows_path(names)), ["File3", "file2", "file10", "Файл 3", "Файл 12"])
         self.assertEqual(self.lines("sort", windows_path(names), "--ignore-case"),
                          ["file2", "File3", "file10", "Файл 3", "Файл 12"])

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <type_traits>
+
 #include "paths/PathTestSupport.h"
 #include "paths/QuonPath.h"
 #include "support/ImportPatch.h"
@@ -59,6 +61,27 @@ bool Throws(Work work)
         return true;
     }
     return false;
+}
+
+// How many characters the text has room for. The text is the first thing in a path.
+int RoomOf(const QuonPath& path)
+{
+    static_assert(std::is_standard_layout_v<QuonPath>, "else the first member has another address");
+    return reinterpret_cast<const CString&>(path).GetAllocLength();
+}
+
+TEST(QuonPathMemory, CuttingTheEndInPlaceReservesRoomForAWindowsPath)
+{
+    QuonPath path(L"a\\b\\", 0);
+    ASSERT_LT(RoomOf(path), 260);
+    path.RemoveTrailingSeparators();
+    EXPECT_EQ(Text(path), L"a\\b");
+    EXPECT_GE(RoomOf(path), 260);
+    path = QuonPath(L"a\\b", 0);
+    ASSERT_LT(RoomOf(path), 260);
+    path.RemoveLastComponent();
+    EXPECT_EQ(Text(path), L"a\\");
+    EXPECT_GE(RoomOf(path), 260);
 }
 
 TEST(QuonPathWithoutMemory, NormalizeLeavesTheTextAndThrowsNothing)

@@ -94,6 +94,25 @@ TEST(PointLayout, StringFieldsInAWalk)
     EXPECT_EQ(StringAt(&string, 24), L"") << "nothing is left of the work text";
 }
 
+TEST(PointLayout, AssignAndSetTextResetTheFieldsOfTheWalk)
+{
+    for (const bool assign : {true, false})
+    {
+        QuonPointString string(L"4, 20-12, 7, 3x");
+        EXPECT_EQ(string.GetPointCount(), 4294967291u);
+        unsigned long point = 0;
+        string.GetFirstPoint(&point);
+        assign ? string.Assign(QuonPointString(L"9")) : string.SetText(L"9");
+        EXPECT_EQ(StringAt(&string, 8), L"9");
+        EXPECT_EQ(StringAt(&string, 24), L"");
+        EXPECT_EQ(StringAt(&string, 40), L"");
+        for (std::size_t field = 48; field < 76; field += 4)
+        {
+            EXPECT_EQ(FieldAt<std::uint32_t>(&string, field), 0u) << field;
+        }
+    }
+}
+
 TEST(PointLayout, FormatBufferAndDerivedFields)
 {
     Probe<QuonSortedPointString> sorted;

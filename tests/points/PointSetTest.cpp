@@ -8,7 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <malloc.h>
+
 #include <cstdlib>
+#include <cstring>
 
 namespace
 {
@@ -210,6 +213,53 @@ TEST(PointSets, WithoutMemoryMarksAreDropped)
     QuonPointString sorted(L"1-5,3");
     sorted.RemovePoints(L"2-3", TRUE);
     EXPECT_EQ(TextOf(sorted), L"") << "the set stays empty";
+}
+
+void* ReallocBelowAMegabyte(void* block, std::size_t size)
+{
+    return size < 1'000'000 ? std::realloc(block, size) : nullptr;
+}
+
+// What memory does not reach is dropped; the numbers below it are not.
+TEST(PointSets, WithLittleMemoryOnlyTheMarksBeyondItAreDropped)
+{
+    const ImportPatch<void* (*)(void*, std::size_t)> patch(L"QuonWin32Utils.dll", "realloc", &ReallocBelowAMegabyte);
+    QuonPointString removed(L"1-6");
+    removed.RemovePoints(L"1-5,2147483647", FALSE);
+    EXPECT_EQ(TextOf(removed), L"6");
+    QuonPointString range(L"1-6,100,2000000000");
+    range.RemovePoints(L"2-2000000000", FALSE);
+    EXPECT_EQ(TextOf(range), L"1,2000000000") << "as much of a range as there is memory for";
+}
+
+int g_refusals = 0;
+
+// Refuses two large requests, and hands out memory that is not zero.
+void* DirtyRealloc(void* block, std::size_t size)
+{
+    if (size > 2000 && g_refusals > 0)
+    {
+        --g_refusals;
+        return nullptr;
+    }
+    const std::size_t oldSize = block != nullptr ? _msize(block) : 0;
+    void* const moved = std::realloc(block, size);
+    if (moved != nullptr && size > oldSize)
+    {
+        std::memset(static_cast<char*>(moved) + oldSize, 0xFF, size - oldSize);
+    }
+    return moved;
+}
+
+// Bits past the count of a set that could not grow further are clear when it grows over them after all.
+TEST(PointSets, WhatWasDroppedStaysDroppedWhenMemoryComesBack)
+{
+    g_refusals = 2;
+    const ImportPatch<void* (*)(void*, std::size_t)> patch(L"QuonWin32Utils.dll", "realloc", &DirtyRealloc);
+    QuonPointString string(L"9023-9026");
+    string.RemovePoints(L"1-16000,20001", FALSE);
+    EXPECT_EQ(g_refusals, 0);
+    EXPECT_EQ(TextOf(string), L"9024-9026");
 }
 
 }  // namespace

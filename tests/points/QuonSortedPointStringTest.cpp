@@ -143,6 +143,27 @@ TEST(QuonSortedPointString, TheSetStaysUntilClear)
     EXPECT_EQ(TextOf(string), L"2");
 }
 
+// The text is rewritten in place, but never under a copy or a walk.
+TEST(QuonSortedPointString, RewritingLeavesCopiesAndWalksAlone)
+{
+    QuonSortedPointString string;
+    string.AddPoint(1);
+    string.AddPoint(3);
+    string.UpdateText();
+    const CString kept = string.GetText();
+    unsigned long point = 0;
+    string.GetFirstPoint(&point);
+    string.RemovePoint(1);
+    string.AddPoint(8);
+    string.UpdateText();
+    EXPECT_STREQ(kept, L"1,3");
+    EXPECT_EQ(TextOf(string), L"3,8");
+    string.GetNextPoint(&point);
+    EXPECT_EQ(point, 3u);
+    string.GetNextPoint(&point);
+    EXPECT_TRUE(string.IsDone());
+}
+
 TEST(QuonSortedPointString, EveryOperationSetsChanged)
 {
     Probe<QuonSortedPointString> string;

@@ -2,13 +2,17 @@
 
 #include "points/PointTestSupport.h"
 
+#include "support/ImportPatch.h"
+
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <type_traits>
 
 namespace
 {
 
+using quon_test::ImportPatch;
 using quon_test::Points;
 using quon_test::Probe;
 using quon_test::Shown;
@@ -216,6 +220,69 @@ TEST(QuonUnsortedPointString, TheBufferHoldsTheNumberPrintedLast)
     string.UpdateText();
     EXPECT_STREQ(string.m_format, L"9");
 }
+
+#if !defined(_MSC_VER)
+
+// The list's memory comes from the stand-in's allocations here; the real framework has its own.
+constexpr std::size_t kNodeBlock = 16 + 10 * 3 * sizeof(void*);
+
+int g_blocks = 0;
+bool g_nextBlockFails = false;
+
+void* CountingMalloc(std::size_t size)
+{
+    if (size == kNodeBlock)
+    {
+        ++g_blocks;
+        if (g_nextBlockFails)
+        {
+            // Once: throwing needs memory of its own.
+            g_nextBlockFails = false;
+            return nullptr;
+        }
+    }
+    return std::malloc(size);
+}
+
+TEST(QuonUnsortedPointString, TheListTakesItsNodesInBlocksOfTen)
+{
+    g_blocks = 0;
+    const ImportPatch<void* (*)(std::size_t)> patch(L"QuonFramework.dll", "malloc", &CountingMalloc);
+    QuonUnsortedPointString string;
+    for (unsigned long point = 1; point <= 31; ++point)
+    {
+        string.AddPoint(point);
+        EXPECT_EQ(g_blocks, static_cast<int>(point + 9) / 10) << point;
+    }
+}
+
+TEST(QuonUnsortedPointString, WithoutMemoryForANodeTheListThrows)
+{
+    QuonUnsortedPointString string;
+    string.AddPoint(1);
+    string.UpdateText();
+    {
+        const ImportPatch<void* (*)(std::size_t)> patch(L"QuonFramework.dll", "malloc", &CountingMalloc);
+        g_nextBlockFails = true;
+        bool thrown = false;
+        try
+        {
+            string.AddPoint(2);
+        }
+        catch (CException* exception)
+        {
+            thrown = true;
+            exception->Delete();
+        }
+        EXPECT_TRUE(thrown);
+    }
+    EXPECT_EQ(TextOf(string), L"1");
+    string.AddPoint(3);
+    string.UpdateText();
+    EXPECT_EQ(TextOf(string), L"1,3");
+}
+
+#endif  // !_MSC_VER
 
 static_assert(!std::is_copy_constructible_v<QuonUnsortedPointString>);
 static_assert(!std::is_copy_assignable_v<QuonUnsortedPointString>);

@@ -9,6 +9,7 @@
 #include <cwchar>
 #include <cwctype>
 #include <string>
+#include <cstdlib>
 #include <vector>
 
 #include "support/ImportPatch.h"
@@ -247,6 +248,7 @@ void* __cdecl CountingMalloc(std::size_t size)
 TEST(CompareNatural, AllocatesNothing)
 {
     const ImportPatch<void*(__cdecl*)(std::size_t)> patch(L"QuonWin32Utils.dll", "malloc", &CountingMalloc);
+    const ImportPatch<void*(__cdecl*)(std::size_t)> strings(L"QuonFramework.dll", "malloc", &CountingMalloc);
     g_allocations = 0;
     const std::wstring a = std::wstring(5000, L'x') + L"12" + std::wstring(5000, L'y') + L"7";
     const std::wstring b = std::wstring(5000, L'x') + L"12" + std::wstring(5000, L'z') + L"7";

@@ -4,6 +4,8 @@
 
 #include <ctime>
 #include <string>
+#include <algorithm>
+#include <utility>
 #include <type_traits>
 
 #include "support/ImportPatch.h"
@@ -471,9 +473,13 @@ TEST_F(Timer, DoesNotReportAFailureToWrite)
 TEST_F(Timer, GoesOnBehindALabelThatTheLogCannotStore)
 {
     const TemporaryFolder folder;
-    QuonTimer timer(ToCString(folder / L"run.log"), FALSE, FALSE);
-    EXPECT_NO_THROW(timer.WriteReport(L"\u4e2d\u6587", FALSE));
-    EXPECT_NO_THROW(timer.WriteElapsed(FALSE));
+    {
+        QuonTimer timer(ToCString(folder / L"run.log"), FALSE, FALSE);
+        EXPECT_NO_THROW(timer.WriteReport(L"\u4e2d\u6587", FALSE));
+        EXPECT_NO_THROW(timer.WriteElapsed(FALSE));
+    }
+    const std::string log = folder.ReadFile(L"run.log");
+    EXPECT_EQ(log.substr(log.size() - std::min<std::size_t>(log.size(), 9)), "0.000 sec");
 }
 
 TEST_F(Timer, TimersAreIndependent)

@@ -1,0 +1,204 @@
+#!/usr/bin/env python3
+"""Shows that scripts/exports.py finds what it is there to find: exports_test.py LIST DLL"""
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+LIST, DLL = Path(sys.argv[1]), Path(sys.argv[2])
+SCRIPT = Path(__file__).resolve().parents[2] / "scripts" / "exports.py"
+sys.path.insert(0, str(SCRIPT.parent))
+sys.dont_write_bytecode = True
+import exports  # noqa: E402
+
+HEAD = "; A list.\nLIBRARY Any.dll\nEXPORTS\n"
+
+
+def entry(name, number, signature="f()", rest=""):
+    return f"; {signature}\n    {name} @{number} NONAME{rest}\n"
+
+
+def run(command, *arguments, **options):
+    return subprocess.run([sys.executable, str(SCRIPT), command, *map(str, arguments)],
+                          capture_output=True, text=True, **options)
+
+
+class WithFolder(unittest.TestCase):
+    def setUp(self):
+        scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(scratch.cleanup)
+        self.folder = Path(scratch.name)
+        self.list = self.folder / "Any.def"
+
+    def assert_passes(self, done, text):
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertIn(text, done.stdout)
+
+    def assert_fails(self, done, *texts):
+        self.assertNotEqual(done.returncode, 0, done.stdout)
+        self.assertNotIn("Traceback", done.stderr)
+        for text in texts:
+            self.assertIn(text, done.stderr)
+
+
+class TheListItself(unittest.TestCase):
+    def faults(self, text):
+        return exports.parse_list(HEAD + text)[3]
+
+    def test_a_proper_list_has_no_faults(self):
+        numbers, data, retired, faults = exports.parse_list(
+            HEAD + entry("a", 100) + entry("b", 101, rest=" DATA") + "; retired @102 c\n" + entry("d", 103))
+        self.assertEqual(faults, [])
+        self.assertEqual(numbers, {"a": 100, "b": 101, "d": 103})
+        self.assertEqual(data, {"a": False, "b": True, "d": False})
+        self.assertEqual(retired, {102: "c"})
+
+    def test_each_fault_is_told_with_its_line(self):
+        rows = {
+            "repeated number": (entry("a", 100) + entry("b", 100), "line 7: number 100 was given twice"),
+            "number of a retired symbol": ("; retired @100 a\n" + entry("b", 100), "line 6: number 100 was given twice"),
+            "repeated name": (entry("a", 100) + entry("a", 101), "line 7: a stands twice"),
+            "number below the first": (entry("a", 99), "line 5: number 99 is below 100"),
+            "no signature": ("    a @100 NONAME\n", "line 4: a has no signature above it"),
+            "signature of another line": (entry("a", 100) + "    b @101 NONAME\n", "line 6: b has no signature above it"),
+            "signature with a gap": ("; f()\n\n    a @100 NONAME\n", "line 6: a has no signature above it"),
+            "exported by name": ("; f()\n    a @100\n", "line 5 is no export: a @100"),
+            "no number": ("; f()\n    a NONAME\n", "line 5 is no export: a NONAME"),
+            "number that is none": ("; f()\n    a @1x0 NONAME\n", "line 5 is no export: a @1x0 NONAME"),
+            "words after the entry": (entry("a", 100, rest=" PRIVATE"), "line 5 is no export: a @100 NONAME PRIVATE"),
+            "entry at the margin": ("; f()\na @100 NONAME\n", "line 5 is no export: a @100 NONAME"),
+        }
+        for what, (text, fault) in rows.items():
+            with self.subTest(what):
+                self.assertEqual(self.faults(text), [fault])
+
+
+class History(WithFolder):
+    def git(self, *arguments):
+        return subprocess.run(["git", "-C", str(self.folder), "-c", "user.name=n", "-c", "user.email=e@example.org",
+                               "-c", "commit.gpgsign=false", *arguments],
+                              check=True, capture_output=True, text=True).stdout
+
+    def commit(self, text):
+        self.list.write_text(HEAD + text)
+        self.git("add", self.list.name)
+        self.git("commit", "-m", "A list")
+
+    def history(self, text):
+        self.list.write_text(HEAD + text)
+        return run("history", self.list)
+
+    def setUp(self):
+        super().setUp()
+        self.git("init")
+
+    def test_additions_and_retirements_keep_the_numbers(self):
+        self.commit(entry("a", 100) + entry("b", 101))
+        self.commit(entry("a", 100) + entry("b", 101) + entry("c", 102))
+        self.assert_passes(self.history("; retired @100 a\n" + entry("b", 101) + entry("c", 102) + entry("d", 103)),
+                           "the numbers of 2 committed lists")
+
+    def test_a_changed_number_is_a_fault(self):
+        self.commit(entry("a", 100) + entry("b", 101))
+        self.assert_fails(self.history(entry("b", 100) + entry("a", 101)),
+                          "gave number 100 to a; now it means b", "gave number 101 to b; now it means a")
+
+    def test_a_dropped_symbol_is_a_fault_also_when_a_later_commit_dropped_it(self):
+        self.commit(entry("a", 100) + entry("b", 101))
+        self.assert_fails(self.history(entry("a", 100)), "gave number 101 to b; now it means nothing")
+        self.commit(entry("a", 100))
+        self.assert_fails(self.history(entry("a", 100)), "gave number 101 to b; now it means nothing")
+
+    def test_a_number_retired_under_another_name_is_a_fault(self):
+        self.commit(entry("a", 100))
+        self.assert_fails(self.history("; retired @100 b\n"), "gave number 100 to a; now it means b")
+
+    def test_a_faulty_list_is_a_fault(self):
+        self.commit(entry("a", 100))
+        self.assert_fails(self.history(entry("a", 100) + entry("b", 100)), "was given twice")
+
+    def test_a_repository_without_a_commit_is_a_fault(self):
+        self.assert_fails(self.history(entry("a", 100)), "git log failed")
+
+    def test_a_list_that_was_away_for_a_while_is_compared_all_the_same(self):
+        self.commit(entry("a", 100))
+        self.git("rm", self.list.name)
+        self.git("commit", "-m", "No list")
+        self.commit(entry("b", 101))
+        self.assert_fails(self.history(entry("b", 101)), "gave number 100 to a; now it means nothing")
+        self.assert_passes(self.history(entry("a", 100) + entry("b", 101)), "still mean the same")
+
+    def test_a_commit_that_cannot_be_read_is_a_fault(self):
+        self.commit(entry("a", 100))
+        for stored in (self.folder / ".git" / "objects").glob("??/*"):
+            stored.unlink()
+        self.assert_fails(self.history(entry("a", 100)), "git log failed")
+
+    def test_a_list_that_cannot_be_read_is_a_fault(self):
+        self.commit(entry("a", 100))
+        blob = self.git("rev-parse", "HEAD:./" + self.list.name).strip()
+        (self.folder / ".git" / "objects" / blob[:2] / blob[2:]).unlink()
+        self.assert_fails(self.history(entry("a", 100)), "git show failed")
+
+
+class NoHistory(WithFolder):
+    def test_outside_a_repository_there_is_nothing_to_compare_with(self):
+        self.list.write_text(HEAD + entry("a", 100))
+        self.assert_passes(run("history", self.list), "no history here")
+
+    def test_without_git_the_check_fails(self):
+        self.list.write_text(HEAD + entry("a", 100))
+        self.assert_fails(run("history", self.list, env={"PATH": str(self.folder)}), "git cannot be run")
+
+
+class Library(WithFolder):
+    def check(self, text):
+        self.list.write_text(text)
+        return run("check", self.list, DLL)
+
+    def setUp(self):
+        super().setUp()
+        self.text = LIST.read_text()
+        numbers = exports.parse_list(self.text)[0]
+        self.assertGreater(len(numbers), 10)
+        # Two functions of different addresses: those of a class's constructor may share one.
+        self.first = next(name for name in numbers if name.startswith("_ZN8QuonPath6Append"))
+        self.second = next(name for name in numbers if name.startswith("_ZN8QuonPath9Normalize"))
+        self.numbers = numbers
+
+    def test_the_true_list_passes(self):
+        self.assert_passes(self.check(self.text), f"{len(self.numbers)} exports")
+
+    def test_symbols_that_changed_places_are_found(self):
+        first, second = self.numbers[self.first], self.numbers[self.second]
+        text = self.text.replace(f" @{first} ", " @#1 ").replace(f" @{second} ", f" @{first} ")
+        self.assert_fails(self.check(text.replace(" @#1 ", f" @{second} ")),
+                          f"number {first} of the DLL is not {self.second}",
+                          f"number {second} of the DLL is not {self.first}")
+
+    def test_a_symbol_moved_to_a_new_number_is_found(self):
+        old, new = self.numbers[self.first], max(self.numbers.values()) + 1
+        self.assert_fails(self.check(self.text.replace(f" @{old} ", f" @{new} ")),
+                          f"{self.first} is listed with {new}, but the DLL has no such export",
+                          f"the DLL exports number {old}, which is not in the list")
+
+    def test_a_symbol_missing_from_the_list_is_found(self):
+        text, count = re.subn(rf"; .*\n    {re.escape(self.first)} @.*\n", "", self.text)
+        self.assertEqual(count, 1)
+        self.assert_fails(self.check(text),
+                          f"the DLL exports number {self.numbers[self.first]}, which is not in the list")
+
+    def test_a_symbol_that_the_library_lacks_is_found(self):
+        new = max(self.numbers.values()) + 1
+        self.assert_fails(self.check(self.text + entry("_Z7missingv", new)),
+                          f"_Z7missingv is listed with {new}, but the DLL has no such export")
+
+    def test_a_name_that_the_library_does_not_define_is_found(self):
+        text = self.text.replace(f"    {self.first} @", "    _Z7renamedv @")
+        self.assert_fails(self.check(text), "_Z7renamedv is listed, but the DLL does not define it")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

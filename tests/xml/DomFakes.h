@@ -1,0 +1,372 @@
+// DOM objects for the tests: documents, nodes, lists and maps that forward to real ones, fail when told to and count
+// their references, and a parse error that says what a test wants.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "xml/Msxml2.h"
+
+namespace quon_test
+{
+
+/// What a fake does in place of a call. `S_FALSE` without a result is how the DOM says "nothing".
+using Action = std::function<HRESULT()>;
+
+inline Action Returns(HRESULT result)
+{
+    return [result]
+    {
+        return result;
+    };
+}
+
+/// Counts the calls of a fake by method and replaces chosen ones.
+class CallPlan
+{
+public:
+    /// From the call number `from` on (1 is the first) `method` does `action` instead of its work.
+    void Replace(const std::string& method, Action action, int from = 1)
+    {
+        m_rules[method] = {from, std::move(action)};
+    }
+    int Count(const std::string& method) const
+    {
+        const auto found = m_counts.find(method);
+        return found == m_counts.end() ? 0 : found->second;
+    }
+
+    template <typename Work>
+    HRESULT Run(const char* method, const Work& work)
+    {
+        const int call = ++m_counts[method];
+        const auto rule = m_rules.find(method);
+        return rule != m_rules.end() && call >= rule->second.first ? rule->second.second() : work();
+    }
+
+private:
+    std::map<std::string, int> m_counts;
+    std::map<std::string, std::pair<int, Action>> m_rules;
+};
+
+/// `IUnknown` and `IDispatch` of a fake. Fakes live on the stack or in the test: the last release does not delete them.
+template <typename Interface>
+class Fake : public Interface
+{
+public:
+    virtual ~Fake() = default;
+
+    CallPlan plan;
+    LONG references = 1;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override
+    {
+        return plan.Run("QueryInterface",
+                        [&]() -> HRESULT
+                        {
+                            if (!Offers(iid))
+                            {
+                                return QueryInner(iid, object);
+                            }
+                            *object = static_cast<Interface*>(this);
+                            ++references;
+                            return S_OK;
+                        });
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references); }
+    ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references); }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override
+    {
+        return E_NOTIMPL;
+    }
+
+protected:
+    virtual bool Offers(REFIID iid) const
+    {
+        return ::IsEqualIID(iid, IID_IUnknown) || ::IsEqualIID(iid, IID_IDispatch) ||
+               ::IsEqualIID(iid, __uuidof(Interface));
+    }
+    virtual HRESULT QueryInner(REFIID, void** object)
+    {
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+};
+
+template <typename Interface>
+void Give(Interface* object, Interface** out)
+{
+    object->AddRef();
+    *out = object;
+}
+
+/// A list of given nodes.
+class FakeList : public Fake<IXMLDOMNodeList>
+{
+public:
+    std::vector<MSXML2::IXMLDOMNodePtr> nodes;
+    size_t cursor = 0;
+
+    HRESULT STDMETHODCALLTYPE get_item(LONG index, IXMLDOMNode** item) override
+    {
+        return plan.Run("get_item", [&] { return GiveNode(static_cast<size_t>(index), item); });
+    }
+    HRESULT STDMETHODCALLTYPE get_length(LONG* length) override
+    {
+        return plan.Run("get_length", [&] { return *length = static_cast<LONG>(nodes.size()), S_OK; });
+    }
+    HRESULT STDMETHODCALLTYPE nextNode(IXMLDOMNode** item) override
+    {
+        return plan.Run("nextNode", [&] { return GiveNode(cursor++, item); });
+    }
+    HRESULT STDMETHODCALLTYPE reset() override
+    {
+        return plan.Run("reset", [&] { return cursor = 0, S_OK; });
+    }
+    HRESULT STDMETHODCALLTYPE get__newEnum(IUnknown**) override { return E_NOTIMPL; }
+
+private:
+    HRESULT GiveNode(size_t index, IXMLDOMNode** item)
+    {
+        if (index >= nodes.size())
+        {
+            *item = nullptr;
+            return S_FALSE;
+        }
+        Give(nodes[index].GetInterfacePtr(), item);
+        return S_OK;
+    }
+};
+
+/// A map of given attributes.
+class FakeMap : public Fake<IXMLDOMNamedNodeMap>
+{
+public:
+    std::vector<MSXML2::IXMLDOMNodePtr> nodes;
+    LONG length = 0;
+    size_t cursor = 0;
+
+    HRESULT STDMETHODCALLTYPE getNamedItem(BSTR, IXMLDOMNode** item) override
+    {
+        return plan.Run("getNamedItem", [&] { return GiveNode(0, item); });
+    }
+    HRESULT STDMETHODCALLTYPE get_length(LONG* out) override
+    {
+        return plan.Run("get_length", [&] { return *out = length, S_OK; });
+    }
+    HRESULT STDMETHODCALLTYPE nextNode(IXMLDOMNode** item) override
+    {
+        return plan.Run("nextNode", [&] { return GiveNode(cursor++, item); });
+    }
+    HRESULT STDMETHODCALLTYPE setNamedItem(IXMLDOMNode*, IXMLDOMNode**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE removeNamedItem(BSTR, IXMLDOMNode**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE get_item(LONG, IXMLDOMNode**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE getQualifiedItem(BSTR, BSTR, IXMLDOMNode**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE removeQualifiedItem(BSTR, BSTR, IXMLDOMNode**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE reset() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE get__newEnum(IUnknown**) override { return E_NOTIMPL; }
+
+private:
+    HRESULT GiveNode(size_t index, IXMLDOMNode** item)
+    {
+        if (index >= nodes.size())
+        {
+            *item = nullptr;
+            return S_FALSE;
+        }
+        Give(nodes[index].GetInterfacePtr(), item);
+        return S_OK;
+    }
+};
+
+/// A parse error with given properties.
+class FakeParseError : public Fake<IXMLDOMParseError>
+{
+public:
+    LONG code = 0;
+    LONG line = 0;
+    LONG position = 0;
+    const wchar_t* reason = nullptr;
+    const wchar_t* url = nullptr;
+
+    HRESULT STDMETHODCALLTYPE get_errorCode(LONG* out) override
+    {
+        return plan.Run("get_errorCode", [&] { return *out = code, code == 0 ? S_FALSE : S_OK; });
+    }
+    HRESULT STDMETHODCALLTYPE get_url(BSTR* out) override
+    {
+        return plan.Run("get_url", [&] { return *out = ::SysAllocString(url), S_OK; });
+    }
+    HRESULT STDMETHODCALLTYPE get_reason(BSTR* out) override
+    {
+        return plan.Run("get_reason", [&] { return *out = ::SysAllocString(reason), S_OK; });
+    }
+    HRESULT STDMETHODCALLTYPE get_srcText(BSTR*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE get_line(LONG* out) override
+    {
+        return plan.Run("get_line", [&] { return *out = line, S_OK; });
+    }
+    HRESULT STDMETHODCALLTYPE get_linepos(LONG* out) override
+    {
+        return plan.Run("get_linepos", [&] { return *out = position, S_OK; });
+    }
+    HRESULT STDMETHODCALLTYPE get_filepos(LONG*) override { return E_NOTIMPL; }
+};
+
+// One method that forwards: FORWARD(get_text, (BSTR* text), (text))
+#define FORWARD(method, parameters, arguments)                                     \
+    HRESULT STDMETHODCALLTYPE method parameters override                           \
+    {                                                                              \
+        return this->plan.Run(#method, [&] { return m_inner->method arguments; }); \
+    }
+
+/// Forwards every operation of a node to a real one. Set `children` or `attributes` to hand out those instead.
+template <typename Interface, typename Pointer>
+class ForwardingNode : public Fake<Interface>
+{
+public:
+    explicit ForwardingNode(Pointer inner) : m_inner(std::move(inner)) {}
+
+    IXMLDOMNodeList* children = nullptr;
+    IXMLDOMNamedNodeMap* attributes = nullptr;
+
+    HRESULT STDMETHODCALLTYPE get_childNodes(IXMLDOMNodeList** out) override
+    {
+        return this->plan.Run(
+            "get_childNodes",
+            [&] { return children != nullptr ? (Give(children, out), S_OK) : m_inner->get_childNodes(out); });
+    }
+    HRESULT STDMETHODCALLTYPE get_attributes(IXMLDOMNamedNodeMap** out) override
+    {
+        return this->plan.Run(
+            "get_attributes",
+            [&] { return attributes != nullptr ? (Give(attributes, out), S_OK) : m_inner->get_attributes(out); });
+    }
+    FORWARD(get_nodeName, (BSTR * out), (out))
+    FORWARD(get_nodeValue, (VARIANT * out), (out))
+    FORWARD(put_nodeValue, (VARIANT value), (value))
+    FORWARD(get_nodeType, (DOMNodeType * out), (out))
+    FORWARD(get_parentNode, (IXMLDOMNode * *out), (out))
+    FORWARD(get_firstChild, (IXMLDOMNode * *out), (out))
+    FORWARD(get_lastChild, (IXMLDOMNode * *out), (out))
+    FORWARD(get_previousSibling, (IXMLDOMNode * *out), (out))
+    FORWARD(get_nextSibling, (IXMLDOMNode * *out), (out))
+    FORWARD(insertBefore, (IXMLDOMNode * node, VARIANT before, IXMLDOMNode** out), (node, before, out))
+    FORWARD(replaceChild, (IXMLDOMNode * node, IXMLDOMNode* old, IXMLDOMNode** out), (node, old, out))
+    FORWARD(removeChild, (IXMLDOMNode * node, IXMLDOMNode** out), (node, out))
+    FORWARD(appendChild, (IXMLDOMNode * node, IXMLDOMNode** out), (node, out))
+    FORWARD(hasChildNodes, (VARIANT_BOOL * out), (out))
+    FORWARD(get_ownerDocument, (IXMLDOMDocument * *out), (out))
+    FORWARD(cloneNode, (VARIANT_BOOL deep, IXMLDOMNode** out), (deep, out))
+    FORWARD(get_nodeTypeString, (BSTR * out), (out))
+    FORWARD(get_text, (BSTR * out), (out))
+    FORWARD(put_text, (BSTR text), (text))
+    FORWARD(get_specified, (VARIANT_BOOL * out), (out))
+    FORWARD(get_definition, (IXMLDOMNode * *out), (out))
+    FORWARD(get_nodeTypedValue, (VARIANT * out), (out))
+    FORWARD(put_nodeTypedValue, (VARIANT value), (value))
+    FORWARD(get_dataType, (VARIANT * out), (out))
+    FORWARD(put_dataType, (BSTR name), (name))
+    FORWARD(get_xml, (BSTR * out), (out))
+    FORWARD(transformNode, (IXMLDOMNode * sheet, BSTR* out), (sheet, out))
+    FORWARD(selectNodes, (BSTR query, IXMLDOMNodeList** out), (query, out))
+    FORWARD(selectSingleNode, (BSTR query, IXMLDOMNode** out), (query, out))
+    FORWARD(get_parsed, (VARIANT_BOOL * out), (out))
+    FORWARD(get_namespaceURI, (BSTR * out), (out))
+    FORWARD(get_prefix, (BSTR * out), (out))
+    FORWARD(get_baseName, (BSTR * out), (out))
+    FORWARD(transformNodeToObject, (IXMLDOMNode * sheet, VARIANT out), (sheet, out))
+
+protected:
+    bool Offers(REFIID iid) const override
+    {
+        return Fake<Interface>::Offers(iid) || ::IsEqualIID(iid, __uuidof(IXMLDOMNode));
+    }
+    HRESULT QueryInner(REFIID iid, void** object) override { return m_inner->QueryInterface(iid, object); }
+
+    Pointer m_inner;
+};
+
+using ForwardingAnyNode = ForwardingNode<IXMLDOMNode, MSXML2::IXMLDOMNodePtr>;
+
+/// Forwards every operation of an element.
+class ForwardingElement : public ForwardingNode<IXMLDOMElement, MSXML2::IXMLDOMElementPtr>
+{
+public:
+    using ForwardingNode::ForwardingNode;
+
+    FORWARD(get_tagName, (BSTR * out), (out))
+    FORWARD(getAttribute, (BSTR name, VARIANT* out), (name, out))
+    FORWARD(setAttribute, (BSTR name, VARIANT value), (name, value))
+    FORWARD(removeAttribute, (BSTR name), (name))
+    FORWARD(getAttributeNode, (BSTR name, IXMLDOMAttribute** out), (name, out))
+    FORWARD(setAttributeNode, (IXMLDOMAttribute * attribute, IXMLDOMAttribute** out), (attribute, out))
+    FORWARD(removeAttributeNode, (IXMLDOMAttribute * attribute, IXMLDOMAttribute** out), (attribute, out))
+    FORWARD(getElementsByTagName, (BSTR name, IXMLDOMNodeList** out), (name, out))
+    FORWARD(normalize, (), ())
+};
+
+/// Forwards every operation of a document. Set `parseError` to hand out that.
+class ForwardingDocument : public ForwardingNode<IXMLDOMDocument, MSXML2::IXMLDOMDocumentPtr>
+{
+public:
+    using ForwardingNode::ForwardingNode;
+
+    IXMLDOMParseError* parseError = nullptr;
+    /// Consulted by `get_readyState` when it is set.
+    std::function<LONG()> readyState;
+
+    HRESULT STDMETHODCALLTYPE get_parseError(IXMLDOMParseError** out) override
+    {
+        return plan.Run(
+            "get_parseError",
+            [&] { return parseError != nullptr ? (Give(parseError, out), S_OK) : m_inner->get_parseError(out); });
+    }
+    HRESULT STDMETHODCALLTYPE get_readyState(LONG* out) override
+    {
+        return plan.Run("get_readyState",
+                        [&] { return readyState ? (*out = readyState(), S_OK) : m_inner->get_readyState(out); });
+    }
+    FORWARD(get_doctype, (IXMLDOMDocumentType * *out), (out))
+    FORWARD(get_implementation, (IXMLDOMImplementation * *out), (out))
+    FORWARD(get_documentElement, (IXMLDOMElement * *out), (out))
+    FORWARD(putref_documentElement, (IXMLDOMElement * element), (element))
+    FORWARD(createElement, (BSTR name, IXMLDOMElement** out), (name, out))
+    FORWARD(createDocumentFragment, (IXMLDOMDocumentFragment * *out), (out))
+    FORWARD(createTextNode, (BSTR text, IXMLDOMText** out), (text, out))
+    FORWARD(createComment, (BSTR text, IXMLDOMComment** out), (text, out))
+    FORWARD(createCDATASection, (BSTR data, IXMLDOMCDATASection** out), (data, out))
+    FORWARD(createProcessingInstruction, (BSTR target, BSTR data, IXMLDOMProcessingInstruction** out),
+            (target, data, out))
+    FORWARD(createAttribute, (BSTR name, IXMLDOMAttribute** out), (name, out))
+    FORWARD(createEntityReference, (BSTR name, IXMLDOMEntityReference** out), (name, out))
+    FORWARD(getElementsByTagName, (BSTR name, IXMLDOMNodeList** out), (name, out))
+    FORWARD(createNode, (VARIANT type, BSTR name, BSTR uri, IXMLDOMNode** out), (type, name, uri, out))
+    FORWARD(nodeFromID, (BSTR id, IXMLDOMNode** out), (id, out))
+    FORWARD(load, (VARIANT source, VARIANT_BOOL* out), (source, out))
+    FORWARD(get_url, (BSTR * out), (out))
+    FORWARD(get_async, (VARIANT_BOOL * out), (out))
+    FORWARD(put_async, (VARIANT_BOOL value), (value))
+    FORWARD(abort, (), ())
+    FORWARD(loadXML, (BSTR text, VARIANT_BOOL* out), (text, out))
+    FORWARD(save, (VARIANT destination), (destination))
+    FORWARD(get_validateOnParse, (VARIANT_BOOL * out), (out))
+    FORWARD(put_validateOnParse, (VARIANT_BOOL value), (value))
+    FORWARD(get_resolveExternals, (VARIANT_BOOL * out), (out))
+    FORWARD(put_resolveExternals, (VARIANT_BOOL value), (value))
+    FORWARD(get_preserveWhiteSpace, (VARIANT_BOOL * out), (out))
+    FORWARD(put_preserveWhiteSpace, (VARIANT_BOOL value), (value))
+    FORWARD(put_onreadystatechange, (VARIANT sink), (sink))
+    FORWARD(put_ondataavailable, (VARIANT sink), (sink))
+    FORWARD(put_ontransformnode, (VARIANT sink), (sink))
+};
+
+#undef FORWARD
+
+}  // namespace quon_test

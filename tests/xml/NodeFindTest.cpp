@@ -1,0 +1,363 @@
+#include "xml/NodeTestSupport.h"
+
+namespace
+{
+
+using namespace quon_test;
+using namespace MSXML2;
+
+class XmlNodesFind : public XmlTest
+{
+protected:
+    // Matching nodes inside matching ones, and the same name at several depths.
+    const wchar_t* const kTree =
+        L"<a id='1'>"
+        L"<b id='2'><b id='3'>x</b><c id='4'><b id='5'>y</b></c></b>"
+        L"<B id='6'>y</B>"
+        L"<b id='7'>y</b>"
+        L"</a>";
+
+    static IXMLDOMNodeListPtr ChildrenOf(const IXMLDOMDocumentPtr& document, const wchar_t* query)
+    {
+        return GetChildNodes(Find(document, query));
+    }
+
+    // The children of the root "a".
+    static void AddChildren(const IXMLDOMDocumentPtr& document, QuonNodeArray& nodes)
+    {
+        const IXMLDOMNodeListPtr children = ChildrenOf(document, L"a");
+        while (const IXMLDOMNodePtr child = NextNode(children))
+        {
+            AddNode(nodes, child);
+        }
+    }
+};
+
+TEST_F(XmlNodesFind, ReleasesAnArrayFromLastToFirst)
+{
+    ReleaseNodeArray(nullptr);
+    static std::vector<int> order;
+    order.clear();
+    class Ordered : public ForwardingAnyNode
+    {
+    public:
+        explicit Ordered(int number) : ForwardingAnyNode(IXMLDOMNodePtr()), m_number(number) {}
+        ULONG STDMETHODCALLTYPE Release() override
+        {
+            order.push_back(m_number);
+            return ForwardingAnyNode::Release();
+        }
+
+    private:
+        int m_number;
+    };
+    Ordered first(1), second(2), third(3);
+    QuonNodeArray nodes;
+    AddNode(nodes, &first);
+    AddNode(nodes, &second);
+    AddNode(nodes, nullptr);
+    AddNode(nodes, &third);
+    ReleaseNodeArray(&nodes);
+    EXPECT_EQ(nodes.GetSize(), 0);
+    EXPECT_EQ(order, (std::vector<int>{3, 2, 1}));
+    EXPECT_EQ(first.references, 1);
+    EXPECT_EQ(second.references, 1);
+    EXPECT_EQ(third.references, 1);
+    ReleaseNodeArray(&nodes);
+    EXPECT_EQ(nodes.GetSize(), 0);
+}
+
+TEST_F(XmlNodesFind, GivesTheChildNodesOfTheDocument)
+{
+    const IXMLDOMNodeListPtr nodes = GetDocumentChildNodes(Parse(L"<?p q?><!--c--><r/>"));
+    ASSERT_EQ(GetLength(nodes), 3);
+    EXPECT_STREQ(GetNodeName(NextNode(nodes)), L"p");
+    EXPECT_STREQ(GetNodeName(NextNode(nodes)), L"#comment");
+    EXPECT_STREQ(GetNodeName(NextNode(nodes)), L"r");
+    EXPECT_EQ(GetLength(GetDocumentChildNodes(EmptyDocument())), 0);
+}
+
+TEST_F(XmlNodesFind, FindsTheFirstNodeByName)
+{
+    const IXMLDOMDocumentPtr document = Parse(kTree);
+    struct Row
+    {
+        const wchar_t* list;
+        const wchar_t* name;
+        bool recursive;
+        const wchar_t* id;
+    };
+    const Row rows[] = {
+        {L"a", L"b", false, L"2"},           {L"a", L"b", true, L"2"},     {L"a", L"B", false, L"6"},
+        {L"a", L"c", false, L"(none)"},      {L"a", L"c", true, L"4"},     {L"a/b/c", L"b", false, L"5"},
+        {L"a", L"missing", true, L"(none)"}, {L"a", L"", true, L"(none)"}, {L"a/b/b", L"#text", true, L"(none)"},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(::testing::PrintToString(row.list) + ::testing::PrintToString(row.name));
+        const IXMLDOMNodePtr found = FindFirstNodeByName(ChildrenOf(document, row.list), row.name, row.recursive);
+        EXPECT_EQ(Attribute(found, L"id"), row.id);
+    }
+    EXPECT_TRUE(FindFirstNodeByName(ChildrenOf(document, L"a/b/b"), L"#text", false)) << "names of texts count too";
+}
+
+TEST_F(XmlNodesFind, SearchesDepthFirstBeforeTheNextSibling)
+{
+    const IXMLDOMDocumentPtr document = Parse(L"<a><x><y><t id='deep'/></y></x><t id='flat'/></a>");
+    EXPECT_EQ(Attribute(FindFirstNodeByName(ChildrenOf(document, L"a"), L"t", true), L"id"), L"deep");
+    EXPECT_EQ(Attribute(FindFirstNodeByName(ChildrenOf(document, L"a"), L"t", false), L"id"), L"flat");
+}
+
+TEST_F(XmlNodesFind, StartsAtTheFirstNodeOfAListThatWasUsedBefore)
+{
+    const IXMLDOMDocumentPtr document = Parse(kTree);
+    const IXMLDOMNodeListPtr nodes = ChildrenOf(document, L"a");
+    NextNode(nodes);
+    NextNode(nodes);
+    EXPECT_EQ(Attribute(FindFirstNodeByName(nodes, L"b", false), L"id"), L"2");
+    EXPECT_EQ(Attribute(FindFirstNodeByName(nodes, L"b", false), L"id"), L"2") << "and again";
+    EXPECT_EQ(Ids(FindNodesByName(nodes, L"b", false)), L"27");
+    EXPECT_EQ(Attribute(FindNodeByNameAndText(nodes, L"b", L"y", false), L"id"), L"7");
+    QuonNodeArray collected;
+    CollectNodesWithAttributes(collected, nodes, L"b", L"id", L"2", false);
+    EXPECT_EQ(Ids(collected), L"2");
+    ReleaseNodeArray(&collected);
+}
+
+TEST_F(XmlNodesFind, FindsAllNodesByNameOuterFirst)
+{
+    const IXMLDOMDocumentPtr document = Parse(kTree);
+    EXPECT_EQ(Ids(FindNodesByName(ChildrenOf(document, L"a"), L"b", false)), L"27");
+    EXPECT_EQ(Ids(FindNodesByName(ChildrenOf(document, L"a"), L"b", true)), L"2357");
+    EXPECT_EQ(Ids(FindNodesByName(GetDocumentChildNodes(document), L"a", true)), L"1");
+    EXPECT_EQ(Ids(FindNodesByName(ChildrenOf(document, L"a"), L"missing", true)), L"");
+    EXPECT_EQ(Ids(FindNodesByName(GetDocumentChildNodes(EmptyDocument()), L"a", true)), L"");
+}
+
+TEST_F(XmlNodesFind, EachEntryHoldsOneReference)
+{
+    ForwardingAnyNode match(Find(Parse(L"<b/>"), L"b"));
+    FakeList list;
+    list.nodes.emplace_back(&match);
+    EXPECT_EQ(match.references, 2) << "the test's and the list's";
+    QuonNodeArray* const found = FindNodesByName(IXMLDOMNodeListPtr(&list), L"b", false);
+    ASSERT_EQ(found->GetSize(), 1);
+    EXPECT_EQ(match.references, 3);
+    ReleaseNodeArray(found);
+    delete found;
+    EXPECT_EQ(match.references, 2);
+
+    QuonNodeArray collected;
+    CollectNodesWithAttributes(collected, IXMLDOMNodeListPtr(&list), L"b", CStringArray(), false);
+    EXPECT_EQ(match.references, 3);
+    ReleaseNodeArray(&collected);
+    EXPECT_EQ(match.references, 2);
+
+    const IXMLDOMNodePtr first = FindFirstNodeByName(IXMLDOMNodeListPtr(&list), L"b", true);
+    EXPECT_EQ(match.references, 3);
+    EXPECT_EQ(list.references, 1);
+}
+
+TEST_F(XmlNodesFind, EachSearchAsksANodeOnce)
+{
+    FakeList none;
+    ForwardingAnyNode node(Find(Parse(L"<b/>"), L"b"));
+    node.children = &none;
+    FakeList list;
+    list.nodes.emplace_back(&node);
+    list.nodes.emplace_back(&node);
+    Ids(FindNodesByName(IXMLDOMNodeListPtr(&list), L"b", true));
+    EXPECT_EQ(node.plan.Count("get_nodeName"), 2);
+    EXPECT_EQ(node.plan.Count("get_childNodes"), 2);
+    EXPECT_EQ(list.plan.Count("nextNode"), 3);
+    EXPECT_EQ(list.plan.Count("get_item"), 0) << "reaching a node by its index may take as long as walking there";
+}
+
+TEST_F(XmlNodesFind, FindsByNameAndText)
+{
+    const IXMLDOMDocumentPtr document = Parse(kTree);
+    const IXMLDOMNodeListPtr nodes = ChildrenOf(document, L"a");
+    EXPECT_EQ(Attribute(FindNodeByNameAndText(nodes, L"b", L"y", false), L"id"), L"7");
+    EXPECT_EQ(Attribute(FindNodeByNameAndText(nodes, L"b", L"y", true), L"id"), L"5");
+    EXPECT_EQ(Attribute(FindNodeByNameAndText(nodes, L"b", L"x", true), L"id"), L"3");
+    EXPECT_EQ(Attribute(FindNodeByNameAndText(nodes, L"b", L"Y", true), L"id"), L"(none)");
+    EXPECT_FALSE(FindNodeByNameAndText(nodes, L"b", L"", true));
+    EXPECT_FALSE(FindNodeByNameAndText(GetDocumentChildNodes(EmptyDocument()), L"b", L"", true));
+}
+
+TEST_F(XmlNodesFind, GetsTheChildrenOfARoot)
+{
+    const IXMLDOMDocumentPtr document = Parse(kTree);
+    EXPECT_EQ(Ids(GetChildNodesOfRoot(document, L"a", L"b")), L"2357");
+    EXPECT_EQ(Ids(GetChildNodesOfRoot(document, L"c", L"b")), L"5") << "the root lies anywhere";
+    EXPECT_EQ(Ids(GetChildNodesOfRoot(document, L"a", L"none")), L"");
+}
+
+TEST_F(XmlNodesFind, CollectsByOneAttribute)
+{
+    const IXMLDOMDocumentPtr document = Parse(
+        L"<a><p id='1' k='v'><p id='2' k='v'/><q id='3' k='v'/></p><p id='4' k='V'/><p id='5'/>text<!--c--><p id='6' "
+        L"k='v'/></a>");
+    struct Row
+    {
+        const wchar_t* name;
+        const wchar_t* attribute;
+        const wchar_t* value;
+        bool recursive;
+        const wchar_t* ids;
+    };
+    const Row rows[] = {
+        {L"p", L"k", L"v", false, L"16"},  {L"p", L"k", L"v", true, L"126"},     {L"p", L"k", L"V", true, L"4"},
+        {L"p", L"K", L"v", true, L""},     {L"q", L"k", L"v", true, L"3"},       {L"q", L"k", L"v", false, L""},
+        {L"p", L"k", L"", true, L""},      {L"p", L"", L"v", true, L""},         {L"P", L"k", L"v", true, L""},
+        {L"#text", L"k", L"v", true, L""}, {L"#comment", L"k", L"v", true, L""},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(::testing::PrintToString(row.name) + ::testing::PrintToString(row.value));
+        QuonNodeArray found;
+        CollectNodesWithAttributes(found, ChildrenOf(document, L"a"), row.name, row.attribute, row.value,
+                                   row.recursive);
+        EXPECT_EQ(Ids(found), row.ids);
+        ReleaseNodeArray(&found);
+    }
+}
+
+TEST_F(XmlNodesFind, CollectsByAllPairsThatHaveAName)
+{
+    const IXMLDOMDocumentPtr document =
+        Parse(L"<a><p id='1' k='v' l='w'><p id='2' k='v' l='w'/></p><p id='3' k='v'/><p id='4'/><q id='5'/></a>");
+    struct Row
+    {
+        std::initializer_list<const wchar_t*> pairs;
+        bool recursive;
+        const wchar_t* ids;
+    };
+    const Row rows[] = {
+        {{}, false, L"134"},
+        {{}, true, L"1234"},
+        {{L"", L"v"}, false, L"134"},
+        {{L"", L"v", L"", L""}, true, L"1234"},
+        {{L"k", L"v"}, false, L"13"},
+        {{L"k", L"v", L"l", L"w"}, true, L"12"},
+        {{L"k", L"v", L"", L"x", L"l", L"w"}, true, L"12"},
+        {{L"k", L"v", L"l", L"x"}, true, L""},
+        {{L"k", L"v", L"l"}, false, L"13"},
+        {{L"none", L""}, true, L""},
+    };
+    for (const Row& row : rows)
+    {
+        CStringArray pairs;
+        Fill(pairs, row.pairs);
+        SCOPED_TRACE(::testing::PrintToString(Contents(pairs)));
+        QuonNodeArray found;
+        CollectNodesWithAttributes(found, ChildrenOf(document, L"a"), L"p", pairs, row.recursive);
+        EXPECT_EQ(Ids(found), row.ids);
+        ReleaseNodeArray(&found);
+    }
+}
+
+TEST_F(XmlNodesFind, CollectingAppends)
+{
+    const IXMLDOMDocumentPtr document = Parse(L"<a><p id='1' k='v'/><q id='2' k='v'/></a>");
+    QuonNodeArray found;
+    CollectNodesWithAttributes(found, ChildrenOf(document, L"a"), L"q", L"k", L"v", false);
+    CollectNodesWithAttributes(found, ChildrenOf(document, L"a"), L"p", CStringArray(), false);
+    EXPECT_EQ(Ids(found), L"21");
+    ReleaseNodeArray(&found);
+}
+
+TEST_F(XmlNodesFind, AddsNodesOfANewNameOrText)
+{
+    const IXMLDOMDocumentPtr document =
+        Parse(L"<a><p id='1'>x</p><p id='2'>x</p><p id='3'>X</p><q id='4'>x</q><p id='5'>x</p><q id='6'>x</q></a>");
+    QuonNodeArray toAdd;
+    AddChildren(document, toAdd);
+    QuonNodeArray growing;
+    AddNodes(&growing, &toAdd);
+    EXPECT_EQ(Ids(growing), L"134");
+    AddNodes(&growing, &toAdd);
+    EXPECT_EQ(Ids(growing), L"134");
+    ReleaseNodeArray(&growing);
+
+    AddNode(growing, toAdd[4]);
+    AddNode(growing, nullptr);
+    AddNodes(&growing, &toAdd);
+    ASSERT_EQ(growing.GetSize(), 4);
+    EXPECT_EQ(Attribute(IXMLDOMNodePtr(growing[2]), L"id"), L"3");
+    EXPECT_EQ(Attribute(IXMLDOMNodePtr(growing[3]), L"id"), L"4");
+    ReleaseNodeArray(&growing);
+    ReleaseNodeArray(&toAdd);
+}
+
+TEST_F(XmlNodesFind, AnAddedEntryHoldsAReferenceOfItsOwn)
+{
+    ForwardingAnyNode node(Find(Parse(L"<p k='v'>x</p>"), L"p"));
+    QuonNodeArray toAdd;
+    QuonNodeArray growing;
+    AddNode(toAdd, &node);
+    AddNode(toAdd, nullptr);
+    AddNodes(&growing, &toAdd);
+    ASSERT_EQ(growing.GetSize(), 1);
+    EXPECT_EQ(node.references, 3);
+    ReleaseNodeArray(&toAdd);
+    EXPECT_EQ(node.references, 2);
+    ReleaseNodeArray(&growing);
+    EXPECT_EQ(node.references, 1);
+
+    AddNode(toAdd, &node);
+    AddNodesByAttribute(&growing, &toAdd, L"k");
+    EXPECT_EQ(node.references, 3);
+    ReleaseNodeArray(&growing);
+    ReleaseNodeArray(&toAdd);
+    EXPECT_EQ(node.references, 1);
+}
+
+TEST_F(XmlNodesFind, AddingSkipsWhatCannotBeRead)
+{
+    const IXMLDOMDocumentPtr document = Parse(L"<a><p id='1'>x</p><p id='2'>y</p><p id='3'>z</p></a>");
+    const IXMLDOMNodePtr first = GetFirstChild(Find(document, L"a"));
+    ForwardingAnyNode nameless(first);
+    nameless.plan.Replace("get_nodeName", Returns(E_FAIL));
+    ForwardingAnyNode textless(GetNextSibling(first));
+    textless.plan.Replace("get_text", Returns(E_FAIL));
+    QuonNodeArray toAdd;
+    AddNode(toAdd, &nameless);
+    AddNode(toAdd, &textless);
+    AddNode(toAdd, GetNextSibling(GetNextSibling(first)));
+    QuonNodeArray growing;
+    AddNode(growing, &nameless);
+    AddNodes(&growing, &toAdd);
+    EXPECT_EQ(growing.GetSize(), 2) << "one that cannot be read equals nothing and is not added";
+    EXPECT_EQ(nameless.references, 3);
+    EXPECT_EQ(textless.references, 2);
+    ReleaseNodeArray(&growing);
+    ReleaseNodeArray(&toAdd);
+}
+
+TEST_F(XmlNodesFind, AddsNodesByTheValueOfAnAttribute)
+{
+    const IXMLDOMDocumentPtr document =
+        Parse(L"<a><p id='1' k='v'/><q id='2' k='v'/><p id='3' k='V'/><p id='4'/><q id='5'/><p id='6' k=''/></a>");
+    QuonNodeArray toAdd;
+    AddChildren(document, toAdd);
+    QuonNodeArray growing;
+    AddNodesByAttribute(&growing, &toAdd, L"k");
+    EXPECT_EQ(Ids(growing), L"134") << "without the attribute the value is empty";
+    ReleaseNodeArray(&growing);
+    AddNodesByAttribute(&growing, &toAdd, L"id");
+    EXPECT_EQ(Ids(growing), L"123456");
+    ReleaseNodeArray(&growing);
+    ReleaseNodeArray(&toAdd);
+}
+
+TEST_F(XmlNodesFind, AddingNothingSucceeds)
+{
+    const QuonNodeArray none;
+    QuonNodeArray growing;
+    AddNodes(&growing, &none);
+    AddNodesByAttribute(&growing, &none, L"k");
+    EXPECT_EQ(growing.GetSize(), 0);
+}
+
+}  // namespace

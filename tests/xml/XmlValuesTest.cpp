@@ -1,0 +1,428 @@
+#include "xml/XmlValues.h"
+
+#include "support/ImportPatch.h"
+#include "xml/DomFakes.h"
+#include "xml/XmlTestSupport.h"
+
+#include <cstdint>
+#include <limits>
+
+namespace
+{
+
+using namespace quon_test;
+
+constexpr wchar_t kLibrary[] = L"QuonWin32Utils.dll";
+
+std::wstring Separator(LCTYPE type)
+{
+    wchar_t text[8] = {};
+    ::GetLocaleInfoW(LOCALE_USER_DEFAULT, type, text, 8);
+    return text;
+}
+
+// The user's separators, put back at the end of the test.
+class XmlValues : public XmlTest
+{
+protected:
+    void TearDown() override { SetSeparators(m_decimal.c_str(), m_thousands.c_str()); }
+
+    static void SetSeparators(const wchar_t* decimal, const wchar_t* thousands)
+    {
+        ::SetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, decimal);
+        ::SetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_STHOUSAND, thousands);
+    }
+
+    // A document whose root "r" holds the child "v" with `text`.
+    static MSXML2::IXMLDOMNodePtr RootWith(const std::wstring& text)
+    {
+        return Find(Parse((L"<r><v>" + text + L"</v></r>").c_str()), L"r");
+    }
+
+private:
+    std::wstring m_decimal = Separator(LOCALE_SDECIMAL);
+    std::wstring m_thousands = Separator(LOCALE_STHOUSAND);
+};
+
+TEST_F(XmlValues, GettersGiveZeroWhenTheQueryFindsNothing)
+{
+    const MSXML2::IXMLDOMNodePtr node = RootWith(L"1");
+    EXPECT_EQ(GetXmlString(node, L"none"), L"");
+    EXPECT_FALSE(GetXmlBool(node, L"none"));
+    EXPECT_EQ(GetXmlShort(node, L"none"), 0);
+    EXPECT_EQ(GetXmlLong(node, L"none"), 0);
+    EXPECT_EQ(GetXmlInt64(node, L"none"), 0);
+    EXPECT_EQ(GetXmlULong(node, L"none"), 0u);
+    EXPECT_EQ(GetXmlDouble(node, L"none"), 0.0);
+}
+
+TEST_F(XmlValues, GettersRaiseForAnEmptyNode)
+{
+    const MSXML2::IXMLDOMNodePtr none;
+    EXPECT_EQ(ErrorOf([&] { GetXmlString(none, L"v"); }), E_POINTER);
+    EXPECT_EQ(ErrorOf([&] { GetXmlBool(none, L"v"); }), E_POINTER);
+    EXPECT_EQ(ErrorOf([&] { GetXmlShort(none, L"v"); }), E_POINTER);
+    EXPECT_EQ(ErrorOf([&] { GetXmlLong(none, L"v"); }), E_POINTER);
+    EXPECT_EQ(ErrorOf([&] { GetXmlInt64(none, L"v"); }), E_POINTER);
+    EXPECT_EQ(ErrorOf([&] { GetXmlULong(none, L"v"); }), E_POINTER);
+    EXPECT_EQ(ErrorOf([&] { GetXmlDouble(none, L"v"); }), E_POINTER);
+}
+
+TEST_F(XmlValues, TheQueryGoesToTheParserUnchanged)
+{
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<r a='7'><s><v>8</v></s></r>");
+    const MSXML2::IXMLDOMNodePtr root = Find(document, L"r");
+    EXPECT_EQ(GetXmlLong(root, L"@a"), 7);
+    EXPECT_EQ(GetXmlLong(root, L"s/v"), 8);
+    EXPECT_EQ(GetXmlLong(root, L"v"), 0);
+    EXPECT_EQ(GetXmlString(root, L"@a"), L"7");
+
+    ForwardingAnyNode failing(root);
+    failing.plan.Replace("selectSingleNode", Returns(E_INVALIDARG));
+    EXPECT_EQ(ErrorOf([&] { GetXmlLong(MSXML2::IXMLDOMNodePtr(&failing), L"v"); }), E_INVALIDARG);
+}
+
+TEST_F(XmlValues, IntegersConvertAndOverflow)
+{
+    constexpr HRESULT kOk = S_OK;
+    constexpr HRESULT kMismatch = static_cast<HRESULT>(0x80020005);
+    constexpr HRESULT kOverflow = static_cast<HRESULT>(0x8002000A);
+    struct Row
+    {
+        const wchar_t* text;
+        HRESULT asShort, asLong, asULong, asInt64;
+        std::int64_t value;
+    };
+    const Row rows[] = {
+        {L"0", kOk, kOk, kOk, kOk, 0},
+        {L"-5", kOk, kOk, kOverflow, kOk, -5},
+        {L"32767", kOk, kOk, kOk, kOk, 32767},
+        {L"32768", kOverflow, kOk, kOk, kOk, 32768},
+        {L"2147483647", kOverflow, kOk, kOk, kOk, 2147483647},
+        {L"2147483648", kOverflow, kOverflow, kOk, kOk, 2147483648},
+        {L"4294967295", kOverflow, kOverflow, kOk, kOk, 4294967295},
+        {L"4294967296", kOverflow, kOverflow, kOverflow, kOk, 4294967296},
+        {L"9223372036854775807", kOverflow, kOverflow, kOverflow, kOk, 9223372036854775807},
+        {L"abc", kMismatch, kMismatch, kMismatch, kMismatch, 0},
+        {L"", kMismatch, kMismatch, kMismatch, kMismatch, 0},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(::testing::PrintToString(row.text));
+        const MSXML2::IXMLDOMNodePtr node = RootWith(row.text);
+        std::int64_t value = 0;
+        EXPECT_EQ(ErrorOf([&] { value = GetXmlShort(node, L"v"); }), row.asShort);
+        EXPECT_EQ(value, row.asShort == kOk ? row.value : 0);
+        EXPECT_EQ(ErrorOf([&] { value = GetXmlLong(node, L"v"); }), row.asLong);
+        EXPECT_EQ(value, row.asLong == kOk ? row.value : 0);
+        value = 0;
+        EXPECT_EQ(ErrorOf([&] { value = GetXmlULong(node, L"v"); }), row.asULong);
+        EXPECT_EQ(value, row.asULong == kOk ? row.value : 0);
+        value = 0;
+        EXPECT_EQ(ErrorOf([&] { value = GetXmlInt64(node, L"v"); }), row.asInt64);
+        EXPECT_EQ(value, row.asInt64 == kOk ? row.value : 0);
+    }
+}
+
+TEST_F(XmlValues, TruthValuesFollowThePlatformsConversion)
+{
+    struct Row
+    {
+        const wchar_t* text;
+        bool value;
+    };
+    for (const Row row : {Row{L"0", false}, Row{L"1", true}, Row{L"-1", true}, Row{L"true", true}, Row{L"False", false},
+                          Row{L"2.5", true}})
+    {
+        EXPECT_EQ(GetXmlBool(RootWith(row.text), L"v"), row.value) << ::testing::PrintToString(row.text);
+    }
+    EXPECT_EQ(ErrorOf([] { GetXmlBool(RootWith(L"yes?"), L"v"); }), static_cast<HRESULT>(0x80020005));
+}
+
+TEST_F(XmlValues, StringsAreNotConverted)
+{
+    const MSXML2::IXMLDOMNodePtr root = RootWith(L"12");
+    EXPECT_EQ(GetXmlString(root, L"v"), L"12");
+    const MSXML2::IXMLDOMNodePtr value = MSXML2::SelectSingleNode(root, L"v");
+    ASSERT_EQ(value->put_dataType(_bstr_t(L"int")), S_OK);
+    ASSERT_EQ(MSXML2::GetNodeTypedValue(value).vt, VT_I4) << "the parser types the value now";
+    EXPECT_EQ(GetXmlString(root, L"v"), L"");
+    EXPECT_EQ(GetXmlLong(root, L"v"), 12) << "the type that is asked for needs no conversion";
+    EXPECT_EQ(GetXmlDouble(root, L"v"), 12.0);
+}
+
+// The node that the query finds, with a typed value of the test's choice.
+TEST_F(XmlValues, FailuresOfTheTypedValueAreRaised)
+{
+    const MSXML2::IXMLDOMNodePtr root = RootWith(L"1");
+    ForwardingAnyNode found(MSXML2::SelectSingleNode(root, L"v"));
+    found.plan.Replace("get_nodeTypedValue", Returns(E_ABORT));
+    class Parent : public ForwardingAnyNode
+    {
+    public:
+        using ForwardingAnyNode::ForwardingAnyNode;
+        IXMLDOMNode* child = nullptr;
+        HRESULT STDMETHODCALLTYPE selectSingleNode(BSTR, IXMLDOMNode** out) override
+        {
+            Give(child, out);
+            return S_OK;
+        }
+    };
+    Parent parent(root);
+    parent.child = &found;
+    EXPECT_EQ(ErrorOf([&] { GetXmlLong(MSXML2::IXMLDOMNodePtr(&parent), L"v"); }), E_ABORT);
+    EXPECT_EQ(ErrorOf([&] { GetXmlString(MSXML2::IXMLDOMNodePtr(&parent), L"v"); }), E_ABORT);
+    EXPECT_EQ(found.plan.Count("get_nodeTypedValue"), 2);
+    EXPECT_EQ(found.references, 1);
+    EXPECT_EQ(parent.references, 1);
+}
+
+TEST_F(XmlValues, SettersWriteTheParsersText)
+{
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<r/>");
+    const MSXML2::IXMLDOMNodePtr root = Find(document, L"r");
+    SetXmlString(root, L"s", L"a < \"b\"");
+    SetXmlString(root, L"empty", L"");
+    SetXmlBool(root, L"yes", true);
+    SetXmlBool(root, L"no", false);
+    SetXmlShort(root, L"i2", -32768);
+    SetXmlLong(root, L"i4", std::numeric_limits<long>::min());
+    SetXmlULong(root, L"ui4", 4294967295u);
+    SetXmlInt64(root, L"i8", std::numeric_limits<std::int64_t>::min());
+    SetXmlDouble(root, L"r8", 2.5);
+    EXPECT_EQ(Attribute(root, L"s"), L"a < \"b\"");
+    EXPECT_EQ(Attribute(root, L"empty"), L"");
+    EXPECT_EQ(Attribute(root, L"i2"), L"-32768");
+    EXPECT_EQ(Attribute(root, L"i4"), L"-2147483648");
+    EXPECT_EQ(Attribute(root, L"ui4"), L"4294967295");
+    EXPECT_EQ(Attribute(root, L"i8"), L"-9223372036854775808");
+    EXPECT_EQ(Attribute(root, L"r8"), L"2.5");
+    EXPECT_TRUE(GetXmlBool(root, L"@yes"));
+    EXPECT_FALSE(GetXmlBool(root, L"@no"));
+    SetXmlLong(root, L"i4", 7);
+    EXPECT_EQ(Attribute(root, L"i4"), L"7") << "an attribute that is there is set";
+}
+
+TEST_F(XmlValues, SettersHandOverTheirVariantTypes)
+{
+    class Recorder : public ForwardingElement
+    {
+    public:
+        using ForwardingElement::ForwardingElement;
+        std::vector<VARTYPE> types;
+        HRESULT STDMETHODCALLTYPE setAttribute(BSTR name, VARIANT value) override
+        {
+            types.push_back(value.vt);
+            return ForwardingElement::setAttribute(name, value);
+        }
+    };
+    Recorder element(Find(Parse(L"<r/>"), L"r"));
+    const MSXML2::IXMLDOMNodePtr node(&element);
+    SetXmlString(node, L"a", L"1");
+    SetXmlBool(node, L"a", true);
+    SetXmlShort(node, L"a", 1);
+    SetXmlLong(node, L"a", 1);
+    SetXmlInt64(node, L"a", 1);
+    SetXmlULong(node, L"a", 1);
+    SetXmlDouble(node, L"a", 1);
+    EXPECT_EQ(element.types, (std::vector<VARTYPE>{VT_BSTR, VT_BOOL, VT_I2, VT_I4, VT_I8, VT_UI4, VT_R8}));
+    EXPECT_EQ(element.references, 2) << "this test's and the smart pointer's";
+    element.plan.Replace("setAttribute", Returns(E_OUTOFMEMORY));
+    EXPECT_EQ(ErrorOf([&] { SetXmlLong(node, L"a", 1); }), E_OUTOFMEMORY);
+}
+
+TEST_F(XmlValues, SettersSkipWhatIsNoElement)
+{
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<r>text<!--c--></r>");
+    const std::wstring before = Xml(document);
+    const MSXML2::IXMLDOMNodePtr text = MSXML2::GetFirstChild(Find(document, L"r"));
+    const MSXML2::IXMLDOMNodePtr nodes[] = {text, MSXML2::GetNextSibling(text), document, MSXML2::IXMLDOMNodePtr()};
+    for (const MSXML2::IXMLDOMNodePtr& node : nodes)
+    {
+        SetXmlString(node, L"a", L"1");
+        SetXmlBool(node, L"a", true);
+        SetXmlDouble(node, L"a", 1.5);
+        SetXmlInt64(node, L"a", 1);
+    }
+    EXPECT_EQ(Xml(document), before);
+}
+
+TEST_F(XmlValues, SettersRaiseWhenTheNodeCannotBeAsked)
+{
+    ForwardingAnyNode node(Find(Parse(L"<r/>"), L"r"));
+    const MSXML2::IXMLDOMNodePtr pointer(&node);
+    node.plan.Replace("QueryInterface", Returns(E_UNEXPECTED));
+    EXPECT_EQ(ErrorOf([&] { SetXmlLong(pointer, L"a", 1); }), E_UNEXPECTED);
+    node.plan.Replace("QueryInterface", Returns(E_NOINTERFACE));
+    EXPECT_EQ(ErrorOf([&] { SetXmlLong(pointer, L"a", 1); }), S_OK);
+}
+
+TEST_F(XmlValues, DoublesAreReadWithPointAndCommaWhateverTheUserHas)
+{
+    struct Row
+    {
+        const wchar_t* decimal;
+        const wchar_t* thousands;
+    };
+    for (const Row row : {Row{L".", L","}, Row{L",", L"."}, Row{L",", L" "}, Row{L".", L"\x2019"}, Row{L"::", L"''"}})
+    {
+        SCOPED_TRACE(::testing::PrintToString(row.decimal));
+        SetSeparators(row.decimal, row.thousands);
+        EXPECT_EQ(GetXmlDouble(RootWith(L"2.5"), L"v"), 2.5);
+        EXPECT_EQ(GetXmlDouble(RootWith(L"-1,234.5"), L"v"), -1234.5);
+        EXPECT_EQ(GetXmlDouble(RootWith(L"1e-3"), L"v"), 0.001);
+        EXPECT_EQ(Separator(LOCALE_SDECIMAL), row.decimal);
+        EXPECT_EQ(Separator(LOCALE_STHOUSAND), row.thousands);
+    }
+}
+
+TEST_F(XmlValues, ARaisedErrorLeavesTheSeparatorsSwitched)
+{
+    SetSeparators(L",", L".");
+    EXPECT_EQ(ErrorOf([] { GetXmlDouble(RootWith(L"abc"), L"v"); }), static_cast<HRESULT>(0x80020005));
+    EXPECT_EQ(Separator(LOCALE_SDECIMAL), L".");
+    EXPECT_EQ(Separator(LOCALE_STHOUSAND), L",");
+}
+
+TEST_F(XmlValues, ADoubleThatIsNotThereSwitchesAndPutsBackToo)
+{
+    SetSeparators(L",", L".");
+    EXPECT_EQ(GetXmlDouble(RootWith(L"1"), L"none"), 0.0);
+    EXPECT_EQ(Separator(LOCALE_SDECIMAL), L",");
+    EXPECT_EQ(Separator(LOCALE_STHOUSAND), L".");
+}
+
+TEST_F(XmlValues, OnlyASeparatorThatDiffersIsTouched)
+{
+    struct Change
+    {
+        LCTYPE type;
+        std::wstring text;
+        bool operator==(const Change&) const = default;
+    };
+    static std::vector<Change> changes;
+    static std::vector<std::pair<LCTYPE, int>> reads;
+    changes.clear();
+    reads.clear();
+    SetSeparators(L",", L",");
+    const ImportPatch<decltype(&::SetLocaleInfoW)> writing(kLibrary, "SetLocaleInfoW",
+                                                           [](LCID locale, LCTYPE type, LPCWSTR text) WINAPI -> BOOL
+                                                           {
+                                                               EXPECT_EQ(locale, LCID{LOCALE_USER_DEFAULT});
+                                                               changes.push_back({type, text});
+                                                               return ::SetLocaleInfoW(locale, type, text);
+                                                           });
+    const ImportPatch<decltype(&::GetLocaleInfoW)> reading(kLibrary, "GetLocaleInfoW",
+                                                           [](LCID locale, LCTYPE type, LPWSTR text, int size)
+                                                               WINAPI -> int
+                                                           {
+                                                               EXPECT_EQ(locale, LCID{LOCALE_USER_DEFAULT});
+                                                               reads.emplace_back(type, size);
+                                                               return ::GetLocaleInfoW(locale, type, text, size);
+                                                           });
+    EXPECT_EQ(GetXmlDouble(RootWith(L"2.5"), L"v"), 2.5);
+    EXPECT_EQ(reads, (std::vector<std::pair<LCTYPE, int>>{{LOCALE_SDECIMAL, 4}, {LOCALE_STHOUSAND, 4}}));
+    EXPECT_EQ(changes, (std::vector<Change>{{LOCALE_SDECIMAL, L"."}, {LOCALE_SDECIMAL, L","}}));
+
+    changes.clear();
+    SetXmlDouble(Find(Parse(L"<r/>"), L"r"), L"a", 2.5);
+    EXPECT_TRUE(changes.empty()) << "the setter makes no switch";
+}
+
+// The answer is cached for the life of a process: each version gets a process of its own.
+
+DWORD g_major = 0;
+DWORD g_minor = 0;
+int g_asked = 0;
+
+BOOL WINAPI AnswerVersion(LPOSVERSIONINFOW version)
+{
+    ++g_asked;
+    if (version->dwOSVersionInfoSize != 276)
+    {
+        return FALSE;
+    }
+    version->dwMajorVersion = g_major;
+    version->dwMinorVersion = g_minor;
+    return TRUE;
+}
+
+// 1 when both calls said yes, 0 when both said no, 2 otherwise and when the system was not asked exactly once.
+int AskTwice(DWORD major, DWORD minor)
+{
+    g_major = major;
+    g_minor = minor;
+    const ImportPatch<decltype(&::GetVersionExW)> patch(kLibrary, "GetVersionExW", &AnswerVersion);
+    const bool first = IsWindowsXPOrLater();
+    g_major = first ? 4 : 10;
+    const bool second = IsWindowsXPOrLater();
+    return g_asked != 1 || first != second ? 2 : static_cast<int>(first);
+}
+
+TEST(IsWindowsXPOrLaterDeathTest, ComparesTheVersionOnce)
+{
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    struct Row
+    {
+        DWORD major, minor;
+        int answer;
+    };
+    for (const Row row : {Row{4, 90, 0}, Row{5, 0, 0}, Row{5, 1, 1}, Row{5, 2, 1}, Row{6, 0, 1}, Row{10, 0, 1}})
+    {
+        SCOPED_TRACE(row.major * 100 + row.minor);
+        EXPECT_EXIT(::_exit(AskTwice(row.major, row.minor)), ::testing::ExitedWithCode(row.answer), "");
+    }
+}
+
+// 0 when 64-bit values go through text in a process whose system is older than XP.
+int CheckOldSystem()
+{
+    const ComApartment com;
+    g_major = 5;
+    g_minor = 0;
+    const ImportPatch<decltype(&::GetVersionExW)> patch(kLibrary, "GetVersionExW", &AnswerVersion);
+    struct Row
+    {
+        const wchar_t* text;
+        std::int64_t value;
+    };
+    int row = 1;
+    for (const Row& expected : {Row{L"9223372036854775807", 9223372036854775807}, Row{L"-5", -5}, Row{L" 12 m", 12},
+                                Row{L"2.5", 2}, Row{L"abc", 0}, Row{L"", 0}})
+    {
+        const MSXML2::IXMLDOMDocumentPtr document =
+            Parse((std::wstring(L"<r><v>") + expected.text + L"</v></r>").c_str());
+        if (GetXmlInt64(Find(document, L"r"), L"v") != expected.value)
+        {
+            return row;
+        }
+        ++row;
+    }
+    class Recorder : public ForwardingElement
+    {
+    public:
+        using ForwardingElement::ForwardingElement;
+        std::wstring text;
+        HRESULT STDMETHODCALLTYPE setAttribute(BSTR, VARIANT value) override
+        {
+            text = value.vt == VT_BSTR ? value.bstrVal : L"no text";
+            return S_OK;
+        }
+    };
+    Recorder element(Find(Parse(L"<r/>"), L"r"));
+    SetXmlInt64(MSXML2::IXMLDOMNodePtr(&element), L"a", std::numeric_limits<std::int64_t>::min());
+    return element.text == L"-9223372036854775808" ? 0 : 99;
+}
+
+TEST(IsWindowsXPOrLaterDeathTest, OlderSystemsExchange64BitsAsText)
+{
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(::_exit(CheckOldSystem()), ::testing::ExitedWithCode(0), "");
+}
+
+TEST(IsWindowsXPOrLater, IsTrueOfTheSystemOfTheseTests)
+{
+    EXPECT_TRUE(IsWindowsXPOrLater());
+}
+
+}  // namespace

@@ -1,0 +1,192 @@
+#include "xml/XmlValues.h"
+
+#include <cwchar>
+
+#include "xml/XmlInternal.h"
+
+namespace
+{
+
+using namespace MSXML2;
+using xml_internal::ToBstr;
+
+// -1 until asked, then 1 or 0. Without a lock: a race repeats the same answer.
+int g_nWindowsXPOrLater = -1;
+
+// The typed value of what `query` finds, converted to `type`. Nothing found, and a conversion that succeeds without
+// giving the type, leave another type in it.
+_variant_t ReadValue(IXMLDOMNode* node, const CString& query, VARTYPE type)
+{
+    const IXMLDOMNodePtr found = SelectSingleNode(node, ToBstr(query));
+    _variant_t value = found ? GetNodeTypedValue(found) : _variant_t();
+    if (found && value.vt != type)
+    {
+        const HRESULT result = ::VariantChangeType(&value, &value, 0, type);
+        if (FAILED(result))
+        {
+            _com_issue_error(result);
+        }
+    }
+    return value;
+}
+
+void WriteAttribute(const IXMLDOMNodePtr& node, const CString& name, const _variant_t& value)
+{
+    // The conversion gives an empty pointer for a node that is no element and raises for any other failed query.
+    const IXMLDOMElementPtr element(node);
+    if (element)
+    {
+        SetAttribute(element, ToBstr(name), value);
+    }
+}
+
+// One of the user's separators, forced to a text and put back. PutBack is no destructor: a raised error must leave the
+// separators changed.
+class SeparatorSwitch
+{
+public:
+    SeparatorSwitch(LCTYPE type, const wchar_t* needed) : m_type(type), m_needed(needed)
+    {
+        ::GetLocaleInfoW(LOCALE_USER_DEFAULT, type, m_saved, 4);
+    }
+    void Change()
+    {
+        if (std::wcscmp(m_saved, m_needed) != 0)
+        {
+            ::SetLocaleInfoW(LOCALE_USER_DEFAULT, m_type, m_needed);
+            m_changed = true;
+        }
+    }
+    void PutBack() const
+    {
+        if (m_changed)
+        {
+            ::SetLocaleInfoW(LOCALE_USER_DEFAULT, m_type, m_saved);
+        }
+    }
+
+private:
+    LCTYPE m_type;
+    const wchar_t* m_needed;
+    wchar_t m_saved[4] = {};
+    bool m_changed = false;
+};
+
+}  // namespace
+
+CString GetXmlString(const IXMLDOMNodePtr& node, const CString& query)
+{
+    const IXMLDOMNodePtr found = SelectSingleNode(node, ToBstr(query));
+    if (!found)
+    {
+        return CString();
+    }
+    const _variant_t value = GetNodeTypedValue(found);
+    return value.vt == VT_BSTR ? CString(value.bstrVal) : CString();
+}
+
+bool GetXmlBool(const IXMLDOMNodePtr& node, const CString& query)
+{
+    const _variant_t value = ReadValue(node, query, VT_BOOL);
+    return value.vt == VT_BOOL && value.boolVal != VARIANT_FALSE;
+}
+
+short GetXmlShort(const IXMLDOMNodePtr& node, const CString& query)
+{
+    const _variant_t value = ReadValue(node, query, VT_I2);
+    return value.vt == VT_I2 ? value.iVal : short{0};
+}
+
+long GetXmlLong(const IXMLDOMNodePtr& node, const CString& query)
+{
+    const _variant_t value = ReadValue(node, query, VT_I4);
+    return value.vt == VT_I4 ? value.lVal : 0;
+}
+
+__int64 GetXmlInt64(const IXMLDOMNodePtr& node, const CString& query)
+{
+    if (!IsWindowsXPOrLater())
+    {
+        const CString text = GetXmlString(node, query);
+        __int64 value = 0;
+        return ::swscanf(text.GetString(), L"%I64d", &value) == 1 ? value : 0;
+    }
+    const _variant_t value = ReadValue(node, query, VT_I8);
+    return value.vt == VT_I8 ? value.llVal : 0;
+}
+
+unsigned long GetXmlULong(const IXMLDOMNodePtr& node, const CString& query)
+{
+    const _variant_t value = ReadValue(node, query, VT_UI4);
+    return value.vt == VT_UI4 ? value.ulVal : 0;
+}
+
+double GetXmlDouble(const IXMLDOMNodePtr& node, const CString& query)
+{
+    SeparatorSwitch decimal(LOCALE_SDECIMAL, L".");
+    SeparatorSwitch thousands(LOCALE_STHOUSAND, L",");
+    decimal.Change();
+    thousands.Change();
+    const _variant_t value = ReadValue(node, query, VT_R8);
+    decimal.PutBack();
+    thousands.PutBack();
+    return value.vt == VT_R8 ? value.dblVal : 0.0;
+}
+
+void SetXmlString(const IXMLDOMNodePtr& node, const CString& name, const CString& value)
+{
+    WriteAttribute(node, name, _variant_t(value.GetString()));
+}
+
+void SetXmlBool(const IXMLDOMNodePtr& node, const CString& name, bool value)
+{
+    WriteAttribute(node, name, _variant_t(value));
+}
+
+void SetXmlShort(const IXMLDOMNodePtr& node, const CString& name, short value)
+{
+    WriteAttribute(node, name, _variant_t(value));
+}
+
+void SetXmlLong(const IXMLDOMNodePtr& node, const CString& name, long value)
+{
+    WriteAttribute(node, name, _variant_t(value));
+}
+
+void SetXmlInt64(const IXMLDOMNodePtr& node, const CString& name, __int64 value)
+{
+    if (!IsWindowsXPOrLater())
+    {
+        CString text;
+        text.Format(L"%I64d", value);
+        SetXmlString(node, name, text);
+        return;
+    }
+    WriteAttribute(node, name, _variant_t(value));
+}
+
+void SetXmlULong(const IXMLDOMNodePtr& node, const CString& name, unsigned long value)
+{
+    WriteAttribute(node, name, _variant_t(value));
+}
+
+void SetXmlDouble(const IXMLDOMNodePtr& node, const CString& name, double value)
+{
+    WriteAttribute(node, name, _variant_t(value));
+}
+
+bool IsWindowsXPOrLater()
+{
+    if (g_nWindowsXPOrLater == -1)
+    {
+        OSVERSIONINFOW version = {};
+        version.dwOSVersionInfoSize = sizeof(version);
+#if defined(_MSC_VER)
+#pragma warning(suppress : 4996 28159)  // Deprecated, and what is asked for: the version that the system shows us.
+#endif
+        ::GetVersionExW(&version);
+        const bool later = version.dwMajorVersion > 5 || (version.dwMajorVersion == 5 && version.dwMinorVersion > 0);
+        g_nWindowsXPOrLater = later ? 1 : 0;
+    }
+    return g_nWindowsXPOrLater == 1;
+}
