@@ -1,5 +1,7 @@
 #include "host/landxml/CsvText.h"
 
+#include "host/landxml/NumberText.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -10,7 +12,6 @@ namespace quonhost
 namespace
 {
 
-constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view Trimmed(std::string_view text, std::string_view characters)
@@ -41,23 +42,38 @@ std::vector<std::string_view> SplitAtCommas(std::string_view line)
     return fields;
 }
 
-// Puts the first line that is not blank into lower case if it is a header. @return the fields of that line otherwise,
-// none when it is a header
-std::vector<std::string_view> LookForHeader(std::string& text, const std::vector<std::string_view>& names)
+// Whether the fields of a first line are names of columns. One name will do, for the others may be misspelt; but a row
+// may have such a word for its code, and then it has numbers too.
+bool IsHeader(const std::vector<std::string_view>& fields, const std::vector<std::string_view>& names)
+{
+    bool hasName = false;
+    for (const std::string_view field : fields)
+    {
+        const std::string_view bare = Trimmed(field, " \t\"");
+        if (ParseNumber(bare))
+        {
+            return false;
+        }
+        hasName = hasName || std::find(names.begin(), names.end(), bare) != names.end();
+    }
+    return hasName;
+}
+
+// Puts the first line that is not blank into lower case if it is a header. @return 0 then, otherwise the number of its
+// fields
+size_t LookForHeader(std::string& text, const std::vector<std::string_view>& names)
 {
     const size_t begin = std::min(text.find_first_not_of(" \t\r\n"), text.size());
     const size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
-    std::string header = text.substr(begin, end - begin);
-    std::transform(header.begin(), header.end(), header.begin(), &LowerCase);
-    for (const std::string_view field : SplitAtCommas(header))
+    std::string line = text.substr(begin, end - begin);
+    std::transform(line.begin(), line.end(), line.begin(), &LowerCase);
+    const std::vector<std::string_view> fields = SplitAtCommas(line);
+    if (!IsHeader(fields, names))
     {
-        if (std::find(names.begin(), names.end(), Trimmed(field, " \t\"")) != names.end())
-        {
-            text.replace(begin, header.size(), header);
-            return {};
-        }
+        return fields.size();
     }
-    return SplitAtCommas(std::string_view(text).substr(begin, end - begin));
+    text.replace(begin, line.size(), line);
+    return 0;
 }
 
 std::string MakeHeader(const std::vector<std::string_view>& names, size_t count)
@@ -100,12 +116,12 @@ CsvText PrepareCsv(const std::string& file, std::string text, const std::vector<
     }
     // The parser reads one character past a last line without an end.
     text += '\n';
-    const std::vector<std::string_view> fields = LookForHeader(text, names);
-    if (fields.empty())
+    const size_t fields = LookForHeader(text, names);
+    if (fields == 0)
     {
         return {file, std::move(text), true};
     }
-    return {file, MakeHeader(names, fields.size()) + text, false};
+    return {file, MakeHeader(names, fields) + text, false};
 }
 
 std::string ReadWholeFile(const std::string& name)
@@ -125,13 +141,16 @@ std::string ReadWholeFile(const std::string& name)
 
 std::string QuoteField(const std::string& field)
 {
-    const bool hasOuterBlank = Trimmed(field, kBlanks).size() != field.size();
-    if (!hasOuterBlank && field.find_first_of(",\"") == std::string::npos)
+    std::string plain = field;
+    std::replace_if(
+        plain.begin(), plain.end(), [](char ch) { return static_cast<unsigned char>(ch) < ' '; }, ' ');
+    const bool hasOuterBlank = Trimmed(plain, " ").size() != plain.size();
+    if (!hasOuterBlank && plain.find_first_of(",\"") == std::string::npos)
     {
-        return field;
+        return plain;
     }
     std::string quoted = "\"";
-    for (const char ch : field)
+    for (const char ch : plain)
     {
         quoted.append(ch == '"' ? 2 : 1, ch);
     }

@@ -25,15 +25,16 @@ struct CsvText
     size_t CountLines() const;
 };
 
-/// Takes a header for one when a name in its first line is among `names`, in whatever case. Without one the columns
-/// stand in the order of `names`, as many as the first line has fields. A byte order mark is dropped.
+/// Takes the first line for a header when it holds one of `names`, in whatever case, and no number. Without a header
+/// the columns stand in the order of `names`, as many as the first line has fields. A byte order mark is dropped.
 /// @throws CommandError when the text is empty or holds a NUL byte
 CsvText PrepareCsv(const std::string& file, std::string text, const std::vector<std::string_view>& names);
 
 /// The whole of a file. @throws CommandError when it cannot be read
 std::string ReadWholeFile(const std::string& name);
 
-/// The field in quotes if it needs them: it holds a comma or a quote, or a blank at an end.
+/// The field in quotes if it needs them: it holds a comma or a quote, or a blank at an end. Line breaks and other
+/// control characters, which the parser does not take, become blanks.
 std::string QuoteField(const std::string& field);
 
 }  // namespace quonhost
