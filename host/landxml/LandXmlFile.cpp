@@ -1,14 +1,13 @@
 #include "host/landxml/LandXmlFile.h"
 
 #include "host/Console.h"
+#include "host/landxml/CsvText.h"
 #include "host/landxml/DomElements.h"
 #include "host/landxml/NumberText.h"
 #include "host/landxml/Steps.h"
 
 #include "geometry/QuonFaceReader.h"
-#include "paths/QuonPath.h"
 #include "xml/QuonXml.h"
-#include "xml/XmlDocument.h"
 #include "xml/XmlNodes.h"
 
 #include <algorithm>
@@ -45,22 +44,31 @@ std::wstring WhereItFailed(const IXMLDOMDocumentPtr& document)
     return L", line " + std::to_wstring(line) + L": " + reason.Trim().GetString();
 }
 
+// The bytes as the parser takes them.
+_variant_t BytesOf(const std::string& text)
+{
+    SAFEARRAY* const bytes = ::SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(text.size()));
+    void* data = nullptr;
+    MSXML2::NotNull(bytes);
+    MSXML2::Check(::SafeArrayAccessData(bytes, &data), static_cast<IUnknown*>(nullptr));
+    std::copy(text.begin(), text.end(), static_cast<char*>(data));
+    ::SafeArrayUnaccessData(bytes);
+    _variant_t value;
+    value.vt = VT_ARRAY | VT_UI1;
+    value.parray = bytes;
+    return value;
+}
+
+// The parser is given the bytes, not the name: it would take that for a URL, in which "%" has a meaning, and some
+// parsers gather the text of a file in small pieces, which for a long one takes longer than all the rest.
 IXMLDOMDocumentPtr LoadDocument(const std::string& name)
 {
-    const CString path(static_cast<const wchar_t*>(QuonPath(ToWide(name), QuonPathNormalize)));
-    if (!XmlFileExists(path))
-    {
-        throw CommandError("\"" + name + "\" does not exist");
-    }
+    const std::string text = ReadWholeFile(name);
     const QuonXml xml(L"", false, false, false);
     const IXMLDOMDocumentPtr document = xml.GetDocument();
     // By itself a document loads in the background.
     MSXML2::PutAsync(document, VARIANT_FALSE);
-    try
-    {
-        LoadXmlFile(path, document);
-    }
-    catch (const CString&)
+    if (MSXML2::Load(document, BytesOf(text)) == VARIANT_FALSE)
     {
         throw CommandError(L"\"" + ToWide(name) + L"\" cannot be read as XML" + WhereItFailed(document));
     }

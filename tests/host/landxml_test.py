@@ -319,7 +319,8 @@ class LandXmlTest(unittest.TestCase):
             for command in (["info"], ["points", "--points", "1"]):
                 with self.subTest((text, command)):
                     self.assert_fails(1, complaint, *command, self.write("bad.xml", text))
-        self.assert_fails(1, "does not exist", "info", self.folder / "none.xml")
+        self.assert_fails(1, 'none.xml" cannot be read', "info", self.folder / "none.xml")
+        self.assert_fails(1, "cannot be read", "info", self.folder)
 
     def test_bad_coordinates_are_told(self):
         path = self.write("bad.xml", "<LandXML version='1.2'><CgPoints><CgPoint name='1'>1 x</CgPoint>"
