@@ -7,6 +7,7 @@ import io
 import json
 import random
 import re
+import signal
 import struct
 import subprocess
 import sys
@@ -345,6 +346,20 @@ class LandXmlTest(unittest.TestCase):
         lines = self.output("points", self.xml, "--points", f"{count - 1}-{count}", "--csv").splitlines()
         self.assertEqual([numbers(line.split(",")[:4]) for line in lines[1:]],
                          [[i + 1, i * 0.37, i * 1.13, i % 50 + 0.125] for i in (count - 2, count - 1)])
+
+    def test_ctrl_c_stops_and_leaves_the_old_file(self):
+        self.export("1,2,3,4\n")
+        old = self.xml.read_bytes()
+        points = self.write("points.csv", "".join(f"{i + 1},{i},{i},{i},P\n" for i in range(150000)))
+        arguments = [RUNNER, PROGRAM, "landxml", "export", windows_path(points), windows_path(self.xml), "--progress"]
+        with subprocess.Popen(arguments, stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+            process.stderr.read(1)  # the bar has begun
+            process.send_signal(signal.SIGINT)
+            out, error = process.communicate(timeout=120)
+        self.assertEqual((process.returncode, out), (1, b""))
+        self.assertTrue(error.endswith(b"\nquonhost: stopped\n"), error[-200:])
+        self.assertEqual(self.xml.read_bytes(), old)
+        self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["out.xml", "points.csv"])
 
     # The command line.
 
