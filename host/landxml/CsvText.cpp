@@ -93,9 +93,9 @@ CommandError LineError(const std::string& file, unsigned int line, const std::st
     return CommandError(file + "(" + std::to_string(line) + "): " + what);
 }
 
-size_t CsvText::CountLines() const
+size_t CsvText::CountRows() const
 {
-    return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+    return static_cast<size_t>(std::count(text.begin(), text.end(), '\n')) - 1;
 }
 
 CsvText PrepareCsv(const std::string& file, std::string text, const std::vector<std::string_view>& names)
@@ -115,7 +115,7 @@ CsvText PrepareCsv(const std::string& file, std::string text, const std::vector<
         throw CommandError("\"" + file + "\" is empty");
     }
     // The parser reads one character past a last line without an end.
-    text += '\n';
+    text += text.back() == '\n' ? "" : "\n";
     const size_t fields = LookForHeader(text, names);
     if (fields == 0)
     {

@@ -22,7 +22,8 @@ struct CsvText
 
     /// The line of the file for a line of the text.
     unsigned int LineOfFile(unsigned int line) const { return hasOwnHeader ? line : line - 1; }
-    size_t CountLines() const;
+    /// The number of lines below the header, blank ones included.
+    size_t CountRows() const;
 };
 
 /// Takes the first line for a header when it holds one of `names`, in whatever case, and no number. Without a header

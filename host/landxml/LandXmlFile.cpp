@@ -130,26 +130,26 @@ void ForEachPoint(const IXMLDOMNodePtr& root, const Visit& visit)
                       });
 }
 
-// The places of a surface's points; x is the easting, y the northing.
-VxGePoint3dArray ReadSurfacePoints(const IXMLDOMNodePtr& points, const std::wstring& surface)
+// Adds the places of a surface's points to `places`; x is the easting, y the northing.
+void ReadSurfacePoints(const IXMLDOMNodePtr& points, VxGePoint3dArray& places, SurfaceInfo& info)
 {
-    VxGePoint3dArray places;
     Steps steps(CountChildren(points));
     ForEachElement(points, L"P",
                    [&](const IXMLDOMNodePtr& point)
                    {
-                       const std::wstring text(View(MSXML2::GetText(point)));
-                       const std::optional<CgPlace> place = ParsePlace(text);
-                       if (!place || !place->elevation)
+                       const std::optional<CgPlace> place = ParsePlace(View(MSXML2::GetText(point)));
+                       ++info.points;
+                       if (place && place->elevation)
                        {
-                           throw CommandError(L"point " + AttributeOf(point, L"id") + L" of surface \"" + surface +
-                                              L"\" has no coordinates: \"" + text + L"\"");
+                           places.Append({place->easting, place->northing, *place->elevation});
                        }
-                       places.Append({place->easting, place->northing, *place->elevation});
+                       else
+                       {
+                           ++info.lostPoints;
+                       }
                        steps.Advance();
                    });
     steps.Finish();
-    return places;
 }
 
 std::optional<SurfaceExtents> ExtentsOf(const VxGePoint3dArray& places)
@@ -191,15 +191,10 @@ SurfaceInfo ReadSurface(const IXMLDOMNodePtr& surface)
                    [&](const IXMLDOMNodePtr& definition)
                    {
                        ForEachElement(definition, L"Pnts",
-                                      [&](const IXMLDOMNodePtr& points)
-                                      {
-                                          const VxGePoint3dArray more = ReadSurfacePoints(points, info.name);
-                                          places.Append(more.GetPoints(), more.GetLogicalLength());
-                                      });
+                                      [&](const IXMLDOMNodePtr& points) { ReadSurfacePoints(points, places, info); });
                        ForEachElement(definition, L"Faces",
                                       [&](const IXMLDOMNodePtr& faces) { CountFaces(faces, info); });
                    });
-    info.points = static_cast<size_t>(places.GetLogicalLength());
     info.extents = ExtentsOf(places);
     return info;
 }

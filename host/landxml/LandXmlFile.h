@@ -23,9 +23,10 @@ struct SurfaceInfo
 {
     std::wstring name;
     size_t points = 0;
+    size_t lostPoints = 0;  ///< of the points: those whose coordinates cannot be read
     size_t faces = 0;
     size_t invisibleFaces = 0;              ///< of the faces: those marked as holes
-    std::optional<SurfaceExtents> extents;  ///< none without points
+    std::optional<SurfaceExtents> extents;  ///< of the points that have coordinates; none without any
 };
 
 struct AlignmentInfo

@@ -29,14 +29,18 @@ std::wstring Quoted(const std::wstring& text)
     return L"\"" + text + L"\"";
 }
 
+// How many there are and how many of them are special, if any.
+std::wstring Counted(size_t count, const wchar_t* name, size_t special, const wchar_t* how)
+{
+    const std::wstring text = std::to_wstring(count) + L" " + name;
+    return special == 0 ? text : text + L" (" + std::to_wstring(special) + L" " + how + L")";
+}
+
 std::wstring DescribeSurface(const SurfaceInfo& surface)
 {
-    std::wstring text = Quoted(surface.name) + L": " + std::to_wstring(surface.points) + L" points, " +
-                        std::to_wstring(surface.faces) + L" faces";
-    if (surface.invisibleFaces > 0)
-    {
-        text += L" (" + std::to_wstring(surface.invisibleFaces) + L" invisible)";
-    }
+    std::wstring text = Quoted(surface.name) + L": " +
+                        Counted(surface.points, L"points", surface.lostPoints, L"without coordinates") + L", " +
+                        Counted(surface.faces, L"faces", surface.invisibleFaces, L"invisible");
     if (surface.extents)
     {
         const SurfaceExtents& extents = *surface.extents;
@@ -57,6 +61,7 @@ ordered_json SurfaceAsJson(const SurfaceInfo& surface)
 {
     ordered_json json = {{"name", ToUtf8(surface.name)},
                          {"points", surface.points},
+                         {"pointsWithoutCoordinates", surface.lostPoints},
                          {"faces", surface.faces},
                          {"invisibleFaces", surface.invisibleFaces},
                          {"extents", nullptr}};

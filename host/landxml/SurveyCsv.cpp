@@ -191,7 +191,7 @@ std::vector<SurveyPoint> ParsePoints(const std::string& name, std::string text)
     RequireColumns<5>(csv, parser, {"number", "northing", "easting", "elevation"});
     std::vector<SurveyPoint> points;
     std::unordered_map<unsigned long, unsigned int> lines;
-    Steps steps(csv.CountLines());
+    Steps steps(csv.CountRows());
     const auto readRow = [&](PointRow& row)
     {
         return parser.read_row(row.number, row.northing, row.easting, row.elevation, row.code);
@@ -220,7 +220,7 @@ std::vector<SurveyFace> ParseFaces(const std::string& name, std::string text, co
     RequireColumns<3>(csv, parser, {"point1", "point2", "point3"});
     const PointIndex index(points);
     std::vector<SurveyFace> faces;
-    Steps steps(csv.CountLines());
+    Steps steps(csv.CountRows());
     std::array<const char*, 3> row = {};
     while (Telling(csv, parser, [&] { return parser.read_row(row[0], row[1], row[2]); }))
     {

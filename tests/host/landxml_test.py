@@ -6,7 +6,6 @@ import datetime
 import io
 import json
 import random
-import re
 import signal
 import struct
 import subprocess
@@ -269,9 +268,10 @@ class LandXmlTest(unittest.TestCase):
                             "version": version, "units": "Imperial", "linearUnit": "USSurveyFoot",
                             "project": "Bridge & road", "points": 4,
                             "surfaces": [
-                                {"name": "Ground", "points": 3, "faces": 3, "invisibleFaces": 1,
+                                {"name": "Ground", "points": 3, "pointsWithoutCoordinates": 0, "faces": 3, "invisibleFaces": 1,
                                  "extents": {"northing": [-10, 10], "easting": [0, 21], "elevation": [-3, 10]}},
-                                {"name": "Empty", "points": 0, "faces": 0, "invisibleFaces": 0, "extents": None}],
+                                {"name": "Empty", "points": 0, "pointsWithoutCoordinates": 0, "faces": 0, "invisibleFaces": 0,
+                                 "extents": None}],
                             "alignments": [{"name": "Main", "length": 123.25}, {"name": "Side", "length": None}]})
 
     def test_info_prints_a_fact_a_line(self):
@@ -329,8 +329,11 @@ class LandXmlTest(unittest.TestCase):
         self.assert_fails(1, 'point 1 has no coordinates: "1 x"', "points", path, "--points", "1-2")
         self.assertEqual(self.output("points", path, "--points", "2"), "2 1 2 -\n")
         path = self.write("bad.xml", "<LandXML version='1.2'><Surfaces><Surface name='S'><Definition><Pnts>"
-                                     "<P id='7'>1 2</P></Pnts></Definition></Surface></Surfaces></LandXML>")
-        self.assert_fails(1, 'point 7 of surface "S" has no coordinates: "1 2"', "info", path)
+                                     "<P id='7'>1 2</P><P/><P>1 2 x</P><P>1 2 3</P></Pnts></Definition></Surface></Surfaces></LandXML>")
+        self.assertEqual(self.output("info", path).splitlines()[-1],
+                         'surface     "S": 4 points (3 without coordinates), 0 faces, northing 1 to 1, easting 2 to 2, '
+                         'elevation 3 to 3')
+        self.assertEqual(self.info(path)["surfaces"][0]["pointsWithoutCoordinates"], 3)
 
     # Long files.
 
@@ -340,8 +343,11 @@ class LandXmlTest(unittest.TestCase):
         self.write("points.csv", points)
         done = self.run_host("export", self.folder / "points.csv", self.xml, "--progress")
         self.assertEqual((done.returncode, done.stdout), (0, ""))
-        # The bar for the points read, then the one for those written; each draws over the one before.
-        self.assertRegex(re.sub(r"\s*\n", "\n", done.stderr), f"{count} of {count}\\n\\Z")
+        # One bar for the points read, one for those written; within a bar each state is drawn over the one before, and
+        # the carriage return between them reads as a line feed.
+        self.assertTrue(done.stderr.endswith(f"] {count} of {count}\n"))
+        self.assertEqual(done.stderr.count(f"[{'#' * 40}] {count} of {count}\n"), 2)
+        self.assertEqual(done.stderr.count(f"\n\n[#{' ' * 39}] 512 of {count}\n"), 1)
         self.assertEqual(self.info(self.xml)["points"], count)
         lines = self.output("points", self.xml, "--points", f"{count - 1}-{count}", "--csv").splitlines()
         self.assertEqual([numbers(line.split(",")[:4]) for line in lines[1:]],
