@@ -85,13 +85,13 @@ IXMLDOMNodePtr FindRoot(const IXMLDOMDocumentPtr& document)
             return node;
         }
     }
-    return nullptr;
+    return IXMLDOMNodePtr();
 }
 
 // The version that the root tells, or else the one at the end of its namespace.
 std::wstring VersionOf(const IXMLDOMNodePtr& root)
 {
-    const std::wstring version = AttributeOf(root, L"version");
+    std::wstring version = AttributeOf(root, L"version");
     if (!version.empty())
     {
         return version;
@@ -204,7 +204,7 @@ void ReadUnits(const IXMLDOMNodePtr& root, LandXmlInfo& info)
     const IXMLDOMNodePtr units = FirstElement(root, L"Units");
     for (const wchar_t* const system : {L"Metric", L"Imperial"})
     {
-        const IXMLDOMNodePtr unit = units ? FirstElement(units, system) : nullptr;
+        const IXMLDOMNodePtr unit = units ? FirstElement(units, system) : IXMLDOMNodePtr();
         if (unit)
         {
             info.units = system;
