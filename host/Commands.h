@@ -13,5 +13,6 @@ void AddSplitCommand(CLI::App& app);
 void AddPointsCommand(CLI::App& app);
 void AddSortCommand(CLI::App& app);
 void AddAngleCommand(CLI::App& app);
+void AddLandXmlCommand(CLI::App& app);
 
 }  // namespace quonhost
