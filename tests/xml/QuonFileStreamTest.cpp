@@ -256,30 +256,45 @@ TEST(QuonFileStream, EverythingElseFails)
     EXPECT_EQ(clone, nullptr);
 }
 
+// Four threads count the same stream at the same time: an update that is lost shows in the end.
+struct Counting
+{
+    QuonFileStream* stream;
+    HANDLE start;
+};
+
+DWORD WINAPI CountUpAndDown(void* argument)
+{
+    const auto* const counting = static_cast<const Counting*>(argument);
+    ::WaitForSingleObject(counting->start, INFINITE);
+    for (int i = 0; i < 500000; ++i)
+    {
+        counting->stream->AddRef();
+        counting->stream->Release();
+    }
+    return 0;
+}
+
 TEST(QuonFileStream, CountsFromSeveralThreads)
 {
     const Stream stream;
-    const auto work = [](void* argument) WINAPI -> DWORD
-    {
-        auto* const counted = static_cast<QuonFileStream*>(argument);
-        for (int i = 0; i < 20000; ++i)
-        {
-            counted->AddRef();
-            counted->Release();
-        }
-        return 0;
-    };
+    // Lost updates must not end the stream on the way.
+    stream->m_cRef = 1000000;
+    Counting counting = {stream.Get(), ::CreateEventW(nullptr, TRUE, FALSE, nullptr)};
     HANDLE threads[4];
     for (HANDLE& thread : threads)
     {
-        thread = ::CreateThread(nullptr, 0, work, stream.Get(), 0, nullptr);
+        thread = ::CreateThread(nullptr, 0, &CountUpAndDown, &counting, 0, nullptr);
     }
-    EXPECT_EQ(::WaitForMultipleObjects(4, threads, TRUE, 10000), WAIT_OBJECT_0);
+    ::SetEvent(counting.start);
+    EXPECT_EQ(::WaitForMultipleObjects(4, threads, TRUE, 60000), WAIT_OBJECT_0);
     for (HANDLE thread : threads)
     {
         ::CloseHandle(thread);
     }
-    EXPECT_EQ(stream->m_cRef, 1);
+    ::CloseHandle(counting.start);
+    EXPECT_EQ(stream->m_cRef, 1000000);
+    stream->m_cRef = 1;
 }
 
 }  // namespace

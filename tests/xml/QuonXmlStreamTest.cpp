@@ -153,11 +153,13 @@ TEST_F(QuonXmlTest, LoadFromUrlResolvesAndFails)
     EXPECT_EQ(xml.LoadFromUrl(L"C:\\file.xml"), E_FAIL);
     EXPECT_EQ(xml.LoadFromUrl(L"HTTP://host/file.xml"), E_FAIL);
     EXPECT_EQ(xml.LoadFromUrl(std::wstring(400, L'x').c_str()), E_FAIL);
-    ASSERT_EQ(g_resolved.size(), 3u);
+    EXPECT_EQ(xml.LoadFromUrl(L"http"), E_FAIL);
+    EXPECT_EQ(xml.LoadFromUrl(L"https://host/file.xml"), E_FAIL);
+    ASSERT_EQ(g_resolved.size(), 5u);
     EXPECT_EQ(g_resolved[0], std::make_pair(std::wstring(L"C:\\file.xml"), DWORD{260}));
     EXPECT_EQ(xml.Load(), E_FAIL) << "a stream, but not over a file";
-    ASSERT_EQ(g_resolved.size(), 4u);
-    EXPECT_EQ(g_resolved[3].first, L"local.xml");
+    ASSERT_EQ(g_resolved.size(), 6u);
+    EXPECT_EQ(g_resolved[5].first, L"local.xml");
     EXPECT_EQ(m_document.plan.Count("load"), 0);
     xml.m_pDoc = nullptr;
 }
@@ -216,6 +218,32 @@ TEST_F(QuonXmlTest, MemoryHoldsTheBytesOfTheStream)
     }
     EXPECT_EQ(document.plan.Count("get_parseError"), 0) << "parse errors are not looked at";
     EXPECT_EQ(persist.references, 1);
+}
+
+std::vector<HGLOBAL> g_locked;
+
+TEST_F(QuonXmlTest, TheMemoryOfTheStreamIsUnlockedAgain)
+{
+    g_locked.clear();
+    const ImportPatch<decltype(&::GlobalLock)> locking(kLibrary, "GlobalLock",
+                                                       [](HGLOBAL memory) WINAPI -> LPVOID
+                                                       {
+                                                           g_locked.push_back(memory);
+                                                           return ::GlobalLock(memory);
+                                                       });
+    const ImportPatch<decltype(&::GlobalUnlock)> unlocking(kLibrary, "GlobalUnlock",
+                                                           [](HGLOBAL memory) WINAPI -> BOOL
+                                                           {
+                                                               EXPECT_EQ(g_locked, std::vector<HGLOBAL>{memory});
+                                                               g_locked.clear();
+                                                               return ::GlobalUnlock(memory);
+                                                           });
+    QuonXml xml(L"", false, false, false);
+    unsigned char* buffer = nullptr;
+    unsigned long size = 0;
+    EXPECT_EQ(xml.SaveToMemory(Parse(L"<a/>"), buffer, size), 0);
+    EXPECT_TRUE(g_locked.empty());
+    delete[] buffer;
 }
 
 TEST_F(QuonXmlTest, MemoryStepsThatFailGiveTheirResults)
@@ -315,6 +343,21 @@ TEST_F(QuonXmlTest, WalksNodesThenAttributesThenChildren)
         EXPECT_EQ(part.count, stop) << "nothing is visited after the first false";
         EXPECT_EQ(all.compare(0, part.names.size(), part.names), 0);
     }
+}
+
+TEST_F(QuonXmlTest, ADocumentThatIsNoNodeIsNotWalked)
+{
+    QuonXml xml(L"", false, false, false);
+    Visits visits;
+    xml.m_pDoc = m_pointer;
+    for (const HRESULT result : {E_NOINTERFACE, E_UNEXPECTED})
+    {
+        m_document.plan.Replace("QueryInterface", Returns(result));
+        EXPECT_TRUE(xml.WalkTree(&Visit, reinterpret_cast<__int64>(&visits)));
+    }
+    EXPECT_EQ(visits.count, 0u);
+    xml.m_pDoc = nullptr;
+    EXPECT_TRUE(xml.WalkTree(&Visit, reinterpret_cast<__int64>(&visits))) << "nor is one that is not there";
 }
 
 TEST_F(QuonXmlTest, WalksFromAnyNode)
