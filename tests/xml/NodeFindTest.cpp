@@ -288,6 +288,45 @@ TEST_F(XmlNodesFind, CollectsByAllPairsThatHaveAName)
     }
 }
 
+TEST_F(XmlNodesFind, ValuesThatAreNoTextsAreComparedAsTexts)
+{
+    class Valued : public ForwardingAnyNode
+    {
+    public:
+        using ForwardingAnyNode::ForwardingAnyNode;
+        _variant_t value;
+        HRESULT STDMETHODCALLTYPE get_nodeValue(VARIANT* out) override { return ::VariantCopy(out, &value); }
+    };
+    const IXMLDOMNodePtr real = Find(Parse(L"<p/>"), L"p");
+    Valued attribute(real);
+    FakeMap map;
+    map.nodes.emplace_back(&attribute);
+    ForwardingAnyNode node(real);
+    node.attributes = &map;
+    FakeList list;
+    list.nodes.emplace_back(&node);
+    _variant_t null;
+    null.vt = VT_NULL;
+    struct Row
+    {
+        _variant_t value;
+        const wchar_t* text;
+    };
+    for (const Row& row : {Row{_variant_t(12L), L"12"}, Row{_variant_t(L"v"), L"v"}, Row{_variant_t(L""), L""},
+                           Row{_variant_t(), L""}, Row{null, L""}})
+    {
+        SCOPED_TRACE(row.value.vt);
+        attribute.value = row.value;
+        EXPECT_EQ(GetAttributeValue(IXMLDOMNodePtr(&node), L"k"), row.text);
+        QuonNodeArray found;
+        CollectNodesWithAttributes(found, IXMLDOMNodeListPtr(&list), L"p", L"k", row.text, false);
+        EXPECT_EQ(found.GetSize(), 1);
+        CollectNodesWithAttributes(found, IXMLDOMNodeListPtr(&list), L"p", L"k", L"other", false);
+        EXPECT_EQ(found.GetSize(), 1);
+        ReleaseNodeArray(&found);
+    }
+}
+
 TEST_F(XmlNodesFind, CollectingAppends)
 {
     const IXMLDOMDocumentPtr document = Parse(L"<a><p id='1' k='v'/><q id='2' k='v'/></a>");

@@ -206,7 +206,7 @@ TEST_F(QuonXmlTest, AnErrorOfABackgroundLoadIsShownAndReturned)
     int asked = 0;
     document.readyState = [&]
     {
-        return ++asked < 3 ? 1 : 4;
+        return ++asked < 3 ? 2 * asked - 1 : 4;  // 1, then 3, which is not enough yet
     };
     m_error.code = static_cast<LONG>(0xC00CE56D);
     m_error.line = 3;

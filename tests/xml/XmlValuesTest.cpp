@@ -151,6 +151,31 @@ TEST_F(XmlValues, StringsAreNotConverted)
     EXPECT_EQ(GetXmlDouble(root, L"v"), 12.0);
 }
 
+TEST_F(XmlValues, AConversionThatSucceedsWithoutTheTypeGivesZero)
+{
+    using Change = HRESULT(WINAPI*)(VARIANTARG*, const VARIANTARG*, USHORT, VARTYPE);
+    static std::vector<VARTYPE> types;
+    types.clear();
+    const ImportPatch<Change> patch(kLibrary, "VariantChangeType",
+                                    [](VARIANTARG* to, const VARIANTARG* from, USHORT flags, VARTYPE type)
+                                        WINAPI -> HRESULT
+                                    {
+                                        EXPECT_EQ(to, from) << "in place";
+                                        EXPECT_EQ(flags, 0);
+                                        types.push_back(type);
+                                        return S_OK;
+                                    });
+    const MSXML2::IXMLDOMNodePtr node = RootWith(L"1");
+    EXPECT_FALSE(GetXmlBool(node, L"v"));
+    EXPECT_EQ(GetXmlShort(node, L"v"), 0);
+    EXPECT_EQ(GetXmlLong(node, L"v"), 0);
+    EXPECT_EQ(GetXmlInt64(node, L"v"), 0);
+    EXPECT_EQ(GetXmlULong(node, L"v"), 0u);
+    EXPECT_EQ(GetXmlDouble(node, L"v"), 0.0);
+    EXPECT_EQ(GetXmlString(node, L"v"), L"1");
+    EXPECT_EQ(types, (std::vector<VARTYPE>{VT_BOOL, VT_I2, VT_I4, VT_I8, VT_UI4, VT_R8}));
+}
+
 // The node that the query finds, with a typed value of the test's choice.
 TEST_F(XmlValues, FailuresOfTheTypedValueAreRaised)
 {
