@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what the project needs from Debian's packages and makes the Wine prefix. Safe to run again: nothing that is
-# there is installed anew.
+# Installs what the project needs from Debian's packages and makes the Wine prefix: setup.sh [FURTHER-PACKAGE...]
+# Safe to run again: nothing that is there is installed anew.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -14,6 +14,9 @@ packages=(
   clang-tidy-14       # the lint, checked by the tests
   doxygen             # the reference manual, built by the tests
   libxml2-utils       # xmllint, reads the XML documents that the tests wrote
+  # peers of the benchmarks (headers only)
+  libboost1.81-dev librapidxml-dev libconcurrentqueue-dev libasio-dev libfmt-dev libspdlog-dev
+  "$@"
 )
 
 missing=()
