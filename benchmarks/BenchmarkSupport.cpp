@@ -89,6 +89,8 @@ int Run(int argc, char** argv, void (*addContenders)(const Sizes& sizes))
     }
     addContenders(Sizes(isSmoke));
     const std::size_t count = benchmark::RunSpecifiedBenchmarks();
+    // Ends what the contenders hold, such as their temporary folders.
+    benchmark::ClearRegisteredBenchmarks();
     benchmark::Shutdown();
     std::printf("benchmarks done: %u\n", static_cast<unsigned>(count));
     return count > 0 ? 0 : 1;
