@@ -71,6 +71,28 @@ private:
     BSTR m_text = nullptr;
 };
 
+/// Text for one call of the DOM: `_bstr_t` without its count of owners, which is an allocation of its own. Raises
+/// `E_OUTOFMEMORY` when there is no memory, as `_bstr_t` does.
+class DomArgument
+{
+public:
+    explicit DomArgument(const CString& text) : m_text(::SysAllocString(text.GetString()))
+    {
+        if (m_text == nullptr)
+        {
+            _com_issue_error(E_OUTOFMEMORY);
+        }
+    }
+    ~DomArgument() { ::SysFreeString(m_text); }
+    DomArgument(const DomArgument&) = delete;
+    DomArgument& operator=(const DomArgument&) = delete;
+
+    BSTR Get() const { return m_text; }
+
+private:
+    BSTR m_text;
+};
+
 /// The value as text; "" for a value that is no text and cannot be made one.
 CString TextOfVariant(const VARIANT& value);
 

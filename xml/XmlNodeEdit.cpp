@@ -15,12 +15,28 @@ void AppendCreated(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, c
                    const Create& create)
 {
     Require(document, L"pDoc is NULL!");
-    const IXMLDOMNodePtr created(create());
+    const IXMLDOMNodePtr created = create();
     Require(created, L"pCreatedNode is NULL!");
     Require(root, L"pRootNode is NULL!");
     const IXMLDOMNodePtr appended = AppendChild(root, created);
     Require(appended, L"pAppendedNode is NULL!");
     result = appended;
+}
+
+// Elements and texts are made by the thousand. They are nodes as they come, without a query for that interface.
+
+IXMLDOMNodePtr NewElement(IXMLDOMDocument* document, const CString& name)
+{
+    IXMLDOMElement* element = nullptr;
+    Check(document->createElement(DomArgument(name).Get(), &element), document);
+    return IXMLDOMNodePtr(static_cast<IXMLDOMNode*>(element), false);
+}
+
+IXMLDOMNodePtr NewText(IXMLDOMDocument* document, const CString& text)
+{
+    IXMLDOMText* node = nullptr;
+    Check(document->createTextNode(DomArgument(text).Get(), &node), document);
+    return IXMLDOMNodePtr(static_cast<IXMLDOMNode*>(node), false);
 }
 
 void SetOneAttribute(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& node, const CString& name,
@@ -40,19 +56,19 @@ void SetOneAttribute(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& n
 void AppendElement(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
                    const CString& name)
 {
-    AppendCreated(result, document, root, [&] { return CreateElement(document, ToBstr(name)); });
+    AppendCreated(result, document, root, [&] { return NewElement(document, name); });
 }
 
 void AppendTextChild(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
                      const CString& text)
 {
-    AppendCreated(result, document, root, [&] { return CreateTextNode(document, ToBstr(text)); });
+    AppendCreated(result, document, root, [&] { return NewText(document, text); });
 }
 
 void AppendCDataChild(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
                       const CString& data)
 {
-    AppendCreated(result, document, root, [&] { return CreateCDataSection(document, ToBstr(data)); });
+    AppendCreated(result, document, root, [&] { return IXMLDOMNodePtr(CreateCDataSection(document, ToBstr(data))); });
 }
 
 void AppendNodeOfType(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
@@ -74,7 +90,7 @@ IXMLDOMNodePtr AppendNewElementToRoot(const IXMLDOMDocumentPtr& document, const 
 {
     Require(root, L"pRootNode is NULL!");
     Require(document, L"pDoc is NULL!");
-    const IXMLDOMElementPtr element = CreateElement(document, ToBstr(name));
+    const IXMLDOMNodePtr element = NewElement(document, name);
     Require(element, L"pNewElement is NULL!");
     return AppendChild(root, element);
 }
