@@ -152,7 +152,9 @@ CStringArray* GetTextsOfNodes(const QuonNodeArray* nodes)
     Require(nodes != nullptr, L"pDesiredChildNodes is NULL!");
     Require(nodes->GetSize() != 0, L"DesiredChildNodesLen = 0!");
     OwnedStringArray texts = std::make_unique<CStringArray>();
-    texts->SetSize(0, nodes->GetSize());  // one allocation for all
+    // Made at once and cut at the end: adding one at a time copies each text's owner twice.
+    texts->SetSize(nodes->GetSize(), nodes->GetSize());
+    INT_PTR count = 0;
     for (INT_PTR i = 0; i < nodes->GetSize(); ++i)
     {
         IXMLDOMNode* const node = nodes->GetAt(i);
@@ -166,8 +168,9 @@ CStringArray* GetTextsOfNodes(const QuonNodeArray* nodes)
         {
             throw L"Exception on CurNode->get_nodeValue():\n" + FormatHResultText(result);
         }
-        texts->Add(text.Get());
+        texts->ElementAt(count++) = text.Get();
     }
+    texts->SetSize(count);
     return texts.release();
 }
 
@@ -176,15 +179,17 @@ CStringArray* GetAttributeValuesOfNodes(const QuonNodeArray* nodes, const CStrin
     Require(nodes != nullptr, L"pNodes is NULL!");
     Require(nodes->GetSize() != 0, L"DesiredChildNodesLen = 0!");
     OwnedStringArray values = std::make_unique<CStringArray>();
-    values->SetSize(0, nodes->GetSize());
+    values->SetSize(nodes->GetSize(), nodes->GetSize());
+    INT_PTR count = 0;
     const _bstr_t name = ToBstr(attribute);
     for (INT_PTR i = 0; i < nodes->GetSize(); ++i)
     {
         if (nodes->GetAt(i) != nullptr)
         {
-            values->Add(AttributeText(nodes->GetAt(i), name));
+            values->ElementAt(count++) = AttributeText(nodes->GetAt(i), name);
         }
     }
+    values->SetSize(count);
     return values.release();
 }
 
