@@ -56,15 +56,11 @@ struct Terrain
 
 using SharedTerrain = std::shared_ptr<Terrain>;
 
-// What is done with each face costs little, so that the reading is what is measured.
-double SumOf(const VxGePoint3d* points, int count)
+// What is done with each face costs little, so that the reading is what is measured. No loop: a vectorised one would
+// wait for the copy of the face to arrive in memory, in whichever way that was made.
+double SumOf(const VxGePoint3d* corners)
 {
-    double sum = 0.0;
-    for (int index = 0; index < count; ++index)
-    {
-        sum += points[index].x - points[index].z;
-    }
-    return sum;
+    return corners[0].x + corners[1].y - corners[2].z;
 }
 
 double ReadAll(QuonFaceReader& reader)
@@ -74,7 +70,7 @@ double ReadAll(QuonFaceReader& reader)
     reader.Reset();
     while (reader.GetNextFace(face))
     {
-        sum += SumOf(face.GetPoints(), face.GetLogicalLength());
+        sum += SumOf(face.GetPoints());
     }
     return sum;
 }
@@ -87,7 +83,7 @@ double ReadBare(const std::vector<Triangle>& triangles)
     {
         Triangle face = triangle;
         benchmark::DoNotOptimize(face);
-        sum += SumOf(face.corners, 3);
+        sum += SumOf(face.corners);
     }
     return sum;
 }
@@ -100,7 +96,7 @@ double ReadVectors(const std::vector<std::vector<VxGePoint3d>>& vectors)
     {
         face = vector;
         benchmark::DoNotOptimize(face.data());
-        sum += SumOf(face.data(), static_cast<int>(face.size()));
+        sum += SumOf(face.data());
     }
     return sum;
 }
@@ -110,7 +106,7 @@ double ReadInPlace(const std::vector<Triangle>& triangles)
     double sum = 0.0;
     for (const Triangle& triangle : triangles)
     {
-        sum += SumOf(triangle.corners, 3);
+        sum += SumOf(triangle.corners);
     }
     return sum;
 }
@@ -202,9 +198,9 @@ void AddContenders(const Sizes& sizes)
         const SharedTerrain terrain = std::make_shared<Terrain>(size);
         const double sum = ReadInPlace(terrain->triangles);
         Require(IsNear(ReadAll(terrain->triangleReader), sum) && IsNear(ReadAll(terrain->polygonReader), sum) &&
-                    IsNear(ReadBare(terrain->triangles), sum) && IsNear(ReadVectors(terrain->vectors), sum) &&
-                    IsNear(ReadPoints(terrain->pointReader), sum) && IsNear(SumOfCorners(terrain->corners), sum),
+                    IsNear(ReadBare(terrain->triangles), sum) && IsNear(ReadVectors(terrain->vectors), sum),
                 "the faces read");
+        Require(IsNear(ReadPoints(terrain->pointReader), SumOfCorners(terrain->corners)), "the points read");
         Require(ExtentsOf(terrain->triangleReader) == ExtentsOf(terrain->triangles) &&
                     ExtentsOf(terrain->polygonReader) == ExtentsOf(terrain->triangles),
                 "the extents");
