@@ -12,6 +12,7 @@ packages=(
   wine wine64         # runs what was built
   clang-format-14     # the style, checked by the tests
   clang-tidy-14       # the lint, checked by the tests
+  clang-14 lld-14 llvm-14 libwine-dev libc++-14-dev     # the checks of the MSVC interface, by the tests
   doxygen             # the reference manual, built by the tests
   libxml2-utils       # xmllint, reads the XML documents that the tests wrote
 )
