@@ -9,6 +9,7 @@
 BUILD is the build tree; the objects that `parse` leaves in its folder abi/ are what `names` reads.
 """
 import argparse
+import difflib
 import os
 import re
 import subprocess
@@ -20,6 +21,7 @@ import exports
 
 TOP = Path(__file__).resolve().parent.parent
 FOLDERS = "paths traversal support points geometry xml messaging monitoring module".split()
+EXPORT_LIST = TOP / "module/QuonWin32Utils.def"
 WINE = "/usr/include/wine/wine"
 LLVM = "14"
 
@@ -100,6 +102,121 @@ def parse(arguments):
            f"{len(jobs)} sources and {len(public_headers(arguments.build))} public headers compile in the MSVC mode")
 
 
+def plain_type(text):
+    """A type as the table of layouts writes it."""
+    text = re.sub(r"\b(class|struct|enum) ", "", text)
+    text = re.sub(r"ATL::CStringT<wchar_t, StrTraitMFC_DLL<wchar_t> ?>", "CString", text)
+    text = re.sub(r"_com_ptr_t<_com_IIID<(\w+), [^>]*> ?>", r"_com_ptr_t<\1>", text)
+    text = re.sub(r"\b_Bool\b", "bool", text)
+    text = re.sub(r"\b_(FILETIME|WIN32_FIND_DATAW)\b", r"\1", text)
+    text = re.sub(r"\b_RTL_CRITICAL_SECTION\b", "CRITICAL_SECTION", text)
+    return re.sub(r" ([*&>])", r"\1", text)
+
+
+def dumped_layouts(dump):
+    """{class: [size, the lines of its fields]} of the compiler's account of record layouts."""
+    layouts = {}
+    for record in dump.split("*** Dumping AST Record Layout\n")[1:]:
+        head = re.match(r" *0 \| (?:class|struct) (.+?)(?: \(empty\))?$", record, re.M)
+        size = re.search(r"\[sizeof=(\d+)", record)
+        if not head or not size:
+            continue
+        fields = []
+        for offset, text in re.findall(r"^ *(\d+) \|   (\S.*)$", record[:size.start()], re.M):
+            base = re.match(r"(?:class|struct) (.+) \((?:primary )?base\)$", text)
+            if text.endswith("vftable pointer)"):
+                fields.append(f"{offset} vftable")
+            else:
+                fields.append(f"{offset} base {base[1]}" if base else f"{offset} {plain_type(text)}")
+        layouts[plain_type(head[1])] = [int(size[1]), fields]
+    return layouts
+
+
+def dumped_tables(dump):
+    """{class: the lines of its slots} of the compiler's account of virtual tables; the last base names the class."""
+    tables = {}
+    for name, rows in re.findall(r"^VFTable for '(?:.*' in ')?(.+?)' \(.*?\)\.\n((?: .*\n)+)", dump, re.M):
+        slots = []
+        for row in re.findall(r"^ *\d+ \| (.*)$", rows, re.M):
+            call = re.search(r"(~?\w+)(\(.*\))(?: const)?(?: \[[^]]*\])*$", row)
+            if call:  # the row of the type information is none
+                slots.append("slot ~" if call[1][0] == "~" else f"slot {call[1]}{plain_type(call[2])}")
+        tables[name] = slots
+    return tables
+
+
+def written_layouts(text, sizes):
+    """{class: [size, fields, slots or None]} of the table; `sizes` gives those of the framework's classes."""
+    def number(word):
+        base, _, offset = word.rpartition("+")
+        return (sizes[base] if base else 0) + int(offset)
+
+    layouts = {}
+    for row, line in enumerate(text.splitlines(), 1):
+        words = line.split()
+        if not words or words[0].startswith("#"):
+            continue
+        if words[0] == "class":
+            name = words[1]
+            entry = layouts[name] = [number(words[2]), [], []]
+        elif line.strip() == "slots of the framework":
+            entry[2] = None
+        elif words[:2] == ["slots", "like"]:
+            entry[2] += layouts[words[2]][2]
+        elif words[0] == "slot":
+            entry[2].append(line.strip())
+        elif re.match(r"(\w+\+)?\d+$", words[0]):
+            entry[1].append(" ".join([str(number(words[0])), *words[1:]]))
+        else:
+            sys.exit(f"abi: line {row} of the layouts says nothing: {line}")
+    return layouts
+
+
+def account(name, size, fields, slots):
+    return "\n".join([f"class {name} {size}", *fields, *(slots or [])])
+
+
+def exported_classes(list_text):
+    """The classes that have a constructor or a virtual table among the exports."""
+    constructors = re.findall(r"^; ((?:\w+::)*(\w+))::\2\(", list_text, re.M)
+    tables = re.findall(r"^; vtable for (\S+)", list_text, re.M)
+    return {*(name for name, _ in constructors), *tables}
+
+
+def dump_layouts():
+    """What the compiler says of the classes of abi/probe.cpp."""
+    command = [*compiler("c++20", sizes=True), "-DQUON_BUILDING_LIBRARY", "-c", str(TOP / "abi/probe.cpp"), "-o", os.devnull,
+               "-Xclang", "-fdump-record-layouts", "-Xclang", "-fdump-vtable-layouts"]
+    done = subprocess.run(command, capture_output=True, text=True)
+    if done.returncode != 0:
+        sys.exit(done.stderr)
+    return done.stdout
+
+
+def compare_layouts(dump, table, list_text):
+    """The differences between the compiler's account and the table, and the exported classes that the table forgot."""
+    layouts, tables = dumped_layouts(dump), dumped_tables(dump)
+    wanted = written_layouts(table, {name: size for name, (size, _) in layouts.items()})
+    faults = [f"{name} has exports but no entry in abi/layout.txt"
+              for name in sorted(exported_classes(list_text) - set(wanted))]
+    for name, (size, fields, slots) in wanted.items():
+        if name not in layouts:
+            faults.append(f"{name}: abi/probe.cpp does not lay it out")
+            continue
+        found = account(name, *layouts[name], None if slots is None else tables.get(name))
+        expected = account(name, size, fields, slots)
+        if found != expected:
+            faults += difflib.unified_diff(expected.splitlines(), found.splitlines(), "abi/layout.txt", name,
+                                           lineterm="", n=1)
+    return faults
+
+
+def layout(_):
+    table = (TOP / "abi/layout.txt").read_text()
+    finish(compare_layouts(dump_layouts(), table, EXPORT_LIST.read_text()),
+           f"{len(re.findall('^class ', table, re.M))} classes are laid out as promised")
+
+
 def finish(faults, success):
     if faults:
         sys.exit("\n".join(faults))
@@ -109,7 +226,7 @@ def finish(faults, success):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     commands = parser.add_subparsers(required=True)
-    for name, function in (("parse", parse),):
+    for name, function in (("parse", parse), ("layout", layout)):
         command = commands.add_parser(name)
         command.add_argument("build", type=Path)
         command.set_defaults(function=function)
