@@ -6,7 +6,7 @@
   abi.py names BUILD      the decorated names of the exports are those of module/QuonWin32Utils.msvc.def, and number and
                           signature of each are those of module/QuonWin32Utils.def; with --write the list is written anew
 
-BUILD is the build tree; the objects that `parse` leaves in its folder abi/ are what `names` reads.
+BUILD is the build tree; the objects are kept in its folder abi/ and made anew when something they read has changed.
 """
 import argparse
 import difflib
@@ -22,6 +22,13 @@ import exports
 TOP = Path(__file__).resolve().parent.parent
 FOLDERS = "paths traversal support points geometry xml messaging monitoring module".split()
 EXPORT_LIST = TOP / "module/QuonWin32Utils.def"
+MSVC_LIST = TOP / "module/QuonWin32Utils.msvc.def"
+LIST_HEAD = """\
+; The numbered exports of the library for the MSVC ABI: declaration, then decorated name and number.
+; Made by scripts/abi.py (names --write); the numbers are those of the list for the GCC ABI, by the rule of abi/README.md.
+LIBRARY QuonWin32Utils.dll
+EXPORTS
+"""
 WINE = "/usr/include/wine/wine"
 LLVM = "14"
 
@@ -93,13 +100,17 @@ def parse_headers(build):
     return done.stderr
 
 
-def parse(arguments):
-    jobs = objects(arguments.build)
+def compile_all(build):
+    """Brings the objects up to date; returns what the compiler complains of."""
+    jobs = objects(build)
     with ThreadPoolExecutor(2) as pool:
-        headers = pool.submit(parse_headers, arguments.build)
-        complaints = [*pool.map(compile_source, jobs, jobs.values()), headers.result()]
-    finish([text for text in complaints if text],
-           f"{len(jobs)} sources and {len(public_headers(arguments.build))} public headers compile in the MSVC mode")
+        return [text for text in pool.map(compile_source, jobs, jobs.values()) if text]
+
+
+def parse(arguments):
+    faults = [*compile_all(arguments.build), *filter(None, [parse_headers(arguments.build)])]
+    finish(faults, f"{len(library_sources())} sources and {len(public_headers(arguments.build))} public headers "
+           "compile in the MSVC mode")
 
 
 def plain_type(text):
@@ -217,6 +228,105 @@ def layout(_):
            f"{len(re.findall('^class ', table, re.M))} classes are laid out as promised")
 
 
+def exported_names(build):
+    """{decorated name: is data} of the export directives in the objects."""
+    paths = [str(obj) for obj in objects(build).values()]
+    done = subprocess.run([f"llvm-readobj-{LLVM}", "--coff-directives", *paths], capture_output=True, text=True)
+    if done.returncode != 0:
+        sys.exit(done.stderr)
+    return {name: bool(data) for name, data in re.findall(r'/EXPORT:"?([^",\s]+)"?(,DATA)?', done.stdout)}
+
+
+def undecorate(names):
+    """{decorated name: declaration}."""
+    done = subprocess.run([f"llvm-undname-{LLVM}"], input="\n".join(names) + "\n", capture_output=True, text=True)
+    blocks = [block.split("\n", 1) for block in done.stdout.strip().split("\n\n")]
+    return {name: text for name, text in blocks}
+
+
+def plain_signature(text):
+    """Name and parameters of a declaration, written alike for both compilers."""
+    text = re.sub(r"^const (.*)::`vftable'.*$", r"vtable for \1", text)
+    text = re.sub(r"^.*?\b__cdecl (?!\*)", "", text)  # access, result and what else stands before the name
+    text = re.sub(r"\b(class|struct|enum|union) ", "", text)
+    text = text.replace("__cdecl *", "*").replace("std::__cxx11::", "std::")
+    text = re.sub(r"\b(unsigned )?__int64\b", lambda match: f"{match[1] or ''}long long", text)
+    text = re.sub(r"_com_ptr_t<_com_IIID(?:_getter)?<(\w+), &[^>]*> ?>", r"_com_ptr_t<\1>", text)
+    text = re.sub(r" ([*&>)])", r"\1", text)
+    return text.replace("(void)", "()")
+
+
+def gcc_role(name, signature):
+    """What an entry of the GCC list is to MSVC: "counterpart", "closure" (of a constructor) or "none"."""
+    if name.startswith(("_ZTI", "_ZTS")):
+        return "none"  # type information is not exported there
+    special = re.match(r"((?:\w+::)*(\w+))::(~?)\2\(", signature)
+    if not special:
+        return "counterpart"
+    variant = re.match("_ZN" + "".join(f"{len(part)}{part}" for part in special[1].split("::")) + r"([CD]\d)E", name)
+    return {"C1": "counterpart", "D1": "counterpart", "C2": "closure"}.get(variant[1], "none")
+
+
+def gcc_numbers(list_text):
+    """({signature: number}, {class: [numbers for the closure of a constructor that takes no class of its own]})."""
+    signatures = {name: text for text, name in re.findall(r"^; (.+)\n +(\S+) @\d+ NONAME", list_text, re.M)}
+    numbers, closures = {}, {}
+    for name, number in exports.parse_list(list_text)[0].items():
+        signature = plain_signature(signatures[name])
+        role = gcc_role(name, signature)
+        if role == "counterpart":
+            numbers[signature] = number
+        elif role == "closure":
+            owner = signature.partition("(")[0].rpartition("::")[0]
+            if f"({owner} const&)" not in signature and f"({owner}&&)" not in signature:
+                closures.setdefault(owner, []).append(number)
+    return numbers, closures
+
+
+def number_names(names, list_text):
+    """([(number, decorated name, declaration, is data)], [faults]): the exports of MSVC with the numbers of the GCC list."""
+    numbers, closures = gcc_numbers(list_text)
+    entries, faults, missing = [], [], dict(numbers)
+    for name, declaration in undecorate(names).items():
+        signature = plain_signature(declaration)
+        owner = signature.removesuffix("::`default ctor closure'()")
+        if owner != signature:
+            found = closures.get(owner, [])
+            number = found[0] if len(found) == 1 else None
+        else:
+            number = numbers.get(signature)
+            missing.pop(signature, None)
+        if number is None:
+            faults.append(f"{declaration} is exported, but the GCC list has no such entry")
+        else:
+            entries.append((number, name, declaration, names[name]))
+    given = [number for number, *_ in entries]
+    faults += [f"number {number} would be given twice" for number in sorted(set(given)) if given.count(number) > 1]
+    faults += [f"{signature} @{number} of the GCC list has no counterpart" for signature, number in missing.items()]
+    return sorted(entries), faults
+
+
+def write_names(entries):
+    """The text of the list for MSVC."""
+    lines = [LIST_HEAD]
+    for number, name, declaration, data in entries:
+        lines.append(f"; {declaration}\n    {name} @{number} NONAME{' DATA' if data else ''}\n")
+    return "".join(lines)
+
+
+def check_names(arguments):
+    faults = compile_all(arguments.build)
+    if faults:
+        finish(faults, "")
+    entries, faults = number_names(exported_names(arguments.build), EXPORT_LIST.read_text())
+    if not faults and arguments.write:
+        MSVC_LIST.write_text(write_names(entries))
+    if MSVC_LIST.read_text() != write_names(entries):
+        faults += difflib.unified_diff(MSVC_LIST.read_text().splitlines(), write_names(entries).splitlines(),
+                                       MSVC_LIST.name, "the library (abi.py names --write)", lineterm="", n=0)
+    finish(faults, f"{len(entries)} decorated names have the numbers of the GCC list")
+
+
 def finish(faults, success):
     if faults:
         sys.exit("\n".join(faults))
@@ -226,8 +336,10 @@ def finish(faults, success):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     commands = parser.add_subparsers(required=True)
-    for name, function in (("parse", parse), ("layout", layout)):
+    for name, function in (("parse", parse), ("layout", layout), ("names", check_names)):
         command = commands.add_parser(name)
+        if name == "names":
+            command.add_argument("--write", action="store_true", help="write the list anew")
         command.add_argument("build", type=Path)
         command.set_defaults(function=function)
     arguments = parser.parse_args()
