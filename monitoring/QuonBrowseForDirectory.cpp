@@ -78,10 +78,7 @@ bool QuonBrowseForDirectory::Browse(QuonPath& result, const wchar_t* initialFold
     {
         ::SHGetPathFromIDListW(chosen, buffer);
         result = buffer;
-        if (!result.HasTrailingSeparator())
-        {
-            result.AddTrailingSeparator();
-        }
+        result.AddTrailingSeparator();
         allocator->Free(chosen);
     }
     FreeList(allocator.get(), m_rootList);
