@@ -82,18 +82,17 @@ TEST_F(FileEventServer, GivesEachSubscriptionItsOwnIdentifier)
 // The caller may change its path as soon as Subscribe has returned.
 TEST_F(FileEventServer, CopiesThePath)
 {
-    HANDLE const go = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    watch.folders.onRead = [go](const std::wstring&)
+    const Event go;
+    watch.folders.onRead = [&go](const std::wstring&)
     {
-        ::WaitForSingleObject(go, kPatience);
+        go.Wait();
     };
     wchar_t path[] = L"c:\\one";
     watch.Subscribe(path, 0x1);
     path[3] = L'X';
-    ::SetEvent(go);
+    go.Set();
     EXPECT_TRUE(watch.Barrier());
     watch.folders.onRead = nullptr;
-    ::CloseHandle(go);
     EXPECT_THAT(watch.folders.TakeCalls(), ElementsAre("read c:\\one", "watch c:\\one 0 1"));
 }
 
@@ -184,29 +183,27 @@ TEST_F(FileEventServer, FailsWhenTheSinkCannotBeRemembered)
 {
     EXPECT_TRUE(watch.Barrier());
     posted.clear();
-    HANDLE const go = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    HANDLE const held = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    watch.folders.onRead = [go, held](const std::wstring&)
+    const Event held;
+    const Event go;
+    watch.folders.onRead = [&](const std::wstring&)
     {
-        ::SetEvent(held);
-        ::WaitForSingleObject(go, kPatience);
+        held.Set();
+        go.Wait();
     };
     // The watcher allocates, too, and must not get the failure: it is held in its work for another subscription.
     const QuonFileEventId other = watch.Subscribe(L"c:\\other", 0x1);
-    ::WaitForSingleObject(held, kPatience);
+    EXPECT_TRUE(held.Wait());
     QuonFileEventId id = 77;
     HRESULT result = S_OK;
     {
         const FailingAllocation failing(2);
         result = watch.server->Subscribe(L"c:\\d\\f", 0x1, &watch.sink, &id);
     }
-    ::SetEvent(go);
+    go.Set();
     EXPECT_EQ(result, E_FAIL);
     EXPECT_EQ(id, 77u);
     EXPECT_TRUE(watch.Barrier());
     watch.folders.onRead = nullptr;
-    ::CloseHandle(go);
-    ::CloseHandle(held);
     ASSERT_GE(posted.size(), 2u);
     const auto lost = static_cast<QuonFileEventId>(posted[1].lParam);
     EXPECT_NE(watch.folders.Notification(L"c:\\d\\f"), nullptr);

@@ -105,7 +105,7 @@ TEST_F(WatchedFolders, AreThoseOfFilesAndTheFoldersThemselves)
     } rows[] = {
         {L"C:\\Dir\\File.TXT", "c:\\dir\\"},
         {L"C:/Dir/Sub/File.TXT", "c:\\dir\\sub\\"},
-        {L"C:File.TXT", "c:\\"},
+        {L"C:File.TXT", "c:"},
         {L"File.TXT", ""},
         {L"\\\\Server\\Share\\File.TXT", "\\\\server\\share\\"},
         {L"C:\\Folder", "c:\\folder"},
@@ -218,10 +218,10 @@ TEST_F(WatchedFolders, StandInTheWaitInTheOrderOfTheirArrival)
 TEST_F(WatchedFolders, AreAllAddedWhenManyRequestsComeAtOnce)
 {
     folders.SetError(L"c:\\hold", 5);
-    HANDLE const go = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    folders.onRead = [go](const std::wstring&)
+    const Event go;
+    folders.onRead = [&go](const std::wstring&)
     {
-        ::WaitForSingleObject(go, kPatience);
+        go.Wait();
     };
     // Holds the watcher, which has no folder yet, until all is posted.
     watch.Subscribe(L"c:\\hold", 0x1);
@@ -229,11 +229,10 @@ TEST_F(WatchedFolders, AreAllAddedWhenManyRequestsComeAtOnce)
     {
         watch.Subscribe(path, 0x1);
     }
-    ::SetEvent(go);
+    go.Set();
     EXPECT_TRUE(PumpUntil([this] { return folders.OpenCount() == 4; }, 5000));
     EXPECT_TRUE(watch.Barrier());
     folders.onRead = nullptr;
-    ::CloseHandle(go);
 }
 
 TEST_F(WatchedFolders, ThatCannotBeWatchedAreToldWithTheError)
@@ -279,23 +278,25 @@ TEST_F(WatchedFolders, AreNotKeptWaitingByARowOfMessages)
 {
     Active(L"c:\\d", 0x1);
     Active(L"c:\\e", 0x1);
-    HANDLE const go = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    folders.onRead = [go](const std::wstring&)
+    const Event held;
+    const Event go;
+    folders.onRead = [&](const std::wstring&)
     {
-        ::WaitForSingleObject(go, kPatience);
+        held.Set();
+        go.Wait();
     };
     folders.TakeCalls();
     for (const wchar_t* const path : {L"c:\\1", L"c:\\2"})
     {
         watch.Subscribe(path, 0x1);
     }
+    EXPECT_TRUE(held.Wait());
     folders.Signal(L"c:\\d");
     folders.Signal(L"c:\\e");
-    ::SetEvent(go);
+    go.Set();
     EXPECT_TRUE(watch.Barrier());
     EXPECT_TRUE(watch.Barrier());
     folders.onRead = nullptr;
-    ::CloseHandle(go);
     const std::vector<std::string> calls = folders.TakeCalls();
     // One signal after each message, the first folder's first.
     ASSERT_GE(calls.size(), 6u);
