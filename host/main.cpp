@@ -35,6 +35,7 @@ int Run(int count, wchar_t** arguments)
     quonhost::AddPointsCommand(app);
     quonhost::AddSortCommand(app);
     quonhost::AddAngleCommand(app);
+    quonhost::AddLandXmlCommand(app);
     quonhost::AddWatchCommand(app);
     quonhost::AddModifiedCommand(app);
     quonhost::AddBrowseCommand(app);
