@@ -36,6 +36,9 @@ int Run(int count, wchar_t** arguments)
     quonhost::AddSortCommand(app);
     quonhost::AddAngleCommand(app);
     quonhost::AddLandXmlCommand(app);
+    quonhost::AddWatchCommand(app);
+    quonhost::AddModifiedCommand(app);
+    quonhost::AddBrowseCommand(app);
     try
     {
         app.parse(ReversedArguments(count, arguments));
