@@ -5,6 +5,7 @@
   abi.py layout BUILD     fields, sizes and virtual tables of the classes are those of abi/layout.txt
   abi.py names BUILD      the decorated names of the exports are those of module/QuonWin32Utils.msvc.def, and number and
                           signature of each are those of module/QuonWin32Utils.def; with --write the list is written anew
+  abi.py run BUILD        the library links by that list, and a host in MSVC's ABI calls it under Wine
 
 BUILD is the build tree; the objects are kept in its folder abi/ and made anew when something they read has changed.
 """
@@ -30,7 +31,9 @@ LIBRARY QuonWin32Utils.dll
 EXPORTS
 """
 WINE = "/usr/include/wine/wine"
+IMPORT_LIBRARIES = "/usr/lib/x86_64-linux-gnu/wine/x86_64-windows"
 LLVM = "14"
+CLOSING_LINE = "all calls did what they promise\n"
 
 
 def compiler(standard, *, sizes=False):
@@ -67,14 +70,16 @@ def up_to_date(obj, depfile):
         return False
 
 
-def compile_source(source, obj):
+def compile_source(source, obj, *options):
     """Makes the object unless it is newer than all it is made of; returns what the compiler complains of."""
     depfile = obj.with_suffix(".d")
     if up_to_date(obj, depfile):
         return ""
     obj.parent.mkdir(parents=True, exist_ok=True)
     obj.unlink(missing_ok=True)
-    command = [*compiler("c++20"), "-DQUON_BUILDING_LIBRARY", "-MD", "-MF", str(depfile), "-c", str(source), "-o", str(obj)]
+    # Statics and stacks without the help of the compiler's run-time library, which there is not.
+    command = [*compiler("c++20"), *options, "-fno-threadsafe-statics", "-mno-stack-arg-probe",
+               "-MD", "-MF", str(depfile), "-c", str(source), "-o", str(obj)]
     done = subprocess.run(command, capture_output=True, text=True)
     return "" if done.returncode == 0 else done.stderr or f"{source}: the compiler failed"
 
@@ -100,15 +105,18 @@ def parse_headers(build):
     return done.stderr
 
 
-def compile_all(build):
-    """Brings the objects up to date; returns what the compiler complains of."""
-    jobs = objects(build)
+def compile_all(jobs):
+    """Brings objects up to date, each job a source, its object and options; returns what the compiler complains of."""
     with ThreadPoolExecutor(2) as pool:
-        return [text for text in pool.map(compile_source, jobs, jobs.values()) if text]
+        return [text for text in pool.map(lambda job: compile_source(*job), jobs) if text]
+
+
+def compile_library(build):
+    return compile_all([(source, obj, "-DQUON_BUILDING_LIBRARY") for source, obj in objects(build).items()])
 
 
 def parse(arguments):
-    faults = [*compile_all(arguments.build), *filter(None, [parse_headers(arguments.build)])]
+    faults = [*compile_library(arguments.build), *filter(None, [parse_headers(arguments.build)])]
     finish(faults, f"{len(library_sources())} sources and {len(public_headers(arguments.build))} public headers "
            "compile in the MSVC mode")
 
@@ -315,7 +323,7 @@ def write_names(entries):
 
 
 def check_names(arguments):
-    faults = compile_all(arguments.build)
+    faults = compile_library(arguments.build)
     if faults:
         finish(faults, "")
     entries, faults = number_names(exported_names(arguments.build), EXPORT_LIST.read_text())
@@ -327,6 +335,68 @@ def check_names(arguments):
     finish(faults, f"{len(entries)} decorated names have the numbers of the GCC list")
 
 
+def link(target, objs, *options):
+    """Links objects and the platform's import libraries, which Wine has."""
+    libraries = [f"{IMPORT_LIBRARIES}/lib{name}.a" for name in
+                 "kernel32 user32 advapi32 ole32 oleaut32 shell32 shlwapi uuid ucrtbase vcruntime140".split()]
+    done = subprocess.run([f"lld-link-{LLVM}", "/nodefaultlib", "/machine:x64", "/entry:Start", f"/out:{target}", *options,
+                           *map(str, objs), *libraries], capture_output=True, text=True)
+    if done.returncode != 0:
+        sys.exit(done.stderr)
+
+
+def without_directives(obj, folder):
+    """A copy of the object that marks no exports: the list alone shall say them, as lld keeps a name that an object marks."""
+    copy = folder / ("_".join(obj.parts[-2:]))
+    subprocess.run([f"llvm-objcopy-{LLVM}", "--remove-section=.drectve", str(obj), str(copy)], check=True)
+    return copy
+
+
+def link_all(build):
+    """Framework, library and host in MSVC's ABI, in the folder abi/run/ of the build tree, which is returned."""
+    folder = build / "abi/run"
+    startup = TOP / "abi/run/Startup.cpp"
+    framework = {source: folder / "framework" / (source.stem + ".obj") for source in TOP.glob("framework/src/*.cpp")}
+    jobs = [(source, obj, "-DQUON_BUILDING_FRAMEWORK") for source, obj in framework.items()]
+    jobs += [(startup, folder / "StartupDll.obj", "-DQUON_ABI_DLL"), (startup, folder / "Startup.obj")]
+    jobs += [(TOP / f"abi/run/{name}.cpp", folder / f"{name}.obj") for name in ("ComSupport", "Host")]
+    faults = compile_library(build) + compile_all(jobs)
+    if faults:
+        finish(faults, "")
+    stripped = folder / "stripped"
+    stripped.mkdir(exist_ok=True)
+    library = [without_directives(obj, stripped) for obj in
+               [*objects(build).values(), folder / "StartupDll.obj", folder / "ComSupport.obj"]]
+    framework_library, import_library = folder / "QuonFramework.lib", folder / "QuonWin32Utils.lib"
+    link(folder / "QuonFramework.dll", [*framework.values(), folder / "StartupDll.obj"], "/dll",
+         f"/implib:{framework_library}")
+    link(folder / "QuonWin32Utils.dll", [*library, framework_library], "/dll", f"/def:{MSVC_LIST}",
+         f"/implib:{import_library}")
+    link(folder / "Host.exe", [folder / "Host.obj", folder / "Startup.obj", folder / "ComSupport.obj", framework_library,
+                               import_library], "/subsystem:console")
+    return folder
+
+
+def compare_exports(dll, list_text):
+    """What the DLL's exports and the list for MSVC do not have in common."""
+    directory = exports.ExportDirectory(dll)
+    numbers = set(exports.parse_list(list_text)[0].values())
+    faults = [f"{directory.names} exports carry a name"] if directory.names else []
+    faults += [f"the DLL does not export number {number}" for number in sorted(numbers - set(directory.functions))]
+    faults += [f"the DLL exports number {number}" for number in sorted(set(directory.functions) - numbers)]
+    return faults
+
+
+def run(arguments):
+    folder = link_all(arguments.build.resolve())
+    faults = compare_exports(folder / "QuonWin32Utils.dll", MSVC_LIST.read_text())
+    done = subprocess.run([str(TOP / "scripts/wine-run.sh"), "Host.exe"], cwd=folder, stdin=subprocess.DEVNULL,
+                          capture_output=True, text=True)
+    if done.returncode != 0 or done.stdout != CLOSING_LINE:
+        faults.append(f"the host ended with {done.returncode}:\n{done.stdout}{done.stderr}")
+    finish(faults, "a host in MSVC's ABI calls the library by numbers alone")
+
+
 def finish(faults, success):
     if faults:
         sys.exit("\n".join(faults))
@@ -336,7 +406,7 @@ def finish(faults, success):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     commands = parser.add_subparsers(required=True)
-    for name, function in (("parse", parse), ("layout", layout), ("names", check_names)):
+    for name, function in (("parse", parse), ("layout", layout), ("names", check_names), ("run", run)):
         command = commands.add_parser(name)
         if name == "names":
             command.add_argument("--write", action="store_true", help="write the list anew")

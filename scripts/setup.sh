@@ -14,7 +14,7 @@ packages=(
   wine wine64         # runs what was built
   clang-format-14     # the style, checked by the tests
   clang-tidy-14       # the lint, checked by the tests
-  clang-14 llvm-14 libwine-dev libc++-14-dev  # the checks of the MSVC interface, by the tests
+  clang-14 lld-14 llvm-14 libwine-dev libc++-14-dev  # the checks of the MSVC interface, by the tests
   doxygen doxygen-awesome-css  # the manual, built by the tests, and its theme
   gdb-mingw-w64 gdb-mingw-w64-target  # the debugger whose printers are tested, and its server for Windows
   libxml2-utils       # xmllint, reads the XML documents that the tests wrote
