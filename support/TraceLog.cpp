@@ -18,8 +18,8 @@ constexpr std::size_t kPrintSize = 2048;
 constexpr std::size_t kMessageSize = 1024;
 
 // Formats into `Size` characters and cuts what is longer. The run-time's formatter writes no terminator when it cuts or
-// gives up: then zeros laid beforehand are the terminator. That rarely happens, and clearing the buffer takes as long as
-// formatting a short line, so it is done for the second attempt only.
+// gives up: then zeros laid beforehand are the terminator. That rarely happens, and clearing the buffer takes as long
+// as formatting a short line, so it is done for the second attempt only.
 template <std::size_t Size>
 void FormatCut(wchar_t* buffer, const wchar_t* format, va_list arguments)
 {
