@@ -1,6 +1,6 @@
 /// @file
-/// Ways to send a message to a thread, each with the same two operations: Post, from any thread, and Take, on the thread
-/// that made the mailbox. A message is made with `new` by who posts it and deleted by who takes it.
+/// Ways to send a message to a thread, each with the same two operations: Post, from any thread, and Take, on the
+/// thread that made the mailbox. A message is made with `new` by who posts it and deleted by who takes it.
 #pragma once
 
 #include <winsock2.h>

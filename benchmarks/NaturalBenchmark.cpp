@@ -84,14 +84,15 @@ constexpr const char* kLinguisticLocale = "German";
 void AddOrder(const Work& work, const Names& names, int size, const std::string& contender, Order order)
 {
     const auto pointers = std::make_shared<std::vector<const wchar_t*>>();
-    AddPrepared(work.name, size, contender,
-                [names, pointers, locale = work.locale]
-                {
-                    // The contenders take turns: each brings its locale.
-                    std::setlocale(LC_COLLATE, locale);
-                    *pointers = Pointers(names);
-                },
-                [pointers, order] { Sort(*pointers, order); });
+    AddPrepared(
+        work.name, size, contender,
+        [names, pointers, locale = work.locale]
+        {
+            // The contenders take turns: each brings its locale.
+            std::setlocale(LC_COLLATE, locale);
+            *pointers = Pointers(names);
+        },
+        [pointers, order] { Sort(*pointers, order); });
 }
 
 // The names are such that both natural orders agree, and that both end with other ones than the plain orders.

@@ -36,6 +36,27 @@ struct Quon
     void Give(void* element) { pool.Free(static_cast<Element<Bytes>*>(element)); }
 };
 
+// The functions of the pool as the host calls them. One element is held, so that the page stays.
+template <std::size_t Bytes>
+struct QuonFunctions
+{
+    void* freeElements = nullptr;
+    void* held = Take();
+
+    ~QuonFunctions() { Give(held); }
+
+    void* Take()
+    {
+        std::size_t size = Bytes;
+        if (freeElements == nullptr && PoolAddPage(&freeElements, &size) == nullptr)
+        {
+            throw std::bad_alloc();
+        }
+        return PoolAllocate(&freeElements);
+    }
+    void Give(void* element) { PoolFree(&freeElements, element); }
+};
+
 template <std::size_t Bytes>
 struct Malloc
 {
@@ -106,6 +127,75 @@ struct BareList
         for (std::size_t index = kCount; index-- > 0;)
         {
             Give(&blocks.back()[index]);
+        }
+    }
+};
+
+// The same with what the library promises besides: memory that comes from the system in regions of 16 pages, and goes
+// back to it once all is free.
+template <std::size_t Bytes>
+struct ReturningList
+{
+    struct Free
+    {
+        Free* next;
+    };
+    static constexpr std::size_t kRegionBytes = 65536;
+    Free* free = nullptr;
+    std::size_t inUse = 0;
+    std::vector<void*> regions;
+
+    ~ReturningList()
+    {
+        for (void* const region : regions)
+        {
+            ::VirtualFree(region, 0, MEM_RELEASE);
+        }
+    }
+
+    [[gnu::noinline]] void* Take()
+    {
+        if (free == nullptr)
+        {
+            Grow();
+        }
+        ++inUse;
+        return std::exchange(free, free->next);
+    }
+    [[gnu::noinline]] void Give(void* element)
+    {
+        free = ::new (element) Free{free};
+        if (--inUse == 0)
+        {
+            ReturnAll();
+        }
+    }
+
+    void Grow()
+    {
+        regions.push_back(::VirtualAlloc(nullptr, kRegionBytes, MEM_COMMIT | MEM_RESERVE, PAGE_EXECUTE_READWRITE));
+        Link(regions.back());
+    }
+    // The last region stays, as in the library; its elements are linked anew only when others went.
+    void ReturnAll()
+    {
+        if (regions.size() < 2)
+        {
+            return;
+        }
+        while (regions.size() > 1)
+        {
+            ::VirtualFree(regions.back(), 0, MEM_RELEASE);
+            regions.pop_back();
+        }
+        free = nullptr;
+        Link(regions.back());
+    }
+    void Link(void* region)
+    {
+        for (std::size_t index = kRegionBytes / Bytes; index-- > 0;)
+        {
+            free = ::new (static_cast<char*>(region) + index * Bytes) Free{free};
         }
     }
 };
@@ -189,10 +279,13 @@ void AddAll(const Sizes& sizes)
     const std::string bytes = std::to_string(Bytes) + " bytes";
     Check<Quon<Bytes>>("quon");
     Check<BareList<Bytes>>("bare free list");
+    Check<ReturningList<Bytes>>("bare free list that returns its memory");
     for (const int size : sizes.UpTo(100000))
     {
         AddPool<Quon<Bytes>>(bytes, size, "quon");
+        AddPool<QuonFunctions<Bytes>>(bytes, size, "quon, PoolAllocate and PoolFree alone");
         AddPool<BareList<Bytes>>(bytes, size, "limit: bare free list");
+        AddPool<ReturningList<Bytes>>(bytes, size, "bare free list that returns its memory");
         AddPool<BoostPool<Bytes>>(bytes, size, "boost::pool 1.81");
         AddPool<BoostFastAllocator<Bytes>>(bytes, size, "boost::fast_pool_allocator 1.81");
         AddPool<Pmr<Bytes>>(bytes, size, "std::pmr::unsynchronized_pool_resource");

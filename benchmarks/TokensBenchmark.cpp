@@ -56,8 +56,7 @@ Strings SplitByRunTime(const std::wstring& text)
 {
     Strings strings;
     std::wstring copy = text;  // the function writes into it
-    for (const wchar_t* token = std::wcstok(copy.data(), L","); token != nullptr;
-         token = std::wcstok(nullptr, L","))
+    for (const wchar_t* token = std::wcstok(copy.data(), L","); token != nullptr; token = std::wcstok(nullptr, L","))
     {
         strings.emplace_back(token);
     }
@@ -96,8 +95,7 @@ std::size_t WalkByRunTime(const std::wstring& text)
 {
     std::size_t length = 0;
     std::wstring copy = text;
-    for (const wchar_t* token = std::wcstok(copy.data(), L",;"); token != nullptr;
-         token = std::wcstok(nullptr, L",;"))
+    for (const wchar_t* token = std::wcstok(copy.data(), L",;"); token != nullptr; token = std::wcstok(nullptr, L",;"))
     {
         length += std::wcslen(token);
     }

@@ -257,8 +257,7 @@ void AddFolders(const SharedTree& tree, int size)
     };
     add("quon", [](const std::wstring& root, const auto& visit)
         { VisitMatches<QuonBFSDirectoryTree>(root, kQuonMatchFolders, visit); });
-    add("limit: bare loop",
-        [](const std::wstring& root, const auto& visit) { BareLoop(root).VisitFolders(visit); });
+    add("limit: bare loop", [](const std::wstring& root, const auto& visit) { BareLoop(root).VisitFolders(visit); });
     add("std::filesystem", [](const std::wstring& root, const auto& visit)
         { VisitByStandard<Facts::NameAndType>(root, true, false, visit); });
 }
@@ -271,10 +270,10 @@ void AddFiles(const SharedTree& tree, int size, const std::string& work, unsigne
     {
         AddWalk(work, size, contender, expected, tree, walk);
     };
-    add("quon", [filter](const std::wstring& root, const auto& visit)
-        { VisitMatches<QuonBFSFileTree>(root, filter, visit); });
-    add("limit: bare loop, two searches a folder", [attributes](const std::wstring& root, const auto& visit)
-        { BareLoop(root).VisitFiles(attributes, visit); });
+    add("quon",
+        [filter](const std::wstring& root, const auto& visit) { VisitMatches<QuonBFSFileTree>(root, filter, visit); });
+    add("limit: bare loop, two searches a folder",
+        [attributes](const std::wstring& root, const auto& visit) { BareLoop(root).VisitFiles(attributes, visit); });
     add("bare loop, one search a folder", [attributes](const std::wstring& root, const auto& visit)
         { BareLoop(root).VisitFilesAtOnce(attributes, visit); });
     add("std::filesystem, name and type", [readOnly](const std::wstring& root, const auto& visit)

@@ -79,10 +79,7 @@ struct Surface
     Surface(const Surface&) = delete;
     Surface& operator=(const Surface&) = delete;
 
-    Nodes FindNodes() const
-    {
-        return Nodes(FindNodesByName(GetDocumentChildNodes(xml.m_pDoc), kPoint, true));
-    }
+    Nodes FindNodes() const { return Nodes(FindNodesByName(GetDocumentChildNodes(xml.m_pDoc), kPoint, true)); }
 };
 
 using SharedSurface = std::shared_ptr<Surface>;
@@ -146,8 +143,7 @@ void AddLoad(const SharedSurface& surface, int size)
     // Into documents of their own: the nodes of the others are still read.
     const auto xml = std::make_shared<QuonXml>(L"", false, false, false);
     Add("load", size, "quon",
-        [surface, xml]
-        { benchmark::DoNotOptimize(xml->LoadSync(xml->m_pDoc, surface->fileName.c_str())); });
+        [surface, xml] { benchmark::DoNotOptimize(xml->LoadSync(xml->m_pDoc, surface->fileName.c_str())); });
     Add("load", size, kBare, [surface, xml] { benchmark::DoNotOptimize(LoadBare(xml->m_pDoc, surface->file)); });
     Add("load", size, kPugi, [surface, pugi = std::make_shared<Pugi>()] { pugi->Load(surface->fileName); });
     Add("load", size, kRapid, [surface, rapid = std::make_shared<Rapid>()] { rapid->Load(surface->fileName); });
@@ -221,8 +217,9 @@ template <typename Tree>
 void AddCreatePeer(int size, const std::string& contender)
 {
     const auto tree = std::make_shared<Tree>();
-    AddPrepared("create elements", size, contender, [tree] { tree->MakeRoot(L"LandXML"); },
-                [tree, size] { tree->Create(kNew, size); });
+    AddPrepared(
+        "create elements", size, contender, [tree] { tree->MakeRoot(L"LandXML"); },
+        [tree, size] { tree->Create(kNew, size); });
 }
 
 void AddCreate(int size)
@@ -235,10 +232,12 @@ void AddCreate(int size)
     CreateElementsBare(target->xml.m_pDoc, target->root, target->name, size);
     Require(made == size && made == MSXML2::GetLength(MSXML2::GetChildNodes(target->root)), "created elements");
 
-    AddPrepared("create elements", size, "quon", [target] { target->Prepare(); },
-                [target, size] { CreateElements(*target, size); });
-    AddPrepared("create elements", size, kBare, [target] { target->Prepare(); },
-                [target, size] { CreateElementsBare(target->xml.m_pDoc, target->root, target->name, size); });
+    AddPrepared(
+        "create elements", size, "quon", [target] { target->Prepare(); },
+        [target, size] { CreateElements(*target, size); });
+    AddPrepared(
+        "create elements", size, kBare, [target] { target->Prepare(); },
+        [target, size] { CreateElementsBare(target->xml.m_pDoc, target->root, target->name, size); });
     AddCreatePeer<Pugi>(size, kPugi);
     AddCreatePeer<Rapid>(size, kRapid);
 }
