@@ -1,0 +1,92 @@
+// Logs and streams on a disk that has no room: the system refuses to write.
+#include <afx.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/ImportPatch.h"
+#include "support/QuonTimer.h"
+#include "support/TemporaryFolder.h"
+#include "xml/QuonFileStream.h"
+
+namespace
+{
+
+using quon_test::ImportPatch;
+using quon_test::TemporaryFolder;
+
+int refusals = 0;
+
+BOOL WINAPI RefuseToWrite(HANDLE, LPCVOID, DWORD, LPDWORD written, LPOVERLAPPED)
+{
+    ++refusals;
+    if (written != nullptr)
+    {
+        *written = 0;
+    }
+    ::SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+}
+
+class FullDisk : public testing::Test
+{
+protected:
+    FullDisk() { refusals = 0; }
+
+    TemporaryFolder folder;
+};
+
+// The log's text goes through the C run-time, whose buffer is flushed when it is full and when the log is closed.
+TEST_F(FullDisk, ATimerMeasuresAllTheSame)
+{
+    const std::wstring path = folder / L"run.log";
+    {
+        QuonTimer timer(path.c_str(), FALSE, TRUE);
+        const ImportPatch<decltype(&::WriteFile)> patch(L"msvcrt.dll", "WriteFile", &RefuseToWrite);
+        timer.StartTimer();
+        for (int i = 0; i < 10000; ++i)
+        {
+            timer.WriteReport(L"a step that is told at length, so that the buffer is full soon", FALSE);
+        }
+        EXPECT_GT(refusals, 0) << "the run-time did not ask the system";
+        EXPECT_GE(timer.AddLap(), 0);
+        EXPECT_NE(timer.GetElapsedText(TRUE).Find(L" sec"), -1);
+    }
+    EXPECT_TRUE(folder.Exists(L"run.log"));
+}
+
+TEST_F(FullDisk, ALogClosesWhenItsLastTextCannotBeWritten)
+{
+    const std::wstring path = folder / L"run.log";
+    const ImportPatch<decltype(&::WriteFile)> patch(L"msvcrt.dll", "WriteFile", &RefuseToWrite);
+    {
+        QuonTimer timer(path.c_str(), FALSE, TRUE);
+        timer.WriteElapsed(FALSE);
+    }
+    EXPECT_GT(refusals, 0);
+    EXPECT_NE(::DeleteFileW(path.c_str()), FALSE) << "the log is still open";
+}
+
+// Room comes back: what is written then is there.
+TEST_F(FullDisk, ALogGoesOnWhenThereIsRoomAgain)
+{
+    const std::wstring path = folder / L"run.log";
+    {
+        QuonTimer timer(path.c_str(), FALSE, TRUE);
+        {
+            const ImportPatch<decltype(&::WriteFile)> patch(L"msvcrt.dll", "WriteFile", &RefuseToWrite);
+            for (int i = 0; i < 2000; ++i)
+            {
+                timer.WriteReport(L"lost", FALSE);
+            }
+        }
+        for (int i = 0; i < 2000; ++i)
+        {
+            timer.WriteReport(L"kept", FALSE);
+        }
+    }
+    EXPECT_NE(folder.ReadFile(L"run.log").find("Timer in kept"), std::string::npos);
+}
+
+}  // namespace
