@@ -22,6 +22,16 @@ else()
     $<$<CONFIG:Debug>:-g1>
     $<$<BOOL:${QUON_WARNINGS_AS_ERRORS}>:-Werror>)
   target_compile_definitions(quon_compile_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+  if(QUON_SANITIZE)
+    # There is no run-time library for reports here: the program stops at the place.
+    target_compile_options(quon_compile_options INTERFACE
+      -fsanitize=undefined -fsanitize-undefined-trap-on-error -fno-sanitize=vptr)
+  endif()
+  if(QUON_COVERAGE)
+    # Relative names would depend on the folder that a program is started in. The counts of threads must come out even.
+    target_compile_options(quon_library_options INTERFACE --coverage -fprofile-update=atomic -fprofile-abs-path)
+    target_link_options(quon_library_options INTERFACE --coverage)
+  endif()
   # The compiler's run-time is linked in, so that a program needs no DLL beside ours.
   target_link_options(quon_compile_options INTERFACE -static)
 endif()

@@ -23,6 +23,11 @@ target_precompile_headers(quon_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest
 add_test(NAME wine-prefix COMMAND ${CMAKE_SOURCE_DIR}/scripts/wine-prefix.sh)
 set_tests_properties(wine-prefix PROPERTIES FIXTURES_SETUP wine-prefix)
 
+# What a thorough run puts in the place of the library's allocator.
+add_library(quon_guard_pages OBJECT ${CMAKE_SOURCE_DIR}/tests/support/GuardPages.cpp)
+target_link_libraries(quon_guard_pages PRIVATE quon_compile_options)
+target_include_directories(quon_guard_pages PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+
 # quon_test(<name> SOURCES ... [LIBRARIES ...] [SERIAL] [TIMEOUT seconds] [FRAMEWORK target])
 # One test program. SERIAL: it uses the registry, the locale or the clock of the whole prefix. FRAMEWORK: another build of
 # the framework than the usual one.
@@ -36,7 +41,8 @@ function(quon_test name)
   endif()
   add_executable(${name} ${arg_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE quon_compile_options ${arg_FRAMEWORK} ${arg_LIBRARIES} gmock gtest gtest_main)
+  target_link_libraries(${name} PRIVATE quon_compile_options ${arg_FRAMEWORK} ${arg_LIBRARIES} quon_guard_pages gmock gtest
+    gtest_main)
   target_precompile_headers(${name} REUSE_FROM quon_test_headers)
   add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/scripts/run-test.sh $<TARGET_FILE:${name}>)
   set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED wine-prefix TIMEOUT ${arg_TIMEOUT})
