@@ -1,0 +1,441 @@
+// Each allocation of an operation fails in turn, until the operation gets through without a failure. Whatever it says
+// to that is what its header states, and nothing of it stays on the heap.
+#include <afx.h>
+#include <afxcoll.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <list>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "messaging/QuonMessageQueue.h"
+#include "messaging/QuonWndMsgServer.h"
+#include "paths/FileOperations.h"
+#include "points/QuonPointMarker.h"
+#include "points/QuonSortedPointString.h"
+#include "points/QuonUnsortedPointString.h"
+#include "reliability/NthFailure.h"
+#include "support/HardLimit.h"
+#include "support/QuonPoolAllocator.h"
+#include "support/QuonTimer.h"
+#include "support/StringHelpers.h"
+#include "support/TemporaryFolder.h"
+#include "support/TraceLog.h"
+#include "traversal/QuonFileTrees.h"
+#include "xml/NodeTestSupport.h"
+#include "xml/QuonXml.h"
+#include "xml/XmlDocument.h"
+#include "xml/XmlValues.h"
+
+namespace
+{
+
+using quon_test::BlocksInUse;
+using quon_test::HardLimit;
+using quon_test::NthFailure;
+using quon_test::TemporaryFolder;
+
+// More allocations than any operation here makes.
+constexpr int kTooMany = 5000;
+
+enum Outcome : unsigned
+{
+    kReturned = 1,
+    kFrameworkMemory = 2,  // CMemoryException*, from the framework's classes
+    kStandardMemory = 4,   // std::bad_alloc, from the standard library's
+    kComMemory = 8,        // _com_error
+    kStatusText = 16,      // the status texts of the XML functions
+    kOther = 32
+};
+constexpr unsigned kPlain = kReturned | kFrameworkMemory | kStandardMemory;
+constexpr unsigned kXml = kPlain | kComMemory | kStatusText;
+
+Outcome Run(const std::function<void()>& operation)
+{
+    try
+    {
+        operation();
+        return kReturned;
+    }
+    catch (CMemoryException* exception)
+    {
+        exception->Delete();
+        return kFrameworkMemory;
+    }
+    catch (const std::bad_alloc&)
+    {
+        return kStandardMemory;
+    }
+    catch (const _com_error&)
+    {
+        return kComMemory;
+    }
+    catch (const CString&)
+    {
+        return kStatusText;
+    }
+    catch (CException* exception)
+    {
+        exception->Delete();
+        return kOther;
+    }
+    catch (...)
+    {
+        return kOther;
+    }
+}
+
+struct Attempt
+{
+    Outcome outcome;
+    bool failed;
+    bool leaked;
+};
+
+// A block that is kept on purpose, such as the emergency memory of a thread that throws for the first time, is taken
+// once; what grows at each of three attempts is a leak.
+Attempt FailAt(int successes, const std::function<void()>& operation)
+{
+    Attempt attempt = {};
+    for (int repeated = 0; repeated < 3; ++repeated)
+    {
+        const std::size_t before = BlocksInUse();
+        {
+            const NthFailure failure(successes);
+            attempt.outcome = Run(operation);
+            attempt.failed = failure.Failed();
+        }
+        attempt.leaked = BlocksInUse() > before;
+        if (!attempt.leaked)
+        {
+            break;
+        }
+    }
+    return attempt;
+}
+
+// @return how many different allocations failed
+int ExpectSurvives(const std::function<void()>& operation, unsigned allowed)
+{
+    const HardLimit limit(280000);
+    EXPECT_EQ(Run(operation), kReturned) << "the operation fails with memory";
+    for (int successes = 0; successes < kTooMany; ++successes)
+    {
+        SCOPED_TRACE("after " + std::to_string(successes) + " allocations");
+        const Attempt attempt = FailAt(successes, operation);
+        EXPECT_TRUE((attempt.outcome & allowed) != 0) << "outcome " << attempt.outcome;
+        EXPECT_FALSE(attempt.leaked);
+        if (!attempt.failed)
+        {
+            EXPECT_EQ(attempt.outcome, kReturned);
+            return successes;
+        }
+        if (testing::Test::HasFailure())
+        {
+            return successes;  // one place is enough to look at
+        }
+    }
+    ADD_FAILURE() << "the operation does not get through";
+    return kTooMany;
+}
+
+TEST(AllocationFailure, Paths)
+{
+    const int places = ExpectSurvives(
+        []
+        {
+            QuonPath path(L"C:/a//b/c.txt", QuonPathForwardSlash | QuonPathUpperCase);
+            path.Append(L"d\\e.txt");
+            path.Normalize();
+            QuonPath drive;
+            QuonPath directory;
+            QuonPath name;
+            QuonPath extension;
+            path.Split(drive, directory, name, extension);
+            std::list<QuonPath> components;
+            path.GetComponents(components);
+            path.SetExtension(L"doc");
+            path.RemoveLastComponent();
+            path.RemoveFirstComponent();
+            const QuonPath relative = QuonPath(L"C:\\a\\b.txt", 0).MakeRelativeTo(QuonPath(L"C:\\c\\", 0));
+            QuonPath windows(QuonFolderWindows, 0);
+            windows = relative + L"x";
+        },
+        kPlain);
+    EXPECT_GT(places, 10);
+}
+
+TEST(AllocationFailure, TreesOfFolders)
+{
+    const TemporaryFolder folder;
+    folder.WriteFile(L"source\\a\\b\\file", "x");
+    folder.WriteFile(L"source\\a\\file", "x");
+    const std::wstring source = folder / L"source";
+    const std::wstring target = folder / L"target\\deep";
+    ExpectSurvives(
+        [&]
+        {
+            const unsigned int result = MoveFolderTree(source.c_str(), target.c_str(), FALSE);
+            if (result == 0)
+            {
+                CopyFolderTree(target.c_str(), source.c_str(), FALSE);
+            }
+            RemoveFolderTree(target.c_str());
+        },
+        kPlain | kOther);
+}
+
+template <typename Walk>
+void ExpectWalkSurvives()
+{
+    const TemporaryFolder folder;
+    folder.WriteFile(L"a\\b\\file", "x");
+    folder.WriteFile(L"a\\c\\file", "x");
+    folder.WriteFile(L"file", "x");
+    const std::wstring root = folder.Path();
+    const int places = ExpectSurvives(
+        [&]
+        {
+            Walk walk;
+            for (walk.FindFirst(root.c_str(), L"*", kQuonMatchEverything); walk.IsFound(); walk.FindNext())
+            {
+                walk.GetFoundPath();
+                walk.GetFoundName();
+                walk.GetFolder();
+            }
+        },
+        kPlain);
+    EXPECT_GT(places, 3);
+}
+
+TEST(AllocationFailure, BasicMatcher)
+{
+    ExpectWalkSurvives<QuonBasicFileMatcher>();
+}
+TEST(AllocationFailure, BreadthFirstFolders)
+{
+    ExpectWalkSurvives<QuonBFSDirectoryTree>();
+}
+TEST(AllocationFailure, DepthFirstFolders)
+{
+    ExpectWalkSurvives<QuonDFSDirectoryTree>();
+}
+TEST(AllocationFailure, BreadthFirstFiles)
+{
+    ExpectWalkSurvives<QuonBFSFileTree>();
+}
+TEST(AllocationFailure, DepthFirstFiles)
+{
+    ExpectWalkSurvives<QuonDFSFileTree>();
+}
+
+TEST(AllocationFailure, StringHelpers)
+{
+    const int places = ExpectSurvives(
+        []
+        {
+            CapitalizeWords(ToUpperCopy(ToLowerCopy(L"some text 12 with words")));
+            FormatDouble(1e100, 20);
+            CStringArray elements;
+            SplitCommaList(L"a, b,,c ,d", elements);
+            CString caption(L"  Name ");
+            MakeCaption(caption, true);
+            PrefixEachOccurrence(L"\n", L"\r", L"a\nb\nc");
+            CString list(L"a;b;c;d");
+            PutListItem(L"e", L";", 1, list);
+            TakeCommaToken(list);
+            GetSystemErrorText(ERROR_FILE_NOT_FOUND);
+            ClsidToString(IID_IUnknown);
+            DebugLog(std::wstring(5000, L'f').c_str(), 12, L"%d", 1);
+        },
+        kPlain);
+    EXPECT_GT(places, 10);
+}
+
+TEST(AllocationFailure, TimerWithALog)
+{
+    const TemporaryFolder folder;
+    const std::wstring path = folder / L"logs\\run.log";
+    ExpectSurvives(
+        [&]
+        {
+            QuonTimer timer(path.c_str(), TRUE, FALSE);
+            timer.StartTimer();
+            timer.WriteReport(L"step", TRUE);
+            timer.WriteElapsed(TRUE);
+        },
+        kPlain | kOther);
+}
+
+TEST(AllocationFailure, PoolAllocator)
+{
+    ExpectSurvives(
+        []
+        {
+            std::list<int, QuonPoolAllocator<int>> numbers;
+            for (int i = 0; i < 20000; ++i)
+            {
+                numbers.push_back(i);
+            }
+        },
+        kPlain);
+}
+
+TEST(AllocationFailure, PointStrings)
+{
+    const int places = ExpectSurvives(
+        []
+        {
+            QuonPointString string(L"1-5, 9, 20-12, <7, 3000");
+            string.SetLabel(L"label");
+            const QuonPointString copy(string);
+            string.RemoveDuplicates(TRUE);
+            string.RemovePoints(L"3,15", FALSE);
+            string.GetPointCount();
+            string.IsValid();
+        },
+        kPlain);
+    EXPECT_GT(places, 5);
+}
+
+TEST(AllocationFailure, PointSetsThatGrow)
+{
+    const int places = ExpectSurvives(
+        []
+        {
+            QuonSortedPointString sorted;
+            QuonUnsortedPointString unsorted;
+            for (unsigned long point = 1; point < 200000; point += 777)
+            {
+                sorted.AddPoint(point);
+                unsorted.AddPoint(point);
+            }
+            sorted.UpdateText();
+            unsorted.UpdateText();
+            QuonPointMarker marker;
+            marker.MarkPoint(100000);
+            marker.Resize(2000000);
+        },
+        kPlain);
+    EXPECT_GT(places, 5);
+}
+
+class Message final : public QuonMessage
+{
+};
+
+TEST(AllocationFailure, MessageQueue)
+{
+    ExpectSurvives(
+        []
+        {
+            QuonMessageQueue queue(nullptr, nullptr);
+            for (int i = 0; i < 12; ++i)
+            {
+                Message message;
+                const QuonServerResult posted = queue.Post(&message);
+                if (posted != kQuonServerOk && posted != kQuonServerOutOfMemory)
+                {
+                    throw posted;
+                }
+                QuonMessage* taken = nullptr;
+                queue.GetNext(&taken);
+            }
+        },
+        kReturned | kFrameworkMemory);
+}
+
+class Listener final : public QuonWndMsgServer::Callback
+{
+public:
+    void OnMessage(const WndMsgRecord*) override {}
+};
+
+TEST(AllocationFailure, WindowMessageServer)
+{
+    const int places = ExpectSurvives(
+        []
+        {
+            QuonWndMsgServer* const server = QuonWndMsgServer::GetWndMsgServer();
+            Listener listener;
+            UINT cookie = 0;
+            // The number that comes next is asked for, so that the registration can be taken back.
+            static UINT next = 0;
+            ++next;
+            const UINT message = next;
+            const HRESULT result = server->AddCallback(&message, &cookie, &listener);
+            if (result == S_OK && (cookie != message || server->RemoveCallback(&cookie) != S_OK))
+            {
+                throw result;
+            }
+            if (result != S_OK && result != E_FAIL)
+            {
+                throw result;
+            }
+        },
+        kReturned);
+    EXPECT_GT(places, 1);
+}
+
+class AllocationFailureXml : public quon_test::XmlTest
+{
+};
+
+constexpr char kDocument[] = "<r><a id='1' x='5'>one</a><a id='2'>two<b id='3'/></a></r>";
+
+TEST_F(AllocationFailureXml, LoadingWalkingAndSaving)
+{
+    ExpectSurvives(
+        []
+        {
+            QuonXml xml(L"none.xml", false, false, false);
+            xml.LoadFromMemory(xml.GetDocument(), reinterpret_cast<const unsigned char*>(kDocument),
+                               sizeof kDocument - 1);
+            xml.WalkTree([](CString, MSXML2::IXMLDOMNodePtr&, __int64) { return true; }, 0);
+            unsigned char* buffer = nullptr;
+            unsigned long size = 0;
+            xml.SaveToMemory(xml.GetDocument(), buffer, size);
+            delete[] buffer;
+        },
+        kXml);
+}
+
+TEST_F(AllocationFailureXml, FindingAndReadingNodes)
+{
+    const MSXML2::IXMLDOMDocumentPtr document = quon_test::Parse(CString(kDocument));
+    const int places = ExpectSurvives(
+        [&]
+        {
+            const MSXML2::IXMLDOMNodeListPtr nodes = GetDocumentChildNodes(document);
+            const quon_test::NodeArrayHolder found(FindNodesByName(nodes, L"a", true));
+            const std::unique_ptr<CStringArray> texts(GetTextsOfNodes(found.get()));
+            const std::unique_ptr<CStringArray> ids(GetAttributeValuesOfNodes(found.get(), L"id"));
+            const std::unique_ptr<CStringArray> values(GetValuesOfAttribute(document, L"r", L"a", L"id"));
+            CStringArray names;
+            CStringArray all;
+            GetAllAttributes(MSXML2::IXMLDOMNodePtr((*found)[0]), names, all);
+            GetXmlString(MSXML2::IXMLDOMNodePtr((*found)[0]), L"@id");
+            GetXmlLong(MSXML2::IXMLDOMNodePtr((*found)[0]), L"@x");
+        },
+        kXml);
+    EXPECT_GT(places, 10);
+}
+
+TEST_F(AllocationFailureXml, BuildingADocument)
+{
+    ExpectSurvives(
+        []
+        {
+            const MSXML2::IXMLDOMDocumentPtr document = quon_test::EmptyDocument();
+            CreateLandXmlDocument(document);
+            const MSXML2::IXMLDOMNodePtr node = AppendNewElement(document, GetLandXmlRoot(document), L"e");
+            SetAttributeOnNode(document, node, L"n", L"v");
+            SetXmlDouble(node, L"d", 2.5);
+        },
+        kXml);
+}
+
+}  // namespace

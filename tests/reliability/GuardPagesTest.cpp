@@ -1,0 +1,87 @@
+// That the guard pages of a thorough run notice what they are there for.
+#include "support/GuardPages.h"
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include "points/QuonPointMarker.h"
+#include "support/ChildProcess.h"
+
+namespace
+{
+
+constexpr int kBlocksTogether = 100;
+
+class Environment
+{
+public:
+    Environment() { ::SetEnvironmentVariableW(L"QUON_GUARD_PAGES", L"1"); }
+    ~Environment()
+    {
+        if (m_length == 0)
+        {
+            ::SetEnvironmentVariableW(L"QUON_GUARD_PAGES", nullptr);
+        }
+    }
+    Environment(const Environment&) = delete;
+    Environment& operator=(const Environment&) = delete;
+
+private:
+    DWORD m_length = ::GetEnvironmentVariableW(L"QUON_GUARD_PAGES", nullptr, 0);
+};
+
+quon_test::ChildResult RunGuarded(const wchar_t* test)
+{
+    const Environment environment;
+    return quon_test::RunChild(L"\"" + quon_test::OwnProgram() + L"\" --gtest_also_run_disabled_tests --gtest_filter=" +
+                               test);
+}
+
+// Run by the tests below, in a program of their own.
+TEST(GuardPagesChild, DISABLED_StaysInside)
+{
+    for (int i = 0; i < kBlocksTogether; ++i)
+    {
+        QuonPointMarker marker;
+        marker.MarkPoint(1);
+        marker.SetBit(1);
+    }
+    EXPECT_GE(quon_test::GuardedBlocks(), static_cast<unsigned>(kBlocksTogether));
+}
+
+// No check of the raw bits' indexes is promised.
+TEST(GuardPagesChild, DISABLED_StepsFarPastTheEnd)
+{
+    QuonPointMarker marker;
+    marker.MarkPoint(1);
+    marker.SetBit(8ull * 4096);
+}
+
+TEST(GuardPagesChild, DISABLED_StepsOneBytePastTheEnd)
+{
+    QuonPointMarker marker;
+    marker.Resize(8 * 33);
+    marker.SetBit(8 * 33);
+}
+
+TEST(GuardPages, LetAnHonestProgramPass)
+{
+    const quon_test::ChildResult result = RunGuarded(L"GuardPagesChild.DISABLED_StaysInside");
+    EXPECT_TRUE(result.ended);
+    EXPECT_EQ(result.code, 0u);
+}
+
+TEST(GuardPages, EndAProgramThatStepsOverThem)
+{
+    for (const wchar_t* const test :
+         {L"GuardPagesChild.DISABLED_StepsFarPastTheEnd", L"GuardPagesChild.DISABLED_StepsOneBytePastTheEnd"})
+    {
+        SCOPED_TRACE(testing::PrintToString(test));
+        const quon_test::ChildResult result = RunGuarded(test);
+        EXPECT_TRUE(result.ended);
+        EXPECT_NE(result.code, 0u);
+    }
+}
+
+}  // namespace

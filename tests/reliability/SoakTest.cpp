@@ -1,0 +1,197 @@
+// The same over and over, on several threads, for a second or, in a thorough run, for as long as QUON_SOAK_SECONDS says.
+// What went in must have come out, and nothing may stay on the heap.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <list>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "messaging/QuonMessageQueue.h"
+#include "messaging/ServerThreadTestSupport.h"
+#include "reliability/NthFailure.h"
+#include "support/HardLimit.h"
+#include "support/QuonPoolAllocator.h"
+#include "support/Thorough.h"
+
+namespace
+{
+
+using namespace quon_test;
+
+constexpr DWORD kGrace = 60000;
+
+class Soak : public testing::Test
+{
+protected:
+    bool IsOver() const { return ::GetTickCount64() >= m_end; }
+
+    ULONGLONG m_end = ::GetTickCount64() + SoakMilliseconds();
+    HardLimit m_limit{SoakMilliseconds() + kGrace};
+};
+
+std::atomic<long long> liveMessages = 0;
+
+class CountedMessage final : public QuonMessage
+{
+public:
+    CountedMessage(unsigned producer, unsigned number) : producer(producer), number(number) { ++liveMessages; }
+    CountedMessage(const CountedMessage&) = delete;
+    CountedMessage& operator=(const CountedMessage&) = delete;
+    ~CountedMessage() override { --liveMessages; }
+
+    const unsigned producer;
+    const unsigned number;
+};
+
+// Posts at most this many ahead of the consumer.
+constexpr long long kMostOnTheWay = 2000;
+
+TEST_F(Soak, MessagesOfSeveralProducersArriveWholeAndInOrder)
+{
+    constexpr unsigned kProducers = 3;
+    liveMessages = 0;
+    QuonMessageQueue queue(nullptr, nullptr);
+    std::atomic<unsigned long long> posted = 0;
+    std::vector<std::thread> producers;
+    for (unsigned producer = 0; producer < kProducers; ++producer)
+    {
+        producers.emplace_back(
+            [&, producer]
+            {
+                for (unsigned number = 0; !IsOver(); ++number)
+                {
+                    while (liveMessages > kMostOnTheWay)
+                    {
+                        ::SwitchToThread();
+                    }
+                    auto message = std::make_unique<CountedMessage>(producer, number);
+                    if (queue.Post(message.get()) != kQuonServerOk)
+                    {
+                        ADD_FAILURE() << "a message was refused";
+                        return;
+                    }
+                    message.release();
+                    ++posted;
+                }
+            });
+    }
+    std::vector<unsigned> next(kProducers, 0);
+    unsigned long long taken = 0;
+    const auto takeAll = [&]
+    {
+        QuonMessage* message = nullptr;
+        while (queue.GetNext(&message) == kQuonServerOk)
+        {
+            const std::unique_ptr<CountedMessage> owned(static_cast<CountedMessage*>(message));
+            ASSERT_EQ(owned->number, next[owned->producer]);
+            ++next[owned->producer];
+            ++taken;
+        }
+    };
+    while (!IsOver() && !HasFatalFailure())
+    {
+        takeAll();
+    }
+    for (std::thread& producer : producers)
+    {
+        producer.join();
+    }
+    takeAll();
+    EXPECT_GT(taken, 100u);
+    EXPECT_EQ(taken, posted);
+    EXPECT_EQ(liveMessages, 0);
+}
+
+class CountingHandler final : public QuonServerEventHandler
+{
+public:
+    explicit CountingHandler(HANDLE handle) : QuonServerEventHandler(0), m_handle(handle) {}
+    HANDLE GetHandle() override { return m_handle; }
+    void OnSignaled() override { ++signals; }
+
+    std::atomic<unsigned long long> signals = 0;
+
+private:
+    HANDLE m_handle;
+};
+
+TEST_F(Soak, ServerThreadsStartServeAndEnd)
+{
+    unsigned long long rounds = 0;
+    std::size_t blocks = 0;
+    for (; !IsOver() && !HasFailure(); ++rounds)
+    {
+        {
+            TestServer server;
+            ASSERT_EQ(server.Start(), kQuonServerOk);
+            std::vector<std::unique_ptr<Event>> events;
+            std::vector<std::unique_ptr<CountingHandler>> handlers;
+            for (int i = 0; i < 8; ++i)
+            {
+                events.push_back(std::make_unique<Event>(false));
+                handlers.push_back(std::make_unique<CountingHandler>(events.back()->Handle()));
+                ASSERT_EQ(server.AddHandler(handlers.back().get()), kQuonServerOk);
+            }
+            for (unsigned long long signal = 1; signal <= 5; ++signal)
+            {
+                for (std::size_t i = 0; i < events.size(); ++i)
+                {
+                    events[i]->Set();
+                    while (handlers[i]->signals < signal)
+                    {
+                        ::SwitchToThread();
+                    }
+                }
+            }
+            for (const auto& handler : handlers)
+            {
+                ASSERT_EQ(server.RemoveHandler(handler.get()), kQuonServerOk);
+            }
+            ASSERT_TRUE(server.Settle());
+            for (const auto& handler : handlers)
+            {
+                ASSERT_EQ(handler->signals, 5u);
+            }
+            const HANDLE thread = server.GetThreadHandle();
+            server.End();
+            ::CloseHandle(thread);
+        }
+        if (rounds == 4)
+        {
+            blocks = BlocksInUse();
+        }
+    }
+    EXPECT_GT(rounds, 1u);
+    if (rounds > 5)
+    {
+        EXPECT_LE(BlocksInUse(), blocks + 8) << "over " << rounds << " rounds";
+    }
+}
+
+TEST_F(Soak, ThePoolGivesBackWhatItTook)
+{
+    unsigned long long rounds = 0;
+    for (; !IsOver(); ++rounds)
+    {
+        std::list<long long, QuonPoolAllocator<long long>> numbers;
+        for (long long i = 0; i < 20000; ++i)
+        {
+            numbers.push_back(i);
+            if (i % 3 == 0)
+            {
+                numbers.pop_front();
+            }
+        }
+        long long expected = numbers.front();
+        for (const long long number : numbers)
+        {
+            ASSERT_EQ(number, expected);
+            ++expected;
+        }
+    }
+    EXPECT_GT(rounds, 0u);
+}
+
+}  // namespace
