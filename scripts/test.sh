@@ -1,8 +1,14 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the debug preset and runs every test: test.sh [CTEST-OPTION...]
+# Installs what is missing, builds the debug preset and runs every test: test.sh [--thorough] [CTEST-OPTION...]
+# With --thorough the long checks of thorough.sh follow.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
+thorough=
+if [ "${1:-}" = --thorough ]; then
+  thorough=yes
+  shift
+fi
 "$top/scripts/setup.sh"
 "$top/scripts/benchmark-sources.sh"
 options=()
@@ -10,4 +16,6 @@ options=()
 build mingw-debug all "${options[@]}"
 say "testing"
 cd "$top"
-exec ctest --preset mingw-debug "$@"
+[ -n "$thorough" ] || exec ctest --preset mingw-debug "$@"
+ctest --preset mingw-debug "$@"
+exec "$top/scripts/thorough.sh"

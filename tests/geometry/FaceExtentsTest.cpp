@@ -1,6 +1,7 @@
 #include "geometry/QuonFaceReader.h"
 
 #include "geometry/Points.h"
+#include "support/Thorough.h"
 
 #include <gtest/gtest.h>
 
@@ -199,7 +200,7 @@ TEST(FaceExtents, AreThoseOfThePlainLoopToTheBit)
     const double special[] = {0.0,       -0.0,       1.0,     -1.0,
                               kInfinity, -kInfinity, kNaN,    std::copysign(kNaN, -1.0),
                               kLargest,  5e-324,     -5e-324, -kLargest};
-    for (int round = 0; round < 3000; ++round)
+    for (int round = 0; round < quon_test::Cases(3000); ++round)
     {
         SCOPED_TRACE(round);
         // Mostly few different values, so that equal ones (both zeros too) meet in every place of a run.

@@ -3,6 +3,7 @@
 
 #include "geometry/Faces.h"
 #include "support/AllocationCounter.h"
+#include "support/Thorough.h"
 
 #include <gtest/gtest.h>
 
@@ -158,7 +159,7 @@ TEST(FaceReaders, AgreeWithAModelOnRandomUse)
     std::size_t nextTriangle = 0;
     std::size_t nextPolygon = 0;
     VxGePoint3dArray face;
-    for (int step = 0; step < 50000; ++step)
+    for (int step = 0; step < quon_test::Cases(50000); ++step)
     {
         SCOPED_TRACE(step);
         switch (random() % 8)

@@ -1,6 +1,7 @@
 #include "geometry/QuonPointReader.h"
 
 #include "geometry/Points.h"
+#include "support/Thorough.h"
 
 #include <gtest/gtest.h>
 
@@ -217,7 +218,7 @@ TEST(PointReaders, AgreeWithAModelOnRandomUse)
     std::vector<VxGePoint3d> model;
     std::size_t next = 0;
     QuonArrayPointReader reader(&points);
-    for (int step = 0; step < 50000; ++step)
+    for (int step = 0; step < quon_test::Cases(50000); ++step)
     {
         SCOPED_TRACE(step);
         switch (random() % 64)

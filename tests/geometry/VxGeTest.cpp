@@ -2,6 +2,7 @@
 
 #include "geometry/Points.h"
 #include "support/AllocationCounter.h"
+#include "support/Thorough.h"
 
 #include <gtest/gtest.h>
 
@@ -284,7 +285,7 @@ TEST(VxGePoint3dArray, BehavesAsAVectorOfPoints)
     {
         VxGePoint3dArray arrays[3] = {VxGePoint3dArray(0, 8), VxGePoint3dArray(5, 1), VxGePoint3dArray(70, 100)};
         std::vector<VxGePoint3d> models[3];
-        for (int step = 0; step < 50000; ++step)
+        for (int step = 0; step < quon_test::Cases(50000); ++step)
         {
             const auto target = random() % 3;
             const auto other = random() % 3;

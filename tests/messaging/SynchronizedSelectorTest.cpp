@@ -2,6 +2,7 @@
 
 #include "messaging/MessagingTestSupport.h"
 #include "support/AllocationCounter.h"
+#include "support/Thorough.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -219,7 +220,7 @@ TEST(SynchronizedSelector, AgreesWithAModelOverRandomChanges)
     std::mt19937 random(20240817);
     QuonSynchronizedSelector selector;
     Model model;
-    for (std::uintptr_t step = 1; step <= 20000; ++step)
+    for (std::uintptr_t step = 1; step <= static_cast<std::uintptr_t>(quon_test::Cases(20000)); ++step)
     {
         SCOPED_TRACE(step);
         // 60 different handles: never more than a wait can take.

@@ -7,6 +7,7 @@
 
 #include "paths/PathTestSupport.h"
 #include "paths/QuonPath.h"
+#include "support/Thorough.h"
 
 using quon_test::MakeForward;
 using quon_test::RandomTexts;
@@ -149,7 +150,7 @@ template <typename Check>
 void ForRandomTexts(unsigned seed, Check check)
 {
     RandomTexts texts(seed);
-    for (int round = 0; round < kRounds && !testing::Test::HasFailure(); ++round)
+    for (int round = 0; round < quon_test::Cases(kRounds) && !testing::Test::HasFailure(); ++round)
     {
         const std::wstring text = texts.Next(kLongest);
         const bool isForward = texts.Below(2) == 1;
@@ -328,7 +329,7 @@ TEST(QuonPathModel, ComponentsAreDriveTokensAndFileName)
 TEST(QuonPathModel, PlainDrivePathsSplitAndJoinToTheSameText)
 {
     RandomTexts names(11, L"abc. -_");
-    for (int round = 0; round < kRounds && !HasFailure(); ++round)
+    for (int round = 0; round < quon_test::Cases(kRounds) && !HasFailure(); ++round)
     {
         std::wstring text = L"C:";
         for (std::size_t depth = names.Below(5); depth > 0; --depth)

@@ -5,6 +5,7 @@
 #include "points/QuonPointString.h"
 #include "points/QuonSortedPointString.h"
 #include "points/QuonUnsortedPointString.h"
+#include "support/Thorough.h"
 
 #include <gtest/gtest.h>
 
@@ -125,7 +126,7 @@ TEST(PointModel, AgreesOnWalksOfRandomTexts)
     Random random(1001);
     int invalid = 0;
     int busy = 0;
-    for (int round = 0; round < 30000; ++round)
+    for (int round = 0; round < quon_test::Cases(30000); ++round)
     {
         const std::wstring text = RandomText(random);
         SCOPED_TRACE(Shown(text));
@@ -180,7 +181,7 @@ TEST(PointModel, AgreesOnSetOperationsOnRandomTexts)
 {
     Random random(1002);
     int removedSome = 0;
-    for (int round = 0; round < 20000; ++round)
+    for (int round = 0; round < quon_test::Cases(20000); ++round)
     {
         const std::wstring text = RandomShortText(random);
         const std::wstring points = RandomShortText(random);
@@ -206,7 +207,7 @@ TEST(PointModel, AgreesOnSetOperationsOnRandomTexts)
 TEST(PointModel, AgreesOnRandomSequencesOfOperations)
 {
     Random random(1003);
-    for (int round = 0; round < 3000; ++round)
+    for (int round = 0; round < quon_test::Cases(3000); ++round)
     {
         QuonPointString string;
         ModelString model;
@@ -298,7 +299,7 @@ Point NextPoint(Random& random, Point previous, Point span)
 TEST(PointModel, SortedStringsAgree)
 {
     Random random(1004);
-    for (int round = 0; round < 4000; ++round)
+    for (int round = 0; round < quon_test::Cases(4000); ++round)
     {
         QuonSortedPointString string;
         ModelSorted model;
@@ -350,7 +351,7 @@ TEST(PointModel, UnsortedStringsAgree)
 {
     static constexpr Point kLimits[] = {0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 0xFFFFFC00};
     Random random(1005);
-    for (int round = 0; round < 10000; ++round)
+    for (int round = 0; round < quon_test::Cases(10000); ++round)
     {
         QuonUnsortedPointString string;
         ModelUnsorted model;

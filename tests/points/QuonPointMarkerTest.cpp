@@ -1,6 +1,7 @@
 #include "points/QuonPointMarker.h"
 
 #include "support/ImportPatch.h"
+#include "support/Thorough.h"
 
 #include <gtest/gtest.h>
 
@@ -255,7 +256,7 @@ struct PlainMarker
 TEST(QuonPointMarker, AgreesWithAPlainBufferOnRandomOperations)
 {
     std::mt19937 random(20240611);
-    for (int round = 0; round < 200; ++round)
+    for (int round = 0; round < quon_test::Cases(200); ++round)
     {
         QuonPointMarker marker;
         PlainMarker plain;

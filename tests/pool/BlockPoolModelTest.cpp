@@ -2,6 +2,7 @@
 #include "support/BlockPool.h"
 
 #include "pool/PoolInspection.h"
+#include "support/Thorough.h"
 
 #include <gtest/gtest.h>
 
@@ -111,7 +112,7 @@ TEST(BlockPool, AgreesWithAModelOnRandomUseOfSeveralSizes)
         users.push_back({size, nullptr, {}, {}});
     }
     std::size_t most = 0;
-    for (int step = 0; step < 60000; ++step)
+    for (int step = 0; step < quon_test::Cases(60000); ++step)
     {
         // Waves of growth and decline, so that pages and regions come and go.
         const bool growing = step / 6000 % 2 == 0;

@@ -10,6 +10,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "messaging/QuonMessageQueue.h"
 #include "messaging/QuonWndMsgServer.h"
@@ -275,11 +276,31 @@ TEST(AllocationFailure, PoolAllocator)
     ExpectSurvives(
         []
         {
-            std::list<int, QuonPoolAllocator<int>> numbers;
-            for (int i = 0; i < 20000; ++i)
+            QuonPoolAllocator<double> numbers;
+            std::vector<double*> taken(20000, nullptr);
+            const auto giveBack = [&]
             {
-                numbers.push_back(i);
+                for (double* const number : taken)
+                {
+                    if (number != nullptr)
+                    {
+                        numbers.Destroy(number);
+                    }
+                }
+            };
+            try
+            {
+                for (double*& number : taken)
+                {
+                    number = numbers.Construct(1.5);
+                }
             }
+            catch (const std::bad_alloc&)
+            {
+                giveBack();
+                throw;
+            }
+            giveBack();
         },
         kPlain);
 }

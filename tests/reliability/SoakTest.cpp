@@ -1,9 +1,9 @@
-// The same over and over, on several threads, for a second or, in a thorough run, for as long as QUON_SOAK_SECONDS says.
-// What went in must have come out, and nothing may stay on the heap.
+// The same over and over, on several threads, for a second or, in a thorough run, for as long as QUON_SOAK_SECONDS
+// says. What went in must have come out, and nothing may stay on the heap.
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <list>
+#include <deque>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -175,20 +175,23 @@ TEST_F(Soak, ThePoolGivesBackWhatItTook)
     unsigned long long rounds = 0;
     for (; !IsOver(); ++rounds)
     {
-        std::list<long long, QuonPoolAllocator<long long>> numbers;
+        QuonPoolAllocator<long long> pool;
+        std::deque<long long*> numbers;
         for (long long i = 0; i < 20000; ++i)
         {
-            numbers.push_back(i);
+            numbers.push_back(pool.Construct(i));
             if (i % 3 == 0)
             {
+                pool.Destroy(numbers.front());
                 numbers.pop_front();
             }
         }
-        long long expected = numbers.front();
-        for (const long long number : numbers)
+        long long expected = *numbers.front();
+        for (long long* const number : numbers)
         {
-            ASSERT_EQ(number, expected);
+            ASSERT_EQ(*number, expected);
             ++expected;
+            pool.Destroy(number);
         }
     }
     EXPECT_GT(rounds, 0u);

@@ -6,6 +6,7 @@
 
 #include "support_tests/RandomText.h"
 #include "support_tests/Wide.h"
+#include "support/Thorough.h"
 
 namespace
 {
@@ -107,7 +108,7 @@ std::wstring PlainCapitalize(std::wstring text)
 TEST(CapitalizeWords, EqualsAPlainLoopOnRandomTexts)
 {
     RandomText random(411);
-    for (int round = 0; round < 20000; ++round)
+    for (int round = 0; round < quon_test::Cases(20000); ++round)
     {
         const std::wstring text = random.Text(L"aBcD 1\t-\u00e4\u00c4\u0663", 12);
         ASSERT_EQ(Wide(CapitalizeWords(ToCString(text))), PlainCapitalize(text)) << testing::PrintToString(text);

@@ -14,6 +14,7 @@
 
 #include "support/ImportPatch.h"
 #include "support_tests/RandomText.h"
+#include "support/Thorough.h"
 
 namespace
 {
@@ -190,7 +191,7 @@ void CompareWithTheRule(unsigned int seed)
 {
     RandomText random(seed);
     constexpr wchar_t kAlphabet[] = L"aAbB-. 0001239\u00e4\u00c4\u00df\u0663\u00b2\uff12";
-    for (int round = 0; round < 40000; ++round)
+    for (int round = 0; round < quon_test::Cases(40000); ++round)
     {
         const std::wstring start = random.Text(kAlphabet, 4);
         const std::wstring a = start + random.Text(kAlphabet, 12);

@@ -8,6 +8,7 @@
 
 #include "support_tests/RandomText.h"
 #include "support_tests/Wide.h"
+#include "support/Thorough.h"
 
 namespace
 {
@@ -136,7 +137,7 @@ TEST(ParseDouble, ReadsBackWhatFormatDoubleWrote)
 {
     std::mt19937 engine(42);
     std::uniform_real_distribution<double> values(-1e6, 1e6);
-    for (int round = 0; round < 10000; ++round)
+    for (int round = 0; round < quon_test::Cases(10000); ++round)
     {
         const double value = values(engine);
         double back = 0;
@@ -174,7 +175,7 @@ TEST(NumberClasses, LookAtTheCharactersAlone)
 TEST(NumberClasses, EqualAPlainLoopOnRandomTexts)
 {
     RandomText random(7);
-    for (int round = 0; round < 20000; ++round)
+    for (int round = 0; round < quon_test::Cases(20000); ++round)
     {
         const std::wstring text = random.Text(L"000..-1x", 6);
         const bool zero = !text.empty() && text.find_first_not_of(L"0.") == std::wstring::npos;

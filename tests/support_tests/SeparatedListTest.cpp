@@ -6,6 +6,7 @@
 
 #include "support_tests/RandomText.h"
 #include "support_tests/Wide.h"
+#include "support/Thorough.h"
 
 namespace
 {
@@ -66,7 +67,7 @@ TEST(SplitCommaList, AppendsToWhatTheListHolds)
 TEST(SplitCommaList, EqualsALoopOverTakeCommaToken)
 {
     RandomText random(415);
-    for (int round = 0; round < 10000; ++round)
+    for (int round = 0; round < quon_test::Cases(10000); ++round)
     {
         // The zero character ends the search for commas.
         CString text = ToCString(random.Text(std::wstring_view(L"ab,, \t\u00a0\0", 8), 12));
@@ -167,7 +168,7 @@ std::wstring PlainPrefix(const std::wstring& what, const std::wstring& prefix, s
 TEST(PrefixEachOccurrence, EqualsPlainEditingOnRandomTexts)
 {
     RandomText random(416);
-    for (int round = 0; round < 30000; ++round)
+    for (int round = 0; round < quon_test::Cases(30000); ++round)
     {
         const std::wstring what = random.Text(L"ab", 1) + L"ab"[random.Number(1)];
         const std::wstring prefix = random.Text(L"abc", 2);
@@ -302,7 +303,7 @@ std::wstring PlainPut(const std::wstring& item, const std::wstring& separator, i
 TEST(PutListItem, EqualsTheRuleOnRandomLists)
 {
     RandomText random(417);
-    for (int round = 0; round < 30000; ++round)
+    for (int round = 0; round < quon_test::Cases(30000); ++round)
     {
         const std::wstring separator = random.Number(3) == 0 ? L",;" : L",";
         const std::wstring item = random.Text(L"ab", 2);

@@ -7,6 +7,7 @@
 
 #include "support_tests/RandomText.h"
 #include "support_tests/Wide.h"
+#include "support/Thorough.h"
 
 namespace
 {
@@ -109,7 +110,7 @@ TEST(GetNextToken, DoesNotWriteIntoTokensThatWereKept)
 TEST(GetNextToken, EqualsAPlainLoopOnRandomTexts)
 {
     RandomText random(414);
-    for (int round = 0; round < 20000; ++round)
+    for (int round = 0; round < quon_test::Cases(20000); ++round)
     {
         const std::wstring text = random.Text(L"ab,; \u2022\u00e4", 12);
         const std::wstring delimiters = random.Text(L",; \u2022a", 3);

@@ -10,6 +10,7 @@
 
 #include "support/ImportPatch.h"
 #include "support_tests/RandomText.h"
+#include "support/Thorough.h"
 
 namespace
 {
@@ -189,7 +190,7 @@ TEST(DebugLog, EqualsTheFormattersLayoutOnRandomLines)
 {
     OutputRecord output;
     RandomText random(421);
-    for (int round = 0; round < 5000; ++round)
+    for (int round = 0; round < quon_test::Cases(5000); ++round)
     {
         const std::wstring file = random.Text(L"abc\\.%: \u00e4", 130);
         const int lines[] = {0, 1, -1, INT_MAX, INT_MIN, static_cast<int>(random.Number(99999))};
