@@ -143,6 +143,20 @@ int ExpectSurvives(const std::function<void()>& operation, unsigned allowed)
     return kTooMany;
 }
 
+// A check of the check.
+TEST(AllocationFailure, ALeakIsNoticed)
+{
+    std::vector<CString*> leaked;
+    leaked.reserve(10);
+    const Attempt attempt = FailAt(1000, [&] { leaked.push_back(new CString(L"text")); });
+    EXPECT_TRUE(attempt.leaked);
+    EXPECT_FALSE(attempt.failed);
+    for (const CString* const text : leaked)
+    {
+        delete text;
+    }
+}
+
 TEST(AllocationFailure, Paths)
 {
     const int places = ExpectSurvives(
