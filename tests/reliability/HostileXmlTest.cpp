@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -11,6 +12,7 @@
 #include "support/HardLimit.h"
 #include "support/ImportPatch.h"
 #include "support/TemporaryFolder.h"
+#include "support/Thorough.h"
 #include "xml/NodeTestSupport.h"
 #include "xml/XmlDocument.h"
 
@@ -21,15 +23,18 @@ using quon_test::EmptyDocument;
 using quon_test::HardLimit;
 using quon_test::ImportPatch;
 
-// What Wine's DOM, which searches its lists from the start for each entry, does in seconds.
 constexpr int kAttributes = 2000;
-constexpr int kParsedAttributes = 100000;
+// Wine's parser compares each attribute with all others: a hundred thousand, which a thorough run asks for, take it
+// long.
+constexpr int kUsualAttributes = 10000;
+constexpr int kMostAttributes = 100000;
 constexpr int kDepth = 10000;
 
 class HostileXml : public quon_test::XmlTest
 {
 protected:
-    HardLimit m_limit{200000};
+    // Room for what a thorough run asks of a slow parser.
+    HardLimit m_limit{quon_test::Cases(0) > 0 ? 7000000ul : 200000ul};
 };
 
 HRESULT LoadText(QuonXml& xml, const std::string& text)
@@ -61,15 +66,19 @@ int CountNodes(QuonXml& xml)
     return count;
 }
 
-TEST_F(HostileXml, AHundredThousandAttributesAreLoaded)
+TEST_F(HostileXml, ManyThousandAttributesAreLoaded)
 {
+    const int count = std::min(quon_test::Cases(kUsualAttributes), kMostAttributes);
     QuonXml xml(L"", false, false, false);
-    const HRESULT result = LoadText(xml, WithAttributes(kParsedAttributes));
-    if (SUCCEEDED(result) && CountNodes(xml) > 1)
+    const HRESULT result = LoadText(xml, WithAttributes(count));
+    // A parser may refuse so many; one that does not has them all.
+    if (MSXML2::SelectSingleNode(xml.GetDocument(), L"r"))
     {
+        EXPECT_HRESULT_SUCCEEDED(result);
         const MSXML2::IXMLDOMNodePtr root = quon_test::Find(xml.GetDocument(), L"r");
-        EXPECT_STREQ(GetAttributeValue(root, L"a99999"), L"99999");
-        EXPECT_STREQ(GetAttributeValue(root, L"a100000"), L"");
+        const std::wstring last = std::to_wstring(count - 1);
+        EXPECT_STREQ(GetAttributeValue(root, (L"a" + last).c_str()), last.c_str());
+        EXPECT_STREQ(GetAttributeValue(root, (L"a" + std::to_wstring(count)).c_str()), L"");
     }
 }
 

@@ -26,6 +26,7 @@
 #include "traversal/QuonBasicFileMatcher.h"
 #include "xml/QuonFileStream.h"
 #include "xml/QuonXml.h"
+#include "xml/XmlDocument.h"
 #include "xml/XmlTestSupport.h"
 #include "xml/XmlValues.h"
 
@@ -171,6 +172,7 @@ std::string LoadFromMemory(const Folder&)
 std::string SaveToMemory(const Folder&)
 {
     QuonXml xml(L"", false, false, false);
+    AppendNewElement(xml.GetDocument(), nullptr, L"r");
     unsigned char* buffer = nullptr;
     unsigned long size = 0;
     const HRESULT result = xml.SaveToMemory(xml.GetDocument(), buffer, size);
@@ -305,7 +307,8 @@ std::vector<Row> PathRows()
         // The run-time's own call does the same once more.
         {"SetCurrentDirectoryW", kZero, "0", &RemoveCurrentTree},
         {"FindFirstFileExW", kMinusOne, "00", &FindFirstAndSecond},
-        {"FindNextFileW", kZero, "00", &FindFirstAndSecond},
+        // The first call is made for the folder's own two entries, and ends the search for a first match.
+        {"FindNextFileW", kZero, "01", &FindFirstAndSecond},
         {"FindClose", kZero, "11", &FindFirstAndSecond},
         {"GetCurrentDirectoryW", kZero, "",
          [](const Folder&)
@@ -334,7 +337,7 @@ std::vector<Row> PathRows()
          }},
         {"RegOpenKeyExW", ERROR_ACCESS_DENIED, "5", &Shell},
         {"RegQueryValueExW", ERROR_ACCESS_DENIED, "5", &Shell},
-        {"RegCloseKey", ERROR_ACCESS_DENIED, "0", &Shell},
+        {"RegCloseKey", ERROR_ACCESS_DENIED, "5", &Shell},
         {"PathCombineW", kZero, "",
          [](const Folder&)
          {
