@@ -84,7 +84,7 @@ def untested(files, source):
 def main():
     gcov, build, source, document, lines = sys.argv[1:]
     source = pathlib.Path(source).resolve()
-    files = read(gcov, pathlib.Path(build), source)
+    files = read(gcov, pathlib.Path(build).resolve(), source)
     pathlib.Path(lines).write_text("\n".join(untested(files, source)) + "\n", encoding="utf-8")
     document = pathlib.Path(document)
     before, rest = document.read_text(encoding="utf-8").split(BEGIN)
