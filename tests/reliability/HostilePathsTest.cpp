@@ -16,7 +16,7 @@ namespace
 {
 
 constexpr std::size_t kLongestPart = 263;
-constexpr std::size_t kLengths[] = {259, 260, 261, 263, 264, 32766, 32767, 32768, 65535, 65536, 1000000};
+constexpr std::size_t kLengths[] = {259, 260, 261, 263, 264, 32766, 32767, 32768, 65535, 65536, 200000};
 
 std::wstring Text(const QuonPath& path)
 {
