@@ -37,20 +37,28 @@ void AppendRun(Array& to, const VxGePoint3d* points, int count)
     }
 }
 
+/// Appends the points that are stored from `points` on, less than three, and the origin for those that are missing.
+void AppendCutTriangle(VxGePoint3dArray& to, const VxGePoint3d* points, unsigned int stored)
+{
+    VxGePoint3d cut[kTriangleCorners] = {};
+    for (unsigned int i = 0; i < stored; ++i)
+    {
+        cut[i] = points[i];
+    }
+    AppendRun(to, cut, int{kTriangleCorners});
+}
+
 /// Appends three points of `from`, from `first` on. Only the storage bounds them, not the logical length: past that,
 /// what the storage holds is taken. Past the storage there is nothing to take, there the origin stands in.
-void AppendTriangle(VxGePoint3dArray& to, const VxGePoint3dArray& from, unsigned int first)
+/// Short enough to be compiled into the reading of a face, which is done a million times.
+inline void AppendTriangle(VxGePoint3dArray& to, const VxGePoint3dArray& from, unsigned int first)
 {
-    const VxGePoint3d* points = from.GetPoints() + first;
+    const VxGePoint3d* const points = from.GetPoints() + first;
     const auto stored = static_cast<unsigned int>(from.GetPhysicalLength());
-    VxGePoint3d cut[kTriangleCorners];
     if (stored < first + kTriangleCorners)
     {
-        for (unsigned int i = 0; i < kTriangleCorners; ++i)
-        {
-            cut[i] = first + i < stored ? points[i] : VxGePoint3d{0.0, 0.0, 0.0};
-        }
-        points = cut;
+        AppendCutTriangle(to, points, stored - first);
+        return;
     }
     AppendRun(to, points, int{kTriangleCorners});
 }

@@ -5,6 +5,7 @@
 #include "points/PointMarkerInternal.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdint>
 
 namespace QuonPointDetails
@@ -86,6 +87,11 @@ void AddUnmarked(const QuonPointMarker& marker, PointRange range, UnsortedPointL
     }
 }
 
+int ExpectedLength(const ParsedPoints& points)
+{
+    return static_cast<int>(std::min<std::size_t>(points.textLength, INT_MAX));
+}
+
 // Room for a text as long as the old one is made at once; what is not needed of it is given back.
 void FreeExtra(CString& text)
 {
@@ -135,14 +141,13 @@ void WriteUnsortedUnique(const ParsedPoints& points, PointTextWriter& writer)
 
 }  // namespace
 
-ParsedPoints ParsePoints(const CString& text)
+ParsedPoints ParsePoints(const wchar_t* text, std::size_t length)
 {
     // Most items are longer than this; room that is not used is never touched.
     constexpr std::size_t kLengthPerItem = 8;
 
     ParsedPoints points;
-    points.textLength = text.GetLength();
-    const auto length = static_cast<std::size_t>(points.textLength);
+    points.textLength = length;
     points.ranges.reserve(length / kLengthPerItem);
     PointTextReader reader = PointTextReader::Start(text, length);
     while (!reader.AtEnd())
@@ -170,7 +175,7 @@ CString FormatDifference(const ParsedPoints& points, const ParsedPoints& removed
 {
     CString text;
     {
-        PointTextWriter writer(text, points.textLength);
+        PointTextWriter writer(text, ExpectedLength(points));
         sorted ? WriteSortedDifference(points, removed, writer) : WriteUnsortedDifference(points, removed, writer);
     }
     FreeExtra(text);
@@ -181,7 +186,7 @@ CString FormatUnique(const ParsedPoints& points, bool sorted)
 {
     CString text;
     {
-        PointTextWriter writer(text, points.textLength);
+        PointTextWriter writer(text, ExpectedLength(points));
         sorted ? WriteSortedDifference(points, {}, writer) : WriteUnsortedUnique(points, writer);
     }
     FreeExtra(text);

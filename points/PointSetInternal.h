@@ -6,6 +6,7 @@
 
 #include <afx.h>
 
+#include <cstddef>
 #include <vector>
 
 namespace QuonPointDetails
@@ -15,12 +16,13 @@ namespace QuonPointDetails
 struct ParsedPoints
 {
     std::vector<PointRange> ranges;
-    int textLength = 0;
+    std::size_t textLength = 0;
     unsigned long highest = 0;
     bool isValid = true;  // false when an invalid item ended the walk
 };
 
-ParsedPoints ParsePoints(const CString& text);
+/// A zero character follows the text.
+ParsedPoints ParsePoints(const wchar_t* text, std::size_t length);
 
 /// The points of `points` that are not among `removed`: sorted, or in the order of the walk with the duplicates left
 /// in.

@@ -4,6 +4,8 @@
 #include "points/PointSetInternal.h"
 #include "points/PointTextInternal.h"
 
+#include <cwchar>
+
 using QuonPointDetails::FormatDifference;
 using QuonPointDetails::FormatUnique;
 using QuonPointDetails::ItemKind;
@@ -11,6 +13,16 @@ using QuonPointDetails::ParsedPoints;
 using QuonPointDetails::ParsePoints;
 using QuonPointDetails::PointItem;
 using QuonPointDetails::PointTextReader;
+
+namespace
+{
+
+ParsedPoints Parse(const CString& text)
+{
+    return ParsePoints(text, static_cast<std::size_t>(text.GetLength()));
+}
+
+}  // namespace
 
 QuonPointString::QuonPointString() : QuonPointString(nullptr) {}
 
@@ -45,11 +57,12 @@ void QuonPointString::Assign(const QuonPointString& other)
 
 void QuonPointString::RemovePoints(const wchar_t* points, BOOL sorted)
 {
-    const ParsedPoints removed = ParsePoints(CString(points));
+    const wchar_t* const text = points != nullptr ? points : L"";
+    const ParsedPoints removed = ParsePoints(text, std::wcslen(text));
     if (removed.isValid)
     {
         QuonPointString result;
-        result.m_text = FormatDifference(ParsePoints(m_text), removed, sorted != FALSE);
+        result.m_text = FormatDifference(Parse(m_text), removed, sorted != FALSE);
         Assign(result);
         m_changed = 1;
     }
@@ -58,7 +71,7 @@ void QuonPointString::RemovePoints(const wchar_t* points, BOOL sorted)
 void QuonPointString::RemoveDuplicates(BOOL sorted)
 {
     QuonPointString result;
-    result.m_text = FormatUnique(ParsePoints(m_text), sorted != FALSE);
+    result.m_text = FormatUnique(Parse(m_text), sorted != FALSE);
     Assign(result);
     m_changed = 1;
 }

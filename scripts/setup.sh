@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what the project needs from Debian's packages and makes the Wine prefix. Safe to run again: nothing that is
-# there is installed anew.
+# Installs what the project needs from Debian's packages and makes the Wine prefix: setup.sh [FURTHER-PACKAGE...]
+# Safe to run again: nothing that is there is installed anew.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -9,6 +9,8 @@ packages=(
   cmake ninja-build git python3
   googletest          # sources, cross-compiled by our own build
   libcli11-dev        # command line of the host (headers only)
+  libfccp-dev         # CSV parser of the host (headers only)
+  nlohmann-json3-dev  # JSON output of the host (headers only)
   wine wine64         # runs what was built
   clang-format-14     # the style, checked by the tests
   clang-tidy-14       # the lint, checked by the tests
@@ -16,6 +18,9 @@ packages=(
   doxygen doxygen-awesome-css  # the manual, built by the tests, and its theme
   gdb-mingw-w64 gdb-mingw-w64-target  # the debugger whose printers are tested, and its server for Windows
   libxml2-utils       # xmllint, reads the XML documents that the tests wrote
+  # peers of the benchmarks (headers only)
+  libboost1.81-dev librapidxml-dev libconcurrentqueue-dev libasio-dev libfmt-dev libspdlog-dev
+  "$@"
 )
 
 missing=()

@@ -4,6 +4,7 @@ set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 "$top/scripts/setup.sh"
+"$top/scripts/benchmark-sources.sh"
 options=()
 [ -z "${CI:-}" ] || options+=(-DQUON_WARNINGS_AS_ERRORS=ON)
 build mingw-debug all "${options[@]}"

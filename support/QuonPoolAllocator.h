@@ -12,8 +12,9 @@
 /// Hands out elements of type `T` from the process's block pool, through a free list of its own.
 ///
 /// The newest page is kept while the allocator lives (one element of it is held back for that): taking and giving back
-/// at a page's border would otherwise carve and return a page each time. All elements must have come back when the
-/// allocator ends; a debug build asserts that.
+/// at a page's border would otherwise carve and return a page each time. The element that came back last may be kept
+/// too, for the next request: taking one element and giving it back, again and again, does not reach the pool. All
+/// elements must have come back when the allocator ends; a debug build asserts that.
 ///
 /// ```cpp
 /// QuonPoolAllocator<Node> nodes;
@@ -43,6 +44,10 @@ public:
     ~QuonPoolAllocator()
     {
         assert(m_count == 0 && "elements are still in use");
+        if (m_spare != nullptr)
+        {
+            PoolFree(&m_freeElements, m_spare);
+        }
         if (m_anchor != nullptr)
         {
             PoolFree(&m_freeElements, m_anchor);
@@ -52,11 +57,15 @@ public:
     /// @return memory for one `T`, not constructed. Throws std::bad_alloc when there is none.
     T* Allocate()
     {
-        if (m_freeElements == nullptr)
+        void* element = std::exchange(m_spare, nullptr);
+        if (element == nullptr)
         {
-            AddPage();
+            if (m_freeElements == nullptr)
+            {
+                AddPage();
+            }
+            element = PoolAllocate(&m_freeElements);
         }
-        void* const element = PoolAllocate(&m_freeElements);
         ++m_count;
         return static_cast<T*>(element);
     }
@@ -64,11 +73,17 @@ public:
     /// Gives back what Allocate() of this allocator returned; nothing for null. The `T` must have been destroyed.
     void Free(T* element) noexcept
     {
-        if (element != nullptr)
+        if (element == nullptr)
         {
-            PoolFree(&m_freeElements, element);
-            --m_count;
+            return;
         }
+        --m_count;
+        if (m_spare == nullptr)
+        {
+            m_spare = element;
+            return;
+        }
+        PoolFree(&m_freeElements, element);
     }
 
     /// @return a new `T`, made from `arguments`. What its constructor throws passes through; nothing is lost then.
@@ -117,5 +132,6 @@ private:
 
     void* m_freeElements = nullptr;
     void* m_anchor = nullptr;
+    void* m_spare = nullptr;
     std::size_t m_count = 0;
 };

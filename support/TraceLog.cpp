@@ -17,16 +17,26 @@ namespace
 constexpr std::size_t kPrintSize = 2048;
 constexpr std::size_t kMessageSize = 1024;
 
-// Formats into `Size` characters and cuts what is longer. The run-time's formatter writes no terminator when it cuts:
-// the zeros laid beforehand are the terminator.
+// Formats into `Size` characters and cuts what is longer. The run-time's formatter writes no terminator when it cuts or
+// gives up: then zeros laid beforehand are the terminator. That rarely happens, and clearing the buffer takes as long
+// as formatting a short line, so it is done for the second attempt only.
 template <std::size_t Size>
 void FormatCut(wchar_t* buffer, const wchar_t* format, va_list arguments)
 {
-    std::memset(buffer, 0, Size * sizeof(wchar_t));
-    if (format != nullptr)
+    buffer[0] = L'\0';
+    buffer[Size - 1] = L'\0';
+    if (format == nullptr)
     {
-        ::_vsnwprintf(buffer, Size - 1, format, arguments);
+        return;
     }
+    va_list again;
+    va_copy(again, arguments);
+    if (::_vsnwprintf(buffer, Size - 1, format, arguments) < 0)
+    {
+        std::memset(buffer, 0, Size * sizeof(wchar_t));
+        ::_vsnwprintf(buffer, Size - 1, format, again);
+    }
+    va_end(again);
 }
 
 struct OrdinalLess

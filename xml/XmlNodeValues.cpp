@@ -1,6 +1,7 @@
 #include "xml/XmlNodes.h"
 
 #include "xml/ComHelpers.h"
+#include "xml/UniqueStringsInternal.h"
 #include "xml/XmlInternal.h"
 
 namespace xml_internal
@@ -8,14 +9,15 @@ namespace xml_internal
 
 using namespace MSXML2;
 
-CString AttributeText(IXMLDOMNode* node, const _bstr_t& name)
+CString AttributeText(IXMLDOMNode* node, BSTR name)
 {
     const IXMLDOMNamedNodeMapPtr attributes = GetAttributes(node);
     if (!attributes)
     {
         return CString();
     }
-    const IXMLDOMNodePtr attribute = GetNamedItem(attributes, name);
+    IXMLDOMNodePtr attribute;
+    Check(attributes->getNamedItem(name, &attribute), attributes.GetInterfacePtr());
     return attribute ? TextOfVariant(GetNodeValue(attribute)) : CString();
 }
 
@@ -35,7 +37,7 @@ namespace
 using namespace MSXML2;
 using namespace xml_internal;
 
-void CollectNames(IXMLDOMNode* node, bool recursive, CStringArray& names)
+void CollectNames(IXMLDOMNode* node, bool recursive, UniqueStrings& names)
 {
     IXMLDOMNodeListPtr children;
     node->get_childNodes(&children);
@@ -44,7 +46,9 @@ void CollectNames(IXMLDOMNode* node, bool recursive, CStringArray& names)
     {
         const IXMLDOMNodePtr child = NextNode(children);
         Require(child, L"pCurNode is NULL!");
-        names.Add(static_cast<const wchar_t*>(GetNodeName(child)));
+        DomText name;
+        Check(child->get_nodeName(name.Out()), child.GetInterfacePtr());
+        names.Append(name.Get());
         if (recursive)
         {
             CollectNames(child, recursive, names);
@@ -141,9 +145,8 @@ CStringArray* GetNodeNames(const IXMLDOMNodePtr& node, bool recursive)
     Require(node, L"pNode is NULL!");
     OwnedStringArray names(MakeArray<CStringArray>());
     Require(names != nullptr, L"pNames is NULL!");
-    CStringArray all;
-    CollectNames(node, recursive, all);
-    AppendUniqueStrings(all, *names);
+    UniqueStrings unique(*names);
+    CollectNames(node, recursive, unique);
     return names.release();
 }
 
@@ -177,7 +180,7 @@ CStringArray* GetAttributeValuesOfNodes(const QuonNodeArray* nodes, const CStrin
     Require(nodes->GetSize() != 0, L"DesiredChildNodesLen = 0!");
     OwnedStringArray values = std::make_unique<CStringArray>();
     values->SetSize(0, nodes->GetSize());
-    const _bstr_t name = ToBstr(attribute);
+    const DomArgument name(attribute);
     for (INT_PTR i = 0; i < nodes->GetSize(); ++i)
     {
         if (nodes->GetAt(i) != nullptr)
@@ -191,7 +194,7 @@ CStringArray* GetAttributeValuesOfNodes(const QuonNodeArray* nodes, const CStrin
 CString GetAttributeValue(const IXMLDOMNodePtr& node, const CString& attribute)
 {
     Require(node, L"pNode is NULL!");
-    return AttributeText(node, ToBstr(attribute));
+    return AttributeText(node, DomArgument(attribute));
 }
 
 CString GetAttributeValueByName(const IXMLDOMNodePtr& node, const CString& attribute)
@@ -225,7 +228,7 @@ void GetAllAttributes(const IXMLDOMNodePtr& node, CStringArray& names, CStringAr
     {
         const IXMLDOMNodePtr attribute = NextNode(attributes);
         Require(attribute, L"pCurAttribute is NULL!");
-        names.Add(static_cast<const wchar_t*>(GetNodeName(attribute)));
+        names.Add(NameOf(attribute));
         values.Add(TextOfVariant(GetNodeValue(attribute)));
     }
 }

@@ -105,7 +105,7 @@ private:
             }
         }
         const INT_PTR kept = std::min(size, capacity);
-        if (kept > 0)
+        if (data != nullptr && newData != nullptr)
         {
             std::uninitialized_move(data, data + kept, newData);
         }

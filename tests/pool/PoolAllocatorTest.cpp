@@ -135,7 +135,7 @@ TEST(QuonPoolAllocator, KeepsItsNewestPageWhileItLives)
             EXPECT_EQ(HeaderOf(newPage).inUse, 2u);
             nodes.Free(node);
             EXPECT_EQ(HeaderOf(newPage).capacity, 84u);
-            EXPECT_EQ(HeaderOf(newPage).inUse, 1u);
+            EXPECT_EQ(HeaderOf(newPage).inUse, 2u) << "the element that came back is kept for the next request";
         }
         for (Node* node : first)
         {
@@ -143,9 +143,28 @@ TEST(QuonPoolAllocator, KeepsItsNewestPageWhileItLives)
             nodes.Free(node);
         }
         EXPECT_EQ(HeaderOf(oldPage).capacity, 0u) << "older pages return at once";
-        EXPECT_EQ(HeaderOf(newPage).inUse, 1u);
+        EXPECT_EQ(HeaderOf(newPage).inUse, 2u);
     }
     EXPECT_EQ(HeaderOf(newPage).capacity, 0u) << "the newest page returns with its allocator";
+}
+
+TEST(QuonPoolAllocator, KeepsTheElementThatCameBackLast)
+{
+    QuonPoolAllocator<Node> nodes;
+    Node* const one = nodes.Allocate();
+    Node* const other = nodes.Allocate();
+    const std::uint32_t inUse = HeaderOf(PageOf(one)).inUse;
+    nodes.Free(one);
+    EXPECT_EQ(HeaderOf(PageOf(one)).inUse, inUse) << "kept";
+    EXPECT_EQ(nodes.GetCount(), 1u);
+    nodes.Free(other);
+    EXPECT_EQ(HeaderOf(PageOf(one)).inUse, inUse - 1) << "only one is kept";
+    EXPECT_EQ(nodes.GetCount(), 0u);
+    EXPECT_EQ(nodes.Allocate(), one);
+    EXPECT_EQ(nodes.Allocate(), other);
+    EXPECT_EQ(HeaderOf(PageOf(one)).inUse, inUse);
+    nodes.Free(one);
+    nodes.Free(other);
 }
 
 struct Counted

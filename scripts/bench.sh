@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# Measures the library beside its peers: bench.sh [--plot] [--quick] [AREA...]
+# Builds the release preset, prints a table for each area, keeps it in benchmarks/results and puts it into
+# docs/performance.md. --plot draws the bar charts of that page anew (needs python3-matplotlib, which it installs);
+# --quick repeats little, to see whether something changed.
+set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+plot= repetitions=9 time=0.05 areas=()
+for argument in "$@"; do
+  case $argument in
+    --plot) plot=1 ;;
+    --quick) repetitions=3 time=0.02 ;;
+    -*) die "unknown option $argument" ;;
+    *) areas+=("$argument") ;;
+  esac
+done
+
+"$top/scripts/setup.sh"
+"$top/scripts/benchmark-sources.sh"
+[ -z "$plot" ] || python3 -c 'import matplotlib' 2>/dev/null || "$top/scripts/setup.sh" python3-matplotlib
+build mingw-release benchmarks
+bin=$top/build/mingw-release/bin
+if [ ${#areas[@]} = 0 ]; then
+  for program in "$bin"/benchmark_*.exe; do area=${program##*/benchmark_}; areas+=("${area%.exe}"); done
+fi
+
+raw=$top/build/benchmarks
+mkdir -p "$raw" "$top/benchmarks/results" "$top/docs/pictures"
+cd "$raw"
+for area in "${areas[@]}"; do
+  say "$area"
+  # The contenders take turns, so that what else the machine does meets all of them.
+  "$top/scripts/wine-run.sh" "$bin/benchmark_$area.exe" --benchmark_repetitions=$repetitions \
+    --benchmark_min_time=$time --benchmark_enable_random_interleaving=true \
+    --benchmark_out="$area.json" --benchmark_out_format=json >"$area.log" 2>&1 </dev/null ||
+    { tail -n 5 "$area.log" >&2; die "benchmark_$area failed"; }
+  grep -q '^benchmarks done' "$area.log" || die "benchmark_$area ended before its work did"
+  result=$top/benchmarks/results/$area.json
+  "$top/scripts/benchmark-report.py" "$area" "$area.json" "$result"
+  [ -z "$plot" ] || "$top/scripts/benchmark-report.py" --plot "$area" "$result" "$top/docs/pictures/performance-$area.svg"
+done
+if [ -f "$top/docs/performance.md" ]; then "$top/scripts/benchmark-report.py" --page "$top/docs/performance.md"; fi
