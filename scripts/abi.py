@@ -128,6 +128,7 @@ def plain_type(text):
     text = re.sub(r"_com_ptr_t<_com_IIID<(\w+), [^>]*> ?>", r"_com_ptr_t<\1>", text)
     text = re.sub(r"\b_Bool\b", "bool", text)
     text = re.sub(r"\b_(FILETIME|WIN32_FIND_DATAW)\b", r"\1", text)
+    text = re.sub(r"\b_WIN32_FILE_ATTRIBUTES?_DATA\b", "WIN32_FILE_ATTRIBUTE_DATA", text)  # an "S" of Wine's own
     text = re.sub(r"\b_RTL_CRITICAL_SECTION\b", "CRITICAL_SECTION", text)
     return re.sub(r" ([*&>])", r"\1", text)
 
