@@ -13,5 +13,9 @@ void AddSplitCommand(CLI::App& app);
 void AddPointsCommand(CLI::App& app);
 void AddSortCommand(CLI::App& app);
 void AddAngleCommand(CLI::App& app);
+void AddLandXmlCommand(CLI::App& app);
+void AddWatchCommand(CLI::App& app);
+void AddModifiedCommand(CLI::App& app);
+void AddBrowseCommand(CLI::App& app);
 
 }  // namespace quonhost

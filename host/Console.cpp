@@ -32,6 +32,14 @@ std::wstring ToWide(std::string_view text)
     return result;
 }
 
+std::wstring FullPath(std::string_view path)
+{
+    const std::wstring relative = ToWide(path);
+    std::wstring full(::GetFullPathNameW(relative.c_str(), 0, nullptr, nullptr), L'\0');
+    full.resize(::GetFullPathNameW(relative.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    return full;
+}
+
 void PrintLine(std::wstring_view text)
 {
     const std::string line = ToUtf8(text) + '\n';

@@ -24,6 +24,9 @@ public:
     explicit CommandError(std::wstring_view text);
 };
 
+/// The path of a file or folder, from the current folder on where it is relative, written with `\`.
+std::wstring FullPath(std::string_view path);
+
 std::string ToUtf8(std::wstring_view text);
 std::wstring ToWide(std::string_view text);
 

@@ -26,6 +26,7 @@ constexpr unsigned int kWidth = 40;
 std::atomic<bool> stopAsked = false;
 unsigned int total = 0;
 bool isDrawing = false;
+bool hasDrawn = false;  // since the bar began
 
 BOOL WINAPI OnConsoleEvent(DWORD event)
 {
@@ -47,6 +48,18 @@ void Draw(unsigned int position)
     const std::string line = "\r[" + std::string(filled, '#') + std::string(kWidth - filled, ' ') + "] " +
                              std::to_string(position) + " of " + std::to_string(total);
     std::fwrite(line.data(), 1, line.size(), stderr);
+    hasDrawn = true;
+}
+
+// Work in several parts has a bar for each, on a line of its own.
+void Begin(unsigned int newTotal)
+{
+    total = newTotal;
+    if (hasDrawn)
+    {
+        std::fputs("\n", stderr);
+        hasDrawn = false;
+    }
 }
 
 int OnProgress(int command, unsigned int a, LPARAM)
@@ -56,7 +69,7 @@ int OnProgress(int command, unsigned int a, LPARAM)
         case kPoll:
             return stopAsked ? 1 : 0;
         case kBegin:
-            total = a;
+            Begin(a);
             break;
         case kSetPosition:
             if (isDrawing)
@@ -82,6 +95,7 @@ ProgressBar::ProgressBar(bool draw)
     stopAsked = false;
     total = 0;
     isDrawing = draw;
+    hasDrawn = false;
     ::SetConsoleCtrlHandler(&OnConsoleEvent, TRUE);
     SetProgressCallback(&OnProgress);
 }

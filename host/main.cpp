@@ -35,6 +35,10 @@ int Run(int count, wchar_t** arguments)
     quonhost::AddPointsCommand(app);
     quonhost::AddSortCommand(app);
     quonhost::AddAngleCommand(app);
+    quonhost::AddLandXmlCommand(app);
+    quonhost::AddWatchCommand(app);
+    quonhost::AddModifiedCommand(app);
+    quonhost::AddBrowseCommand(app);
     try
     {
         app.parse(ReversedArguments(count, arguments));

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the release preset and shows the library at its main work, through the console host,
-# on real input: the C++ headers of the installed compiler. What the host reports is compared with what the operating
-# system says; a difference ends the demonstration with a failure.
+# on real input: the C++ headers of the installed compiler and a survey. What the host reports is compared with what the
+# operating system says; a difference ends the demonstration with a failure.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -41,4 +41,24 @@ say "removing the mirror"
 quonhost remove "$(windows_path "$scratch/mirror")"
 [ ! -e "$scratch/mirror" ] || die "the mirror is still there"
 echo "   gone"
+
+samples=$top/host/samples
+site=$(windows_path "$scratch/site.xml")
+say "exporting the survey of host/samples as LandXML, with its surface"
+quonhost landxml export "$(windows_path "$samples/points.csv")" "$site" \
+  --faces "$(windows_path "$samples/faces.csv")" --project "Sample site"
+xmllint --noout "$scratch/site.xml" || die "xmllint does not read the document"
+quonhost landxml info "$site"
+same "points" "$(quonhost landxml info "$site" | sed -n 's/^points  *\(.*\)/\1 points/p')" \
+  "$(($(wc -l <"$samples/points.csv") - 1)) points"
+same "faces" "$(quonhost landxml info "$site" | sed -n 's/^surface .* \([0-9]* faces\),.*/\1/p')" \
+  "$(($(wc -l <"$samples/faces.csv") - 1)) faces"
+
+say "points 1-3, 100 and 101 of it"
+quonhost landxml points "$site" --points "1-3, 100, 101"
+
+say "all of its points, back as comma-separated values"
+quonhost landxml points "$site" --points 1-9999 --csv >"$scratch/points.csv"
+diff "$samples/points.csv" "$scratch/points.csv" || die "the points that came back differ from the survey"
+echo "   every number and code is the same, byte for byte"
 say "done"

@@ -7,7 +7,9 @@ a symbol that goes leaves its number behind in a line "; retired @NUMBER NAME".
   exports.py propose DEF OBJECTS   numbers for the exported symbols of the object files (OBJECTS: a file with one path a
                                    line) that the list does not have yet; with --write they are appended to the list
   exports.py check DEF DLL         the list itself and the built DLL against it
-  exports.py history DEF           every number that ever stood in the committed list still means the same
+  exports.py history DEF           every number that ever stood in the committed list still means the same; with
+                                   --version X.Y.Z a symbol of a release (a tag vA.B.C) may be retired in a later major
+                                   version only (before 1.0.0 in a later minor one)
 """
 import argparse
 import os
@@ -178,6 +180,26 @@ class Repository:
         return done.stdout
 
 
+def compatible_part(version):
+    """What changes with every incompatible change: the major version, before 1.0.0 the minor one too."""
+    major, minor = (int(part) for part in version.split(".")[:2])
+    return (major, 0) if major else (0, minor)
+
+
+def too_early(repository, path, version, retired):
+    """Faults for the symbols that a release of the same major version still had."""
+    faults = []
+    for tag in repository.output("tag", "--list", "v[0-9]*").split():
+        if compatible_part(tag[1:]) < compatible_part(version) or \
+                not repository.output("ls-tree", "--name-only", tag, "--", path.name):
+            continue
+        for name, number in parse_list(repository.output("show", f"{tag}:./{path.name}"))[0].items():
+            if number in retired:
+                faults.append(f"{name} (number {number}) is in release {tag} and retired in {version}: "
+                              "that takes a new major version")
+    return faults
+
+
 def history(arguments):
     path = Path(arguments.list)
     numbers, _, retired, faults = parse_list(path.read_text())
@@ -193,6 +215,8 @@ def history(arguments):
         for name, number in parse_list(repository.output("show", f"{commit}:./{path.name}"))[0].items():
             if now.get(number) != name:
                 faults.append(f"{commit} gave number {number} to {name}; now it means {now.get(number, 'nothing')}")
+    if arguments.version:
+        faults += too_early(repository, path, arguments.version, retired)
     finish(sorted(set(faults)), f"the numbers of {len(commits)} committed lists still mean the same")
 
 
@@ -212,6 +236,8 @@ def main():
             command.add_argument(argument)
         if name == "propose":
             command.add_argument("--write", action="store_true", help="append the proposed lines to the list")
+        if name == "history":
+            command.add_argument("--version", help="the version that is being built")
         command.set_defaults(function=function)
     arguments = parser.parse_args()
     arguments.function(arguments)

@@ -1,8 +1,8 @@
 #include "xml/ComHelpers.h"
 
 #include <ctime>
-#include <string_view>
-#include <unordered_set>
+
+#include "xml/UniqueStringsInternal.h"
 
 namespace
 {
@@ -18,12 +18,6 @@ CString SystemText(HRESULT result)
     CString copy(length == 0 ? nullptr : text);
     ::LocalFree(text);
     return copy;
-}
-
-// The view stays valid as long as some string shares the characters: an array that grows moves only the strings.
-std::wstring_view ViewOf(const CString& string)
-{
-    return std::wstring_view(string.GetString());
 }
 
 }  // namespace
@@ -53,18 +47,10 @@ CString FormatLocalTime(__time64_t time, const wchar_t* format)
 
 void AppendUniqueStrings(const CStringArray& source, CStringArray& target)
 {
-    std::unordered_set<std::wstring_view> known;
-    for (INT_PTR i = 0; i < target.GetSize(); ++i)
-    {
-        known.insert(ViewOf(target[i]));
-    }
+    xml_internal::UniqueStrings unique(target);
     for (INT_PTR i = 0; i < source.GetSize(); ++i)
     {
-        if (known.find(ViewOf(source[i])) == known.end())
-        {
-            const INT_PTR added = target.Add(source[i]);
-            known.insert(ViewOf(target[added]));
-        }
+        unique.Append(source[i]);
     }
 }
 

@@ -7,6 +7,10 @@
 
 #include "module/Export.h"
 
+#if defined(_MSC_VER)
+#pragma warning(push)
+#pragma warning(disable : 4275)  // The base has no code of its own: it need not be exported.
+#endif
 /// An `IStream` over a Win32 file handle that can write a new file and nothing else: there is no way to open it for
 /// reading, and everything but reading and writing fails with `E_FAIL`. It counts references atomically, starts with
 /// one and deletes itself with the last; the file is closed then. Made with `new`.
@@ -64,3 +68,6 @@ private:
     /// Not virtual, so that the operations keep the slots of a stream. `Release` calls it.
     ~QuonFileStream();
 };
+#if defined(_MSC_VER)
+#pragma warning(pop)
+#endif

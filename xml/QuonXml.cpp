@@ -5,11 +5,13 @@
 #include <new>
 
 #include "xml/QuonFileStream.h"
+#include "xml/XmlInternal.h"
 
 namespace
 {
 
 using namespace MSXML2;
+using xml_internal::NameOf;
 
 constexpr long kReadyStateComplete = 4;
 constexpr int kPathCharacters = 260;
@@ -278,8 +280,14 @@ HRESULT QuonXml::LoadFromMemory(const IXMLDOMDocumentPtr& document, const unsign
 
 bool QuonXml::WalkTree(QuonXmlVisitor visitor, __int64 user)
 {
-    const IXMLDOMNodePtr node(m_pDoc);
-    return visitor == nullptr || !node ? true : WalkNode(node, 0, visitor, user);
+    // A document that cannot be asked, for whatever reason, is nothing to walk: no failure is raised here.
+    IXMLDOMNodePtr node;
+    if (visitor == nullptr || !m_pDoc ||
+        FAILED(m_pDoc->QueryInterface(__uuidof(IXMLDOMNode), reinterpret_cast<void**>(&node))))
+    {
+        return true;
+    }
+    return WalkNode(node, 0, visitor, user);
 }
 
 bool QuonXml::WalkNode(IXMLDOMNodePtr node, int depth, QuonXmlVisitor visitor, __int64 user)
@@ -288,7 +296,7 @@ bool QuonXml::WalkNode(IXMLDOMNodePtr node, int depth, QuonXmlVisitor visitor, _
     {
         return true;
     }
-    bool goOn = visitor(static_cast<const wchar_t*>(GetNodeName(node)), node, user);
+    bool goOn = visitor(NameOf(node), node, user);
     const IXMLDOMNamedNodeMapPtr attributes = goOn ? GetAttributes(node) : IXMLDOMNamedNodeMapPtr();
     while (goOn && attributes)
     {
@@ -297,7 +305,7 @@ bool QuonXml::WalkNode(IXMLDOMNodePtr node, int depth, QuonXmlVisitor visitor, _
         {
             break;
         }
-        goOn = visitor(static_cast<const wchar_t*>(GetNodeName(attribute)), attribute, user);
+        goOn = visitor(NameOf(attribute), attribute, user);
     }
     for (IXMLDOMNodePtr child = goOn ? GetFirstChild(node) : IXMLDOMNodePtr(); goOn && child;
          child = GetNextSibling(child))

@@ -111,7 +111,7 @@ IXMLDOMNodePtr AppendRoot(const IXMLDOMDocumentPtr& document, const CStringArray
     IXMLDOMNodePtr root;
     if (roots.GetSize() > 0 && !roots[0].IsEmpty())
     {
-        const IXMLDOMNodePtr created(CreateElement(document, ToBstr(roots[0])));
+        const IXMLDOMNodePtr created = MakeElement(document, roots[0]);
         root = created ? AppendChild(document, created) : IXMLDOMNodePtr();
     }
     for (INT_PTR i = 1; root && i < roots.GetSize(); ++i)
@@ -194,7 +194,7 @@ void WriteSteps(const IXMLDOMDocumentPtr& document, const CString& fileName, con
 
 IXMLDOMNodePtr AppendNewElement(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& parent, const CString& name)
 {
-    const IXMLDOMNodePtr created(CreateElement(document, ToBstr(name)));
+    const IXMLDOMNodePtr created = MakeElement(document, name);
     IXMLDOMNodePtr appended;
     if (created)
     {

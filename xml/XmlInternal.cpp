@@ -1,5 +1,7 @@
 #include "xml/XmlInternal.h"
 
+#include <cwchar>
+
 namespace xml_internal
 {
 
@@ -28,6 +30,29 @@ CString TextOfVariant(const VARIANT& value)
     _variant_t text;
     return SUCCEEDED(::VariantChangeType(&text, const_cast<VARIANT*>(&value), 0, VT_BSTR)) ? CString(text.bstrVal)
                                                                                            : CString();
+}
+
+bool IsText(const VARIANT& value, const CString& text)
+{
+    if (value.vt != VT_BSTR)
+    {
+        return TextOfVariant(value) == text;
+    }
+    return std::wcscmp(value.bstrVal == nullptr ? L"" : value.bstrVal, text) == 0;
+}
+
+CString NameOf(MSXML2::IXMLDOMNode* node)
+{
+    DomText name;
+    MSXML2::Check(MSXML2::NotNull(node)->get_nodeName(name.Out()), node);
+    return CString(name.Get());
+}
+
+MSXML2::IXMLDOMNodePtr MakeElement(MSXML2::IXMLDOMDocument* document, const CString& name)
+{
+    MSXML2::IXMLDOMElementPtr element;
+    MSXML2::Check(MSXML2::NotNull(document)->createElement(DomArgument(name), &element), document);
+    return QueryFor<MSXML2::IXMLDOMNodePtr>(element);
 }
 
 }  // namespace xml_internal

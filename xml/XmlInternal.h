@@ -49,6 +49,28 @@ inline _bstr_t ToBstr(const CString& text)
     return _bstr_t(text.GetString());
 }
 
+/// A text made for one DOM call and freed at the end of its life. Lighter than `_bstr_t` where it is made once per
+/// node.
+class DomArgument
+{
+public:
+    explicit DomArgument(const CString& text) : m_text(::SysAllocString(text.GetString()))
+    {
+        if (m_text == nullptr)
+        {
+            _com_issue_error(E_OUTOFMEMORY);
+        }
+    }
+    ~DomArgument() { ::SysFreeString(m_text); }
+    DomArgument(const DomArgument&) = delete;
+    DomArgument& operator=(const DomArgument&) = delete;
+
+    operator BSTR() const { return m_text; }
+
+private:
+    BSTR m_text;
+};
+
 /// Text that the DOM handed out, freed at the end of its life. Lighter than `_bstr_t` where it is made once per node.
 class DomText
 {
@@ -71,33 +93,41 @@ private:
     BSTR m_text = nullptr;
 };
 
-/// Text for one call of the DOM: `_bstr_t` without its count of owners, which is an allocation of its own. Raises
-/// `E_OUTOFMEMORY` when there is no memory, as `_bstr_t` does.
-class DomArgument
+/// The name of a node.
+CString NameOf(MSXML2::IXMLDOMNode* node);
+
+/// Another interface of `object`: empty when it does not have it or is empty itself; any other failed query is raised.
+/// What the conversion of smart pointers does, without the copy that some of them make.
+template <typename Pointer>
+Pointer QueryFor(IUnknown* object)
 {
-public:
-    explicit DomArgument(const CString& text) : m_text(::SysAllocString(text.GetString()))
+    typename Pointer::Interface* found = nullptr;
+    if (object != nullptr)
     {
-        if (m_text == nullptr)
+        const HRESULT result = object->QueryInterface(Pointer::GetIID(), reinterpret_cast<void**>(&found));
+        if (FAILED(result))
         {
-            _com_issue_error(E_OUTOFMEMORY);
+            found = nullptr;
+            if (result != E_NOINTERFACE)
+            {
+                _com_issue_error(result);
+            }
         }
     }
-    ~DomArgument() { ::SysFreeString(m_text); }
-    DomArgument(const DomArgument&) = delete;
-    DomArgument& operator=(const DomArgument&) = delete;
+    return Pointer(found, false);
+}
 
-    BSTR Get() const { return m_text; }
-
-private:
-    BSTR m_text;
-};
+/// Makes an element that is not in the tree yet. @return the element as a node; empty when the document made none
+MSXML2::IXMLDOMNodePtr MakeElement(MSXML2::IXMLDOMDocument* document, const CString& name);
 
 /// The value as text; "" for a value that is no text and cannot be made one.
 CString TextOfVariant(const VARIANT& value);
 
+/// Whether `value` as text is `text`.
+bool IsText(const VARIANT& value, const CString& text);
+
 /// The value of an attribute of `node`; "" for a node that has no such attribute or cannot have any.
-CString AttributeText(MSXML2::IXMLDOMNode* node, const _bstr_t& name);
+CString AttributeText(MSXML2::IXMLDOMNode* node, BSTR name);
 
 /// The first of the nodes that `CollectNodesWithAttributes` finds, searching recursively; empty when there is none.
 MSXML2::IXMLDOMNodePtr FirstNodeWithAttribute(const MSXML2::IXMLDOMNodeListPtr& nodes, const CString& name,

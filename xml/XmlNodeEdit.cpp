@@ -18,37 +18,33 @@ void AppendCreated(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, c
     const IXMLDOMNodePtr created = create();
     Require(created, L"pCreatedNode is NULL!");
     Require(root, L"pRootNode is NULL!");
-    const IXMLDOMNodePtr appended = AppendChild(root, created);
+    IXMLDOMNodePtr appended = AppendChild(root, created);
     Require(appended, L"pAppendedNode is NULL!");
-    result = appended;
+    result.Attach(appended.Detach());
 }
 
-// Elements and texts are made by the thousand. They are nodes as they come, without a query for that interface.
-
-IXMLDOMNodePtr NewElement(IXMLDOMDocument* document, const CString& name)
+// The parser refuses a name here that an attribute cannot have. The attribute itself is not used.
+bool CanMakeAttribute(IXMLDOMDocument* document, BSTR name)
 {
-    IXMLDOMElement* element = nullptr;
-    Check(document->createElement(DomArgument(name).Get(), &element), document);
-    return IXMLDOMNodePtr(static_cast<IXMLDOMNode*>(element), false);
+    IXMLDOMAttributePtr attribute;
+    Check(document->createAttribute(name, &attribute), document);
+    return attribute;
 }
 
-IXMLDOMNodePtr NewText(IXMLDOMDocument* document, const CString& text)
+void SetAttributeOf(IXMLDOMElement* element, BSTR name, const CString& value)
 {
-    IXMLDOMText* node = nullptr;
-    Check(document->createTextNode(DomArgument(text).Get(), &node), document);
-    return IXMLDOMNodePtr(static_cast<IXMLDOMNode*>(node), false);
+    Check(element->setAttribute(name, _variant_t(value.GetString())), element);
 }
 
 void SetOneAttribute(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& node, const CString& name,
                      const CString& value)
 {
     Require(document, L"pDoc is NULL!");
-    const _bstr_t attribute = ToBstr(name);
-    // The parser refuses a name here that an attribute cannot have.
-    Require(CreateAttribute(document, attribute), L"pCreatedNode is NULL!");
-    const IXMLDOMElementPtr element(node);
+    const DomArgument attribute(name);
+    Require(CanMakeAttribute(document, attribute), L"pCreatedNode is NULL!");
+    const IXMLDOMElementPtr element = QueryFor<IXMLDOMElementPtr>(node);
     Require(element, L"pRootNode is NULL!");
-    SetAttribute(element, attribute, _variant_t(value.GetString()));
+    SetAttributeOf(element, attribute, value);
 }
 
 }  // namespace
@@ -56,19 +52,21 @@ void SetOneAttribute(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& n
 void AppendElement(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
                    const CString& name)
 {
-    AppendCreated(result, document, root, [&] { return NewElement(document, name); });
+    AppendCreated(result, document, root, [&] { return MakeElement(document, name); });
 }
 
 void AppendTextChild(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
                      const CString& text)
 {
-    AppendCreated(result, document, root, [&] { return NewText(document, text); });
+    AppendCreated(result, document, root,
+                  [&] { return QueryFor<IXMLDOMNodePtr>(CreateTextNode(document, ToBstr(text))); });
 }
 
 void AppendCDataChild(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
                       const CString& data)
 {
-    AppendCreated(result, document, root, [&] { return IXMLDOMNodePtr(CreateCDataSection(document, ToBstr(data))); });
+    AppendCreated(result, document, root,
+                  [&] { return QueryFor<IXMLDOMNodePtr>(CreateCDataSection(document, ToBstr(data))); });
 }
 
 void AppendNodeOfType(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
@@ -90,7 +88,7 @@ IXMLDOMNodePtr AppendNewElementToRoot(const IXMLDOMDocumentPtr& document, const 
 {
     Require(root, L"pRootNode is NULL!");
     Require(document, L"pDoc is NULL!");
-    const IXMLDOMNodePtr element = NewElement(document, name);
+    const IXMLDOMNodePtr element = MakeElement(document, name);
     Require(element, L"pNewElement is NULL!");
     return AppendChild(root, element);
 }
@@ -141,9 +139,9 @@ bool SetAttributesOnNode(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePt
     Require(element, L"pRootNode is NULL!");
     for (INT_PTR i = 0; i < names.GetSize() && i < values.GetSize(); ++i)
     {
-        const _bstr_t attribute = ToBstr(names[i]);
-        Require(CreateAttribute(document, attribute), L"pDesiredAttribute is NULL!");
-        SetAttribute(element, attribute, _variant_t(values[i].GetString()));
+        const DomArgument attribute(names[i]);
+        Require(CanMakeAttribute(document, attribute), L"pDesiredAttribute is NULL!");
+        SetAttributeOf(element, attribute, values[i]);
     }
     return true;
 }

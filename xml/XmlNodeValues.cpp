@@ -1,6 +1,7 @@
 #include "xml/XmlNodes.h"
 
 #include "xml/ComHelpers.h"
+#include "xml/UniqueStringsInternal.h"
 #include "xml/XmlInternal.h"
 
 namespace xml_internal
@@ -8,14 +9,15 @@ namespace xml_internal
 
 using namespace MSXML2;
 
-CString AttributeText(IXMLDOMNode* node, const _bstr_t& name)
+CString AttributeText(IXMLDOMNode* node, BSTR name)
 {
     const IXMLDOMNamedNodeMapPtr attributes = GetAttributes(node);
     if (!attributes)
     {
         return CString();
     }
-    const IXMLDOMNodePtr attribute = GetNamedItem(attributes, name);
+    IXMLDOMNodePtr attribute;
+    Check(attributes->getNamedItem(name, &attribute), attributes.GetInterfacePtr());
     return attribute ? TextOfVariant(GetNodeValue(attribute)) : CString();
 }
 
@@ -35,7 +37,7 @@ namespace
 using namespace MSXML2;
 using namespace xml_internal;
 
-void CollectNames(IXMLDOMNode* node, bool recursive, CStringArray& names)
+void CollectNames(IXMLDOMNode* node, bool recursive, UniqueStrings& names)
 {
     IXMLDOMNodeListPtr children;
     node->get_childNodes(&children);
@@ -44,7 +46,9 @@ void CollectNames(IXMLDOMNode* node, bool recursive, CStringArray& names)
     {
         const IXMLDOMNodePtr child = NextNode(children);
         Require(child, L"pCurNode is NULL!");
-        names.Add(static_cast<const wchar_t*>(GetNodeName(child)));
+        DomText name;
+        Check(child->get_nodeName(name.Out()), child.GetInterfacePtr());
+        names.Append(name.Get());
         if (recursive)
         {
             CollectNames(child, recursive, names);
@@ -141,9 +145,8 @@ CStringArray* GetNodeNames(const IXMLDOMNodePtr& node, bool recursive)
     Require(node, L"pNode is NULL!");
     OwnedStringArray names(MakeArray<CStringArray>());
     Require(names != nullptr, L"pNames is NULL!");
-    CStringArray all;
-    CollectNames(node, recursive, all);
-    AppendUniqueStrings(all, *names);
+    UniqueStrings unique(*names);
+    CollectNames(node, recursive, unique);
     return names.release();
 }
 
@@ -152,9 +155,7 @@ CStringArray* GetTextsOfNodes(const QuonNodeArray* nodes)
     Require(nodes != nullptr, L"pDesiredChildNodes is NULL!");
     Require(nodes->GetSize() != 0, L"DesiredChildNodesLen = 0!");
     OwnedStringArray texts = std::make_unique<CStringArray>();
-    // Made at once and cut at the end: adding one at a time copies each text's owner twice.
-    texts->SetSize(nodes->GetSize(), nodes->GetSize());
-    INT_PTR count = 0;
+    texts->SetSize(0, nodes->GetSize());  // one allocation for all
     for (INT_PTR i = 0; i < nodes->GetSize(); ++i)
     {
         IXMLDOMNode* const node = nodes->GetAt(i);
@@ -168,9 +169,8 @@ CStringArray* GetTextsOfNodes(const QuonNodeArray* nodes)
         {
             throw L"Exception on CurNode->get_nodeValue():\n" + FormatHResultText(result);
         }
-        texts->ElementAt(count++) = text.Get();
+        texts->Add(text.Get());
     }
-    texts->SetSize(count);
     return texts.release();
 }
 
@@ -179,24 +179,22 @@ CStringArray* GetAttributeValuesOfNodes(const QuonNodeArray* nodes, const CStrin
     Require(nodes != nullptr, L"pNodes is NULL!");
     Require(nodes->GetSize() != 0, L"DesiredChildNodesLen = 0!");
     OwnedStringArray values = std::make_unique<CStringArray>();
-    values->SetSize(nodes->GetSize(), nodes->GetSize());
-    INT_PTR count = 0;
-    const _bstr_t name = ToBstr(attribute);
+    values->SetSize(0, nodes->GetSize());
+    const DomArgument name(attribute);
     for (INT_PTR i = 0; i < nodes->GetSize(); ++i)
     {
         if (nodes->GetAt(i) != nullptr)
         {
-            values->ElementAt(count++) = AttributeText(nodes->GetAt(i), name);
+            values->Add(AttributeText(nodes->GetAt(i), name));
         }
     }
-    values->SetSize(count);
     return values.release();
 }
 
 CString GetAttributeValue(const IXMLDOMNodePtr& node, const CString& attribute)
 {
     Require(node, L"pNode is NULL!");
-    return AttributeText(node, ToBstr(attribute));
+    return AttributeText(node, DomArgument(attribute));
 }
 
 CString GetAttributeValueByName(const IXMLDOMNodePtr& node, const CString& attribute)
@@ -230,7 +228,7 @@ void GetAllAttributes(const IXMLDOMNodePtr& node, CStringArray& names, CStringAr
     {
         const IXMLDOMNodePtr attribute = NextNode(attributes);
         Require(attribute, L"pCurAttribute is NULL!");
-        names.Add(static_cast<const wchar_t*>(GetNodeName(attribute)));
+        names.Add(NameOf(attribute));
         values.Add(TextOfVariant(GetNodeValue(attribute)));
     }
 }

@@ -101,14 +101,15 @@ bool MeetsAll(IXMLDOMNode* node, const std::vector<AttributeCondition>& conditio
     }
     for (const AttributeCondition& condition : conditions)
     {
-        const IXMLDOMNodePtr attribute = GetNamedItem(attributes, condition.name);
+        IXMLDOMNodePtr attribute;
+        Check(attributes->getNamedItem(condition.name, &attribute), attributes.GetInterfacePtr());
         if (!attribute)
         {
             return false;
         }
         _variant_t value;
         RequireResult(attribute->get_nodeValue(&value));
-        if (TextOfVariant(value) != condition.value)
+        if (!IsText(value, condition.value))
         {
             return false;
         }
@@ -146,6 +147,7 @@ void AppendMissing(QuonNodeArray& growing, const QuonNodeArray& toAdd, const Rea
         return;
     }
     std::unordered_set<std::wstring> known;
+    known.reserve(static_cast<size_t>(growing.GetSize() + toAdd.GetSize()));
     std::wstring key;
     for (INT_PTR i = 0; i < growing.GetSize(); ++i)
     {
@@ -302,7 +304,7 @@ void AddNodesByAttribute(QuonNodeArray* growing, const QuonNodeArray* toAdd, con
     Require(!attribute.IsEmpty(), L"AttributeName is empty!");
     Require(growing != nullptr, L"pGrowingNodes is NULL!");
     Require(toAdd != nullptr, L"pNodesToAdd is NULL!");
-    const _bstr_t name = ToBstr(attribute);
+    const DomArgument name(attribute);
     AppendMissing(*growing, *toAdd,
                   [&](IXMLDOMNode* node, std::wstring& key)
                   {

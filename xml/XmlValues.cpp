@@ -8,7 +8,7 @@ namespace
 {
 
 using namespace MSXML2;
-using xml_internal::ToBstr;
+using namespace xml_internal;
 
 // -1 until asked, then 1 or 0. Without a lock: a race repeats the same answer.
 int g_nWindowsXPOrLater = -1;
@@ -32,11 +32,11 @@ _variant_t ReadValue(IXMLDOMNode* node, const CString& query, VARTYPE type)
 
 void WriteAttribute(const IXMLDOMNodePtr& node, const CString& name, const _variant_t& value)
 {
-    // The conversion gives an empty pointer for a node that is no element and raises for any other failed query.
-    const IXMLDOMElementPtr element(node);
+    // Empty for a node that is no element; any other failed query is raised.
+    const IXMLDOMElementPtr element = QueryFor<IXMLDOMElementPtr>(node);
     if (element)
     {
-        SetAttribute(element, ToBstr(name), value);
+        Check(element->setAttribute(DomArgument(name), value), element.GetInterfacePtr());
     }
 }
 

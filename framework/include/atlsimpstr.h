@@ -50,7 +50,7 @@ struct alignas(16) CStringData
 /// The empty string that all empty strings share.
 struct CNilStringData : CStringData
 {
-    wchar_t achNil[2];
+    alignas(CStringData) wchar_t achNil[2];  // where data() of the record points, in every ABI
 };
 }  // namespace ATL
 

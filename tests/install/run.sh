@@ -26,3 +26,13 @@ folder="Z:${scratch//\//\\}\\site"
 "$top/scripts/wine-run.sh" "$scratch/consumer/consumer.exe" "$folder" || fail "the consumer failed"
 left=$(cd "$scratch/site" && find . -type f)
 [ "$left" = ./plan.xml ] || fail "left are: $left"
+
+# The ZIP has what a user looks for.
+(cd "$build" && cpack -G ZIP -B "$scratch/package" >/dev/null) || fail "cpack failed"
+list=$(python3 -m zipfile -l "$scratch"/package/*.zip | awk '{ print $1 }')
+for file in bin/QuonWin32Utils.dll bin/QuonFramework.dll bin/quonhost.exe lib/libQuonWin32Utils.dll.a \
+  include/QuonWin32Utils/paths/QuonPath.h lib/cmake/QuonWin32Utils/QuonWin32UtilsConfig.cmake \
+  share/doc/QuonWin32Utils/manual/index.md share/doc/QuonWin32Utils/examples/worker/main.cpp \
+  share/QuonWin32Utils/debug/QuonWin32Utils.natvis share/QuonWin32Utils/debug/quon_gdb.py; do
+  grep -q "/$file\$" <<<"$list" || fail "the package lacks $file"
+done

@@ -86,9 +86,9 @@ class History(WithFolder):
         self.git("add", self.list.name)
         self.git("commit", "-m", "A list")
 
-    def history(self, text):
+    def history(self, text, *options):
         self.list.write_text(HEAD + text)
-        return run("history", self.list)
+        return run("history", self.list, *options)
 
     def setUp(self):
         super().setUp()
@@ -114,6 +114,22 @@ class History(WithFolder):
     def test_a_number_retired_under_another_name_is_a_fault(self):
         self.commit(entry("a", 100))
         self.assert_fails(self.history("; retired @100 b\n"), "gave number 100 to a; now it means b")
+
+    def test_a_symbol_of_a_release_goes_in_a_later_major_version_only(self):
+        self.commit(entry("a", 100) + entry("b", 101))
+        retired = "; retired @100 a\n" + entry("b", 101)
+        for release, version, passes in (("1.2.0", "1.3.0", False), ("1.2.0", "1.2.1", False), ("1.2.0", "2.0.0", True),
+                                         ("0.1.0", "0.1.7", False), ("0.1.0", "0.2.0", True), ("0.9.0", "1.0.0", True)):
+            with self.subTest(release=release, version=version):
+                self.git("tag", "v" + release)
+                done = self.history(retired, "--version", version)
+                if passes:
+                    self.assert_passes(done, "still mean the same")
+                else:
+                    self.assert_fails(done, f"a (number 100) is in release v{release} and retired in {version}: "
+                                            "that takes a new major version")
+                self.git("tag", "-d", "v" + release)
+        self.assert_passes(self.history(retired, "--version", "1.3.0"), "still mean the same")
 
     def test_a_faulty_list_is_a_fault(self):
         self.commit(entry("a", 100))

@@ -1,5 +1,6 @@
 #include "xml/ComHelpers.h"
 
+#include "support/ImportPatch.h"
 #include "xml/DomFakes.h"
 #include "xml/XmlTestSupport.h"
 
@@ -41,6 +42,46 @@ TEST(FormatHResultText, HoldsTheCodeAndTheSystemsText)
         SCOPED_TRACE(row.result);
         EXPECT_EQ(std::wstring(FormatHResultText(row.result).GetString()), row.text);
     }
+}
+
+// What the library asks of the system, and the buffers that it has given back.
+struct MessageRequest
+{
+    DWORD flags = 0, code = 0, language = 0;
+    bool bare = false;
+    void* buffer = nullptr;
+};
+MessageRequest g_request;
+std::vector<void*> g_freed;
+
+TEST(FormatHResultText, AsksTheSystemInItsLanguageAndFreesTheBuffer)
+{
+    g_request = {};
+    g_freed.clear();
+    const ImportPatch<DWORD(WINAPI*)(DWORD, LPCVOID, DWORD, DWORD, LPWSTR, DWORD, char**)> asking(
+        L"QuonWin32Utils.dll", "FormatMessageW",
+        [](DWORD flags, LPCVOID source, DWORD code, DWORD language, LPWSTR buffer, DWORD size, char** arguments)
+            WINAPI -> DWORD
+        {
+            g_request = {flags, code, language, source == nullptr && size == 0 && arguments == nullptr, nullptr};
+            const DWORD length = ::FormatMessageW(flags, source, code, language, buffer, size, arguments);
+            g_request.buffer = *reinterpret_cast<void**>(buffer);
+            return length;
+        });
+    const ImportPatch<decltype(&::LocalFree)> freeing(L"QuonWin32Utils.dll", "LocalFree",
+                                                      [](HLOCAL memory) WINAPI -> HLOCAL
+                                                      {
+                                                          g_freed.push_back(memory);
+                                                          return ::LocalFree(memory);
+                                                      });
+    FormatHResultText(E_FAIL);
+    EXPECT_EQ(g_request.flags, static_cast<DWORD>(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS |
+                                                  FORMAT_MESSAGE_FROM_SYSTEM));
+    EXPECT_EQ(g_request.code, static_cast<DWORD>(E_FAIL));
+    EXPECT_EQ(g_request.language, 0u);
+    EXPECT_TRUE(g_request.bare);
+    ASSERT_NE(g_request.buffer, nullptr);
+    EXPECT_EQ(g_freed, std::vector<void*>{g_request.buffer});
 }
 
 TEST(FormatLocalTime, FollowsTheFormatInLocalTime)

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -106,32 +107,35 @@ void Give(Interface* object, Interface** out)
     *out = object;
 }
 
-/// A list of given nodes.
-class FakeList : public Fake<IXMLDOMNodeList>
+/// What a list and a map of given nodes have in common.
+template <typename Interface>
+class FakeNodes : public Fake<Interface>
 {
 public:
     std::vector<MSXML2::IXMLDOMNodePtr> nodes;
+    std::optional<LONG> length;  ///< what it says it holds, when that is not the truth
     size_t cursor = 0;
 
     HRESULT STDMETHODCALLTYPE get_item(LONG index, IXMLDOMNode** item) override
     {
-        return plan.Run("get_item", [&] { return GiveNode(static_cast<size_t>(index), item); });
+        return this->plan.Run("get_item", [&] { return GiveNode(static_cast<size_t>(index), item); });
     }
-    HRESULT STDMETHODCALLTYPE get_length(LONG* length) override
+    HRESULT STDMETHODCALLTYPE get_length(LONG* out) override
     {
-        return plan.Run("get_length", [&] { return *length = static_cast<LONG>(nodes.size()), S_OK; });
+        return this->plan.Run("get_length",
+                              [&] { return *out = length.value_or(static_cast<LONG>(nodes.size())), S_OK; });
     }
     HRESULT STDMETHODCALLTYPE nextNode(IXMLDOMNode** item) override
     {
-        return plan.Run("nextNode", [&] { return GiveNode(cursor++, item); });
+        return this->plan.Run("nextNode", [&] { return GiveNode(cursor++, item); });
     }
     HRESULT STDMETHODCALLTYPE reset() override
     {
-        return plan.Run("reset", [&] { return cursor = 0, S_OK; });
+        return this->plan.Run("reset", [&] { return cursor = 0, S_OK; });
     }
     HRESULT STDMETHODCALLTYPE get__newEnum(IUnknown**) override { return E_NOTIMPL; }
 
-private:
+protected:
     HRESULT GiveNode(size_t index, IXMLDOMNode** item)
     {
         if (index >= nodes.size())
@@ -144,45 +148,21 @@ private:
     }
 };
 
-/// A map of given attributes.
-class FakeMap : public Fake<IXMLDOMNamedNodeMap>
+/// A list of given nodes.
+using FakeList = FakeNodes<IXMLDOMNodeList>;
+
+/// A map of given attributes: whatever name it is asked for, it gives the first.
+class FakeMap : public FakeNodes<IXMLDOMNamedNodeMap>
 {
 public:
-    std::vector<MSXML2::IXMLDOMNodePtr> nodes;
-    LONG length = 0;
-    size_t cursor = 0;
-
     HRESULT STDMETHODCALLTYPE getNamedItem(BSTR, IXMLDOMNode** item) override
     {
         return plan.Run("getNamedItem", [&] { return GiveNode(0, item); });
     }
-    HRESULT STDMETHODCALLTYPE get_length(LONG* out) override
-    {
-        return plan.Run("get_length", [&] { return *out = length, S_OK; });
-    }
-    HRESULT STDMETHODCALLTYPE nextNode(IXMLDOMNode** item) override
-    {
-        return plan.Run("nextNode", [&] { return GiveNode(cursor++, item); });
-    }
     HRESULT STDMETHODCALLTYPE setNamedItem(IXMLDOMNode*, IXMLDOMNode**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE removeNamedItem(BSTR, IXMLDOMNode**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE get_item(LONG, IXMLDOMNode**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE getQualifiedItem(BSTR, BSTR, IXMLDOMNode**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE removeQualifiedItem(BSTR, BSTR, IXMLDOMNode**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE reset() override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE get__newEnum(IUnknown**) override { return E_NOTIMPL; }
-
-private:
-    HRESULT GiveNode(size_t index, IXMLDOMNode** item)
-    {
-        if (index >= nodes.size())
-        {
-            *item = nullptr;
-            return S_FALSE;
-        }
-        Give(nodes[index].GetInterfacePtr(), item);
-        return S_OK;
-    }
 };
 
 /// A parse error with given properties.

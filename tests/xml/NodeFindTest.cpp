@@ -21,16 +21,6 @@ protected:
     {
         return GetChildNodes(Find(document, query));
     }
-
-    // The children of the root "a".
-    static void AddChildren(const IXMLDOMDocumentPtr& document, QuonNodeArray& nodes)
-    {
-        const IXMLDOMNodeListPtr children = ChildrenOf(document, L"a");
-        while (const IXMLDOMNodePtr child = NextNode(children))
-        {
-            AddNode(nodes, child);
-        }
-    }
 };
 
 TEST_F(XmlNodesFind, ReleasesAnArrayFromLastToFirst)
@@ -65,6 +55,14 @@ TEST_F(XmlNodesFind, ReleasesAnArrayFromLastToFirst)
     EXPECT_EQ(third.references, 1);
     ReleaseNodeArray(&nodes);
     EXPECT_EQ(nodes.GetSize(), 0);
+
+    struct Seen : QuonNodeArray
+    {
+        INT_PTR Growth() const { return m_nGrowBy; }
+    } growing;
+    growing.SetSize(3, 77);
+    ReleaseNodeArray(&growing);
+    EXPECT_EQ(growing.Growth(), 77) << "emptied without a new growth step";
 }
 
 TEST_F(XmlNodesFind, GivesTheChildNodesOfTheDocument)
@@ -173,6 +171,39 @@ TEST_F(XmlNodesFind, EachSearchAsksANodeOnce)
     EXPECT_EQ(list.plan.Count("get_item"), 0) << "reaching a node by its index may take as long as walking there";
 }
 
+TEST_F(XmlNodesFind, AListThatSaysItIsEmptyIsNotRead)
+{
+    ForwardingAnyNode node(Find(Parse(L"<b/>"), L"b"));
+    FakeList list;
+    list.nodes.emplace_back(&node);
+    const IXMLDOMNodeListPtr pointer(&list);
+    for (const LONG length : {0, -1})
+    {
+        list.length = length;
+        EXPECT_FALSE(FindFirstNodeByName(pointer, L"b", true));
+        EXPECT_FALSE(FindNodeByNameAndText(pointer, L"b", L"", true));
+        EXPECT_EQ(Ids(FindNodesByName(pointer, L"b", true)), L"");
+    }
+    EXPECT_EQ(list.plan.Count("nextNode"), 0);
+    list.plan.Replace("get_length", Returns(E_ACCESSDENIED));
+    EXPECT_EQ(ErrorOf([&] { FindFirstNodeByName(pointer, L"b", true); }), E_ACCESSDENIED);
+    EXPECT_EQ(ErrorOf([&] { FindNodeByNameAndText(pointer, L"b", L"", true); }), E_ACCESSDENIED);
+    EXPECT_EQ(StatusOf([&] { FindNodesByName(pointer, L"b", true); }),
+              L"_com_error = No IErrorInfo recorded - Error is undefined!");
+}
+
+TEST_F(XmlNodesFind, TheTextIsReadOnlyBehindTheName)
+{
+    ForwardingAnyNode other(Find(Parse(L"<c>y</c>"), L"c"));
+    ForwardingAnyNode node(Find(Parse(L"<b>y</b>"), L"b"));
+    FakeList list;
+    list.nodes.emplace_back(&other);
+    list.nodes.emplace_back(&node);
+    EXPECT_TRUE(FindNodeByNameAndText(IXMLDOMNodeListPtr(&list), L"b", L"y", false));
+    EXPECT_EQ(other.plan.Count("get_text"), 0);
+    EXPECT_EQ(node.plan.Count("get_text"), 1);
+}
+
 TEST_F(XmlNodesFind, FindsByNameAndText)
 {
     const IXMLDOMDocumentPtr document = Parse(kTree);
@@ -257,6 +288,45 @@ TEST_F(XmlNodesFind, CollectsByAllPairsThatHaveAName)
     }
 }
 
+TEST_F(XmlNodesFind, ValuesThatAreNoTextsAreComparedAsTexts)
+{
+    class Valued : public ForwardingAnyNode
+    {
+    public:
+        using ForwardingAnyNode::ForwardingAnyNode;
+        _variant_t value;
+        HRESULT STDMETHODCALLTYPE get_nodeValue(VARIANT* out) override { return ::VariantCopy(out, &value); }
+    };
+    const IXMLDOMNodePtr real = Find(Parse(L"<p/>"), L"p");
+    Valued attribute(real);
+    FakeMap map;
+    map.nodes.emplace_back(&attribute);
+    ForwardingAnyNode node(real);
+    node.attributes = &map;
+    FakeList list;
+    list.nodes.emplace_back(&node);
+    _variant_t null;
+    null.vt = VT_NULL;
+    struct Row
+    {
+        _variant_t value;
+        const wchar_t* text;
+    };
+    for (const Row& row : {Row{_variant_t(12L), L"12"}, Row{_variant_t(L"v"), L"v"}, Row{_variant_t(L""), L""},
+                           Row{_variant_t(), L""}, Row{null, L""}})
+    {
+        SCOPED_TRACE(row.value.vt);
+        attribute.value = row.value;
+        EXPECT_EQ(GetAttributeValue(IXMLDOMNodePtr(&node), L"k"), row.text);
+        QuonNodeArray found;
+        CollectNodesWithAttributes(found, IXMLDOMNodeListPtr(&list), L"p", L"k", row.text, false);
+        EXPECT_EQ(found.GetSize(), 1);
+        CollectNodesWithAttributes(found, IXMLDOMNodeListPtr(&list), L"p", L"k", L"other", false);
+        EXPECT_EQ(found.GetSize(), 1);
+        ReleaseNodeArray(&found);
+    }
+}
+
 TEST_F(XmlNodesFind, CollectingAppends)
 {
     const IXMLDOMDocumentPtr document = Parse(L"<a><p id='1' k='v'/><q id='2' k='v'/></a>");
@@ -265,99 +335,6 @@ TEST_F(XmlNodesFind, CollectingAppends)
     CollectNodesWithAttributes(found, ChildrenOf(document, L"a"), L"p", CStringArray(), false);
     EXPECT_EQ(Ids(found), L"21");
     ReleaseNodeArray(&found);
-}
-
-TEST_F(XmlNodesFind, AddsNodesOfANewNameOrText)
-{
-    const IXMLDOMDocumentPtr document =
-        Parse(L"<a><p id='1'>x</p><p id='2'>x</p><p id='3'>X</p><q id='4'>x</q><p id='5'>x</p><q id='6'>x</q></a>");
-    QuonNodeArray toAdd;
-    AddChildren(document, toAdd);
-    QuonNodeArray growing;
-    AddNodes(&growing, &toAdd);
-    EXPECT_EQ(Ids(growing), L"134");
-    AddNodes(&growing, &toAdd);
-    EXPECT_EQ(Ids(growing), L"134");
-    ReleaseNodeArray(&growing);
-
-    AddNode(growing, toAdd[4]);
-    AddNode(growing, nullptr);
-    AddNodes(&growing, &toAdd);
-    ASSERT_EQ(growing.GetSize(), 4);
-    EXPECT_EQ(Attribute(IXMLDOMNodePtr(growing[2]), L"id"), L"3");
-    EXPECT_EQ(Attribute(IXMLDOMNodePtr(growing[3]), L"id"), L"4");
-    ReleaseNodeArray(&growing);
-    ReleaseNodeArray(&toAdd);
-}
-
-TEST_F(XmlNodesFind, AnAddedEntryHoldsAReferenceOfItsOwn)
-{
-    ForwardingAnyNode node(Find(Parse(L"<p k='v'>x</p>"), L"p"));
-    QuonNodeArray toAdd;
-    QuonNodeArray growing;
-    AddNode(toAdd, &node);
-    AddNode(toAdd, nullptr);
-    AddNodes(&growing, &toAdd);
-    ASSERT_EQ(growing.GetSize(), 1);
-    EXPECT_EQ(node.references, 3);
-    ReleaseNodeArray(&toAdd);
-    EXPECT_EQ(node.references, 2);
-    ReleaseNodeArray(&growing);
-    EXPECT_EQ(node.references, 1);
-
-    AddNode(toAdd, &node);
-    AddNodesByAttribute(&growing, &toAdd, L"k");
-    EXPECT_EQ(node.references, 3);
-    ReleaseNodeArray(&growing);
-    ReleaseNodeArray(&toAdd);
-    EXPECT_EQ(node.references, 1);
-}
-
-TEST_F(XmlNodesFind, AddingSkipsWhatCannotBeRead)
-{
-    const IXMLDOMDocumentPtr document = Parse(L"<a><p id='1'>x</p><p id='2'>y</p><p id='3'>z</p></a>");
-    const IXMLDOMNodePtr first = GetFirstChild(Find(document, L"a"));
-    ForwardingAnyNode nameless(first);
-    nameless.plan.Replace("get_nodeName", Returns(E_FAIL));
-    ForwardingAnyNode textless(GetNextSibling(first));
-    textless.plan.Replace("get_text", Returns(E_FAIL));
-    QuonNodeArray toAdd;
-    AddNode(toAdd, &nameless);
-    AddNode(toAdd, &textless);
-    AddNode(toAdd, GetNextSibling(GetNextSibling(first)));
-    QuonNodeArray growing;
-    AddNode(growing, &nameless);
-    AddNodes(&growing, &toAdd);
-    EXPECT_EQ(growing.GetSize(), 2) << "one that cannot be read equals nothing and is not added";
-    EXPECT_EQ(nameless.references, 3);
-    EXPECT_EQ(textless.references, 2);
-    ReleaseNodeArray(&growing);
-    ReleaseNodeArray(&toAdd);
-}
-
-TEST_F(XmlNodesFind, AddsNodesByTheValueOfAnAttribute)
-{
-    const IXMLDOMDocumentPtr document =
-        Parse(L"<a><p id='1' k='v'/><q id='2' k='v'/><p id='3' k='V'/><p id='4'/><q id='5'/><p id='6' k=''/></a>");
-    QuonNodeArray toAdd;
-    AddChildren(document, toAdd);
-    QuonNodeArray growing;
-    AddNodesByAttribute(&growing, &toAdd, L"k");
-    EXPECT_EQ(Ids(growing), L"134") << "without the attribute the value is empty";
-    ReleaseNodeArray(&growing);
-    AddNodesByAttribute(&growing, &toAdd, L"id");
-    EXPECT_EQ(Ids(growing), L"123456");
-    ReleaseNodeArray(&growing);
-    ReleaseNodeArray(&toAdd);
-}
-
-TEST_F(XmlNodesFind, AddingNothingSucceeds)
-{
-    const QuonNodeArray none;
-    QuonNodeArray growing;
-    AddNodes(&growing, &none);
-    AddNodesByAttribute(&growing, &none, L"k");
-    EXPECT_EQ(growing.GetSize(), 0);
 }
 
 }  // namespace

@@ -161,6 +161,35 @@ TEST_F(XmlNodesRead, ValuePathsTellTheirOwnFailuresPlainly)
     }
 }
 
+TEST_F(XmlNodesRead, ValuePathsCatchNothingButTexts)
+{
+    const IXMLDOMDocumentPtr document = Parse(kGroups);
+    ForwardingAnyNode root(Find(document, L"//g"));
+    FakeList list;
+    list.nodes.emplace_back(&root);
+    ForwardingDocument failing(document);
+    failing.children = &list;
+    const IXMLDOMDocumentPtr pointer(&failing);
+    for (const ValuePath& path : kValuePaths)
+    {
+        SCOPED_TRACE(path.name);
+        root.plan.Replace("get_nodeName", Returns(E_ACCESSDENIED));
+        if (std::string(path.name).find("ByRootAttribute") == std::string::npos)
+        {
+            EXPECT_EQ(ErrorOf([&] { path.call(pointer, L"g", L"p"); }), E_ACCESSDENIED);
+        }
+        else
+        {
+            EXPECT_TRUE(IsResultText(StatusOf([&] { path.call(pointer, L"g", L"p"); }),
+                                     L"Exception in GetValuesOfAttribute():\n", E_ACCESSDENIED));
+        }
+        root.plan.Replace("get_nodeName", []() -> HRESULT { throw 7; });
+        EXPECT_THROW(path.call(pointer, L"g", L"p"), int);
+    }
+    EXPECT_EQ(root.references, 2);
+    EXPECT_EQ(list.references, 1);
+}
+
 TEST_F(XmlNodesRead, ValuePathsPassOnWhatTheyCatchBehindOnePrefix)
 {
     const IXMLDOMDocumentPtr document = Parse(kGroups);

@@ -256,30 +256,54 @@ TEST(QuonFileStream, EverythingElseFails)
     EXPECT_EQ(clone, nullptr);
 }
 
-TEST(QuonFileStream, CountsFromSeveralThreads)
+// Four threads count the same stream at the same time: an update that is lost shows in the end.
+struct Counting
 {
-    const Stream stream;
-    const auto work = [](void* argument) WINAPI -> DWORD
+    QuonFileStream* stream;
+    HANDLE start;
+};
+
+DWORD WINAPI CountUpAndDown(void* argument)
+{
+    const auto* const counting = static_cast<const Counting*>(argument);
+    ::WaitForSingleObject(counting->start, INFINITE);
+    for (int i = 0; i < 3000000; ++i)
     {
-        auto* const counted = static_cast<QuonFileStream*>(argument);
-        for (int i = 0; i < 20000; ++i)
-        {
-            counted->AddRef();
-            counted->Release();
-        }
-        return 0;
-    };
+        counting->stream->AddRef();
+        counting->stream->Release();
+    }
+    return 0;
+}
+
+void CountFromFourThreads(QuonFileStream* stream)
+{
+    Counting counting = {stream, ::CreateEventW(nullptr, TRUE, FALSE, nullptr)};
     HANDLE threads[4];
     for (HANDLE& thread : threads)
     {
-        thread = ::CreateThread(nullptr, 0, work, stream.Get(), 0, nullptr);
+        thread = ::CreateThread(nullptr, 0, &CountUpAndDown, &counting, 0, nullptr);
     }
-    EXPECT_EQ(::WaitForMultipleObjects(4, threads, TRUE, 10000), WAIT_OBJECT_0);
+    ::SetEvent(counting.start);
+    EXPECT_EQ(::WaitForMultipleObjects(4, threads, TRUE, 60000), WAIT_OBJECT_0);
     for (HANDLE thread : threads)
     {
         ::CloseHandle(thread);
     }
-    EXPECT_EQ(stream->m_cRef, 1);
+    ::CloseHandle(counting.start);
+}
+
+TEST(QuonFileStream, CountsFromSeveralThreads)
+{
+    // Lost updates must not end the stream on the way.
+    constexpr LONG kManyReferences = 1000000000;
+    const Stream stream;
+    stream->m_cRef = kManyReferences;
+    for (int round = 0; round < 5; ++round)
+    {
+        CountFromFourThreads(stream.Get());
+    }
+    EXPECT_EQ(stream->m_cRef, kManyReferences);
+    stream->m_cRef = 1;
 }
 
 }  // namespace

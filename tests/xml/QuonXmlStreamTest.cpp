@@ -153,11 +153,13 @@ TEST_F(QuonXmlTest, LoadFromUrlResolvesAndFails)
     EXPECT_EQ(xml.LoadFromUrl(L"C:\\file.xml"), E_FAIL);
     EXPECT_EQ(xml.LoadFromUrl(L"HTTP://host/file.xml"), E_FAIL);
     EXPECT_EQ(xml.LoadFromUrl(std::wstring(400, L'x').c_str()), E_FAIL);
-    ASSERT_EQ(g_resolved.size(), 3u);
+    EXPECT_EQ(xml.LoadFromUrl(L"http"), E_FAIL);
+    EXPECT_EQ(xml.LoadFromUrl(L"https://host/file.xml"), E_FAIL);
+    ASSERT_EQ(g_resolved.size(), 5u);
     EXPECT_EQ(g_resolved[0], std::make_pair(std::wstring(L"C:\\file.xml"), DWORD{260}));
     EXPECT_EQ(xml.Load(), E_FAIL) << "a stream, but not over a file";
-    ASSERT_EQ(g_resolved.size(), 4u);
-    EXPECT_EQ(g_resolved[3].first, L"local.xml");
+    ASSERT_EQ(g_resolved.size(), 6u);
+    EXPECT_EQ(g_resolved[5].first, L"local.xml");
     EXPECT_EQ(m_document.plan.Count("load"), 0);
     xml.m_pDoc = nullptr;
 }
@@ -218,6 +220,32 @@ TEST_F(QuonXmlTest, MemoryHoldsTheBytesOfTheStream)
     EXPECT_EQ(persist.references, 1);
 }
 
+std::vector<HGLOBAL> g_locked;
+
+TEST_F(QuonXmlTest, TheMemoryOfTheStreamIsUnlockedAgain)
+{
+    g_locked.clear();
+    const ImportPatch<decltype(&::GlobalLock)> locking(kLibrary, "GlobalLock",
+                                                       [](HGLOBAL memory) WINAPI -> LPVOID
+                                                       {
+                                                           g_locked.push_back(memory);
+                                                           return ::GlobalLock(memory);
+                                                       });
+    const ImportPatch<decltype(&::GlobalUnlock)> unlocking(kLibrary, "GlobalUnlock",
+                                                           [](HGLOBAL memory) WINAPI -> BOOL
+                                                           {
+                                                               EXPECT_EQ(g_locked, std::vector<HGLOBAL>{memory});
+                                                               g_locked.clear();
+                                                               return ::GlobalUnlock(memory);
+                                                           });
+    QuonXml xml(L"", false, false, false);
+    unsigned char* buffer = nullptr;
+    unsigned long size = 0;
+    EXPECT_EQ(xml.SaveToMemory(Parse(L"<a/>"), buffer, size), 0);
+    EXPECT_TRUE(g_locked.empty());
+    delete[] buffer;
+}
+
 TEST_F(QuonXmlTest, MemoryStepsThatFailGiveTheirResults)
 {
     QuonXml xml(L"", false, false, false);
@@ -260,6 +288,66 @@ TEST_F(QuonXmlTest, MemoryStepsThatFailGiveTheirResults)
     EXPECT_EQ(persist.references, 1);
 }
 
+// A stream that fails from one operation on.
+class FailingStream : public IStream
+{
+public:
+    HRESULT writeResult = S_OK;
+    HRESULT seekResult = S_OK;
+    LONG references = 0;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references); }
+    ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references); }
+    HRESULT STDMETHODCALLTYPE Read(void*, ULONG, ULONG*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override { return writeResult; }
+    HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER, DWORD, ULARGE_INTEGER*) override { return seekResult; }
+    HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Revert() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Stat(STATSTG*, DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
+};
+FailingStream* g_stream;
+
+TEST_F(QuonXmlTest, StreamOperationsThatFailGiveTheirResults)
+{
+    QuonXml xml(L"", false, false, false);
+    StreamedDocument document;
+    FakePersist persist;
+    document.persist = &persist;
+    const IXMLDOMDocumentPtr pointer(&document);
+    FailingStream stream;
+    g_stream = &stream;
+    const ImportPatch<decltype(&::CreateStreamOnHGlobal)> patch(kLibrary, "CreateStreamOnHGlobal",
+                                                                [](HGLOBAL, BOOL, LPSTREAM* out) WINAPI -> HRESULT
+                                                                {
+                                                                    g_stream->AddRef();
+                                                                    *out = g_stream;
+                                                                    return S_OK;
+                                                                });
+    const unsigned char bytes[] = {1, 2, 3};
+    unsigned char* buffer = nullptr;
+    unsigned long size = 77;
+    stream.seekResult = E_ABORT;
+    EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), E_ABORT);
+    EXPECT_EQ(xml.LoadFromMemory(pointer, bytes, 3), E_ABORT);
+    stream.writeResult = E_ACCESSDENIED;
+    EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), E_ACCESSDENIED) << "the document passes it on";
+    EXPECT_EQ(xml.LoadFromMemory(pointer, bytes, 3), E_ACCESSDENIED);
+    EXPECT_EQ(buffer, nullptr);
+    EXPECT_EQ(size, 77u);
+    EXPECT_EQ(persist.loads, 0);
+    EXPECT_EQ(stream.references, 0);
+    EXPECT_EQ(persist.references, 1);
+}
+
 constexpr size_t kHugeBuffer = 1 << 20;
 
 TEST_F(QuonXmlTest, ABufferThatCannotBeMadeIsOutOfMemory)
@@ -276,56 +364,6 @@ TEST_F(QuonXmlTest, ABufferThatCannotBeMadeIsOutOfMemory)
     EXPECT_EQ(xml.SaveToMemory(IXMLDOMDocumentPtr(&document), buffer, size), E_OUTOFMEMORY);
     EXPECT_EQ(size, kHugeBuffer) << "the size is known by then";
     EXPECT_EQ(buffer, nullptr);
-}
-
-// Walks.
-
-struct Visits
-{
-    std::wstring names;
-    size_t stopAfter = SIZE_MAX;
-    size_t count = 0;
-};
-
-bool Visit(CString name, IXMLDOMNodePtr& node, __int64 user)
-{
-    auto* const visits = reinterpret_cast<Visits*>(user);
-    EXPECT_STREQ(name, MSXML2::GetNodeName(node));
-    visits->names += name.GetString();
-    visits->names += L' ';
-    return ++visits->count < visits->stopAfter;
-}
-
-TEST_F(QuonXmlTest, WalksNodesThenAttributesThenChildren)
-{
-    QuonXml xml(L"", false, false, false);
-    xml.m_pDoc = Parse(L"<a x='1' y='2'><b z='3'>t</b><!--c--><d/></a>");
-    const std::wstring all = L"#document a x y b z #text #comment d ";
-    Visits visits;
-    EXPECT_TRUE(xml.WalkTree(&Visit, reinterpret_cast<__int64>(&visits)));
-    EXPECT_EQ(visits.names, all);
-    EXPECT_TRUE(xml.WalkTree(nullptr, 0));
-
-    for (size_t stop = 1; stop <= 9; ++stop)
-    {
-        SCOPED_TRACE(stop);
-        Visits part;
-        part.stopAfter = stop;
-        EXPECT_FALSE(xml.WalkTree(&Visit, reinterpret_cast<__int64>(&part)));
-        EXPECT_EQ(part.count, stop) << "nothing is visited after the first false";
-        EXPECT_EQ(all.compare(0, part.names.size(), part.names), 0);
-    }
-}
-
-TEST_F(QuonXmlTest, WalksFromAnyNode)
-{
-    QuonXml xml(L"", false, false, false);
-    Visits visits;
-    EXPECT_TRUE(xml.WalkNode(IXMLDOMNodePtr(), 0, &Visit, reinterpret_cast<__int64>(&visits)));
-    EXPECT_EQ(visits.count, 0u);
-    const IXMLDOMNodePtr node = Find(Parse(L"<a><b z='3'>t</b></a>"), L"a/b");
-    EXPECT_TRUE(xml.WalkNode(node, 17, &Visit, reinterpret_cast<__int64>(&visits)));
-    EXPECT_EQ(visits.names, L"b z #text ");
 }
 
 }  // namespace

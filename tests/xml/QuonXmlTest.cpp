@@ -74,6 +74,33 @@ TEST_F(QuonXmlTest, CreatesItsDocumentAndReportsNoFailure)
     EXPECT_EQ(g_creations[0].context, 23u);
 }
 
+// On a thread of its own: 1 when COM is still initialised there, single-threaded, once a QuonXml has come and gone.
+DWORD WINAPI InitialiseAgain(void*)
+{
+    {
+        const QuonXml xml(L"", false, false, false);
+        if (!xml.m_pDoc)
+        {
+            return 2;
+        }
+    }
+    const bool initialised = ::CoInitialize(nullptr) == S_FALSE;
+    const bool singleThreaded = ::CoInitializeEx(nullptr, COINIT_MULTITHREADED) == RPC_E_CHANGED_MODE;
+    ::CoUninitialize();
+    ::CoUninitialize();
+    return initialised && singleThreaded ? 1 : 0;
+}
+
+TEST_F(QuonXmlTest, NeverUninitialisesCom)
+{
+    const HANDLE thread = ::CreateThread(nullptr, 0, &InitialiseAgain, nullptr, 0, nullptr);
+    ASSERT_EQ(::WaitForSingleObject(thread, 10000), WAIT_OBJECT_0);
+    DWORD result = 0;
+    ::GetExitCodeThread(thread, &result);
+    ::CloseHandle(thread);
+    EXPECT_EQ(result, 1u);
+}
+
 TEST_F(QuonXmlTest, CreateDocumentReleasesTheOldOne)
 {
     QuonXml xml(L"", false, false, false);
@@ -179,7 +206,7 @@ TEST_F(QuonXmlTest, AnErrorOfABackgroundLoadIsShownAndReturned)
     int asked = 0;
     document.readyState = [&]
     {
-        return ++asked < 3 ? 1 : 4;
+        return ++asked < 3 ? 2 * asked - 1 : 4;  // 1, then 3, which is not enough yet
     };
     m_error.code = static_cast<LONG>(0xC00CE56D);
     m_error.line = 3;

@@ -151,6 +151,31 @@ TEST_F(XmlValues, StringsAreNotConverted)
     EXPECT_EQ(GetXmlDouble(root, L"v"), 12.0);
 }
 
+TEST_F(XmlValues, AConversionThatSucceedsWithoutTheTypeGivesZero)
+{
+    using Change = HRESULT(WINAPI*)(VARIANTARG*, const VARIANTARG*, USHORT, VARTYPE);
+    static std::vector<VARTYPE> types;
+    types.clear();
+    const ImportPatch<Change> patch(kLibrary, "VariantChangeType",
+                                    [](VARIANTARG* to, const VARIANTARG* from, USHORT flags, VARTYPE type)
+                                        WINAPI -> HRESULT
+                                    {
+                                        EXPECT_EQ(to, from) << "in place";
+                                        EXPECT_EQ(flags, 0);
+                                        types.push_back(type);
+                                        return S_OK;
+                                    });
+    const MSXML2::IXMLDOMNodePtr node = RootWith(L"1");
+    EXPECT_FALSE(GetXmlBool(node, L"v"));
+    EXPECT_EQ(GetXmlShort(node, L"v"), 0);
+    EXPECT_EQ(GetXmlLong(node, L"v"), 0);
+    EXPECT_EQ(GetXmlInt64(node, L"v"), 0);
+    EXPECT_EQ(GetXmlULong(node, L"v"), 0u);
+    EXPECT_EQ(GetXmlDouble(node, L"v"), 0.0);
+    EXPECT_EQ(GetXmlString(node, L"v"), L"1");
+    EXPECT_EQ(types, (std::vector<VARTYPE>{VT_BOOL, VT_I2, VT_I4, VT_I8, VT_UI4, VT_R8}));
+}
+
 // The node that the query finds, with a typed value of the test's choice.
 TEST_F(XmlValues, FailuresOfTheTypedValueAreRaised)
 {
@@ -325,104 +350,16 @@ TEST_F(XmlValues, OnlyASeparatorThatDiffersIsTouched)
     EXPECT_EQ(changes, (std::vector<Change>{{LOCALE_SDECIMAL, L"."}, {LOCALE_SDECIMAL, L","}}));
 
     changes.clear();
+    SetSeparators(L",", L".");
+    EXPECT_EQ(GetXmlDouble(RootWith(L"2.5"), L"v"), 2.5);
+    EXPECT_EQ(
+        changes,
+        (std::vector<Change>{
+            {LOCALE_SDECIMAL, L"."}, {LOCALE_STHOUSAND, L","}, {LOCALE_SDECIMAL, L","}, {LOCALE_STHOUSAND, L"."}}));
+
+    changes.clear();
     SetXmlDouble(Find(Parse(L"<r/>"), L"r"), L"a", 2.5);
     EXPECT_TRUE(changes.empty()) << "the setter makes no switch";
-}
-
-// The answer is cached for the life of a process: each version gets a process of its own.
-
-DWORD g_major = 0;
-DWORD g_minor = 0;
-int g_asked = 0;
-
-BOOL WINAPI AnswerVersion(LPOSVERSIONINFOW version)
-{
-    ++g_asked;
-    if (version->dwOSVersionInfoSize != 276)
-    {
-        return FALSE;
-    }
-    version->dwMajorVersion = g_major;
-    version->dwMinorVersion = g_minor;
-    return TRUE;
-}
-
-// 1 when both calls said yes, 0 when both said no, 2 otherwise and when the system was not asked exactly once.
-int AskTwice(DWORD major, DWORD minor)
-{
-    g_major = major;
-    g_minor = minor;
-    const ImportPatch<decltype(&::GetVersionExW)> patch(kLibrary, "GetVersionExW", &AnswerVersion);
-    const bool first = IsWindowsXPOrLater();
-    g_major = first ? 4 : 10;
-    const bool second = IsWindowsXPOrLater();
-    return g_asked != 1 || first != second ? 2 : static_cast<int>(first);
-}
-
-TEST(IsWindowsXPOrLaterDeathTest, ComparesTheVersionOnce)
-{
-    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
-    struct Row
-    {
-        DWORD major, minor;
-        int answer;
-    };
-    for (const Row row : {Row{4, 90, 0}, Row{5, 0, 0}, Row{5, 1, 1}, Row{5, 2, 1}, Row{6, 0, 1}, Row{10, 0, 1}})
-    {
-        SCOPED_TRACE(row.major * 100 + row.minor);
-        EXPECT_EXIT(::_exit(AskTwice(row.major, row.minor)), ::testing::ExitedWithCode(row.answer), "");
-    }
-}
-
-// 0 when 64-bit values go through text in a process whose system is older than XP.
-int CheckOldSystem()
-{
-    const ComApartment com;
-    g_major = 5;
-    g_minor = 0;
-    const ImportPatch<decltype(&::GetVersionExW)> patch(kLibrary, "GetVersionExW", &AnswerVersion);
-    struct Row
-    {
-        const wchar_t* text;
-        std::int64_t value;
-    };
-    int row = 1;
-    for (const Row& expected : {Row{L"9223372036854775807", 9223372036854775807}, Row{L"-5", -5}, Row{L" 12 m", 12},
-                                Row{L"2.5", 2}, Row{L"abc", 0}, Row{L"", 0}})
-    {
-        const MSXML2::IXMLDOMDocumentPtr document =
-            Parse((std::wstring(L"<r><v>") + expected.text + L"</v></r>").c_str());
-        if (GetXmlInt64(Find(document, L"r"), L"v") != expected.value)
-        {
-            return row;
-        }
-        ++row;
-    }
-    class Recorder : public ForwardingElement
-    {
-    public:
-        using ForwardingElement::ForwardingElement;
-        std::wstring text;
-        HRESULT STDMETHODCALLTYPE setAttribute(BSTR, VARIANT value) override
-        {
-            text = value.vt == VT_BSTR ? value.bstrVal : L"no text";
-            return S_OK;
-        }
-    };
-    Recorder element(Find(Parse(L"<r/>"), L"r"));
-    SetXmlInt64(MSXML2::IXMLDOMNodePtr(&element), L"a", std::numeric_limits<std::int64_t>::min());
-    return element.text == L"-9223372036854775808" ? 0 : 99;
-}
-
-TEST(IsWindowsXPOrLaterDeathTest, OlderSystemsExchange64BitsAsText)
-{
-    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
-    EXPECT_EXIT(::_exit(CheckOldSystem()), ::testing::ExitedWithCode(0), "");
-}
-
-TEST(IsWindowsXPOrLater, IsTrueOfTheSystemOfTheseTests)
-{
-    EXPECT_TRUE(IsWindowsXPOrLater());
 }
 
 }  // namespace

@@ -1,0 +1,5 @@
+/// @file
+/// The run-time's name for operator new.
+#pragma once
+
+#include <vcruntime_new.h>

@@ -1,0 +1,9 @@
+/// @file
+/// Makes interfaces carry their identifiers, as the platform's do, so that __uuidof finds them.
+#pragma once
+
+#include_next <rpcndr.h>
+#undef DECLSPEC_UUID
+#define DECLSPEC_UUID(x) __declspec(uuid(x))
+#undef MIDL_INTERFACE
+#define MIDL_INTERFACE(x) struct DECLSPEC_UUID(x) DECLSPEC_NOVTABLE

@@ -1,0 +1,77 @@
+#include "host/Commands.h"
+#include "host/Console.h"
+#include "host/ProgressBar.h"
+
+#include "monitoring/QuonFileModifiedManager.h"
+#include "support/Progress.h"
+
+#include <cstdio>
+#include <memory>
+
+namespace quonhost
+{
+namespace
+{
+
+struct ModifiedOptions
+{
+    std::vector<std::string> files;
+    double pause = 2;
+};
+
+void AskForAll(const wchar_t* when, const std::vector<std::wstring>& files)
+{
+    for (const std::wstring& file : files)
+    {
+        const bool isModified = QuonFileModifiedManager::IsFileModified(file.c_str());
+        PrintLine(std::wstring(when) + (isModified ? L"  modified   " : L"  unchanged  ") + file);
+    }
+    std::fflush(stdout);
+}
+
+// In steps, so that Ctrl+C ends it.
+void Pause(double seconds)
+{
+    constexpr DWORD kStepMilliseconds = 50;
+    const ULONGLONG start = ::GetTickCount64();
+    const auto limit = static_cast<ULONGLONG>(seconds * 1000);
+    while (::GetTickCount64() - start < limit)
+    {
+        if (ProgressPoll())
+        {
+            throw CommandError("stopped");
+        }
+        ::Sleep(kStepMilliseconds);
+    }
+}
+
+void AskTwice(const ModifiedOptions& options)
+{
+    const ProgressBar poll(false);
+    std::vector<std::wstring> files;
+    for (const std::string& file : options.files)
+    {
+        files.push_back(FullPath(file));
+    }
+    AskForAll(L"first ", files);
+    Pause(options.pause);
+    AskForAll(L"second", files);
+}
+
+}  // namespace
+
+void AddModifiedCommand(CLI::App& app)
+{
+    auto options = std::make_shared<ModifiedOptions>();
+    CLI::App* command = app.add_subcommand(
+        "modified",
+        "Ask twice whether files were modified since they were last asked for; a file is at first, and one that cannot "
+        "be read always");
+    command->add_option("file", options->files, "Files")->required();
+    command->add_option("--pause", options->pause, "Seconds between the two questions")
+        ->check(CLI::Range(0.0, 1e9))
+        ->capture_default_str();
+    command->callback([options] { AskTwice(*options); });
+}
+
+}  // namespace quonhost

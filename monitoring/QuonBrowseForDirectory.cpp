@@ -1,0 +1,140 @@
+#include "monitoring/QuonBrowseForDirectory.h"
+
+#include <io.h>
+
+#include <memory>
+
+namespace
+{
+
+constexpr size_t kBufferLength = 520;
+constexpr UINT kFlags = BIF_RETURNONLYFSDIRS | BIF_STATUSTEXT | BIF_RETURNFSANCESTORS | BIF_NEWDIALOGSTYLE;
+static_assert(kFlags == 0x4D);
+
+struct Releaser
+{
+    void operator()(IUnknown* object) const { object->Release(); }
+};
+
+struct BstrFreer
+{
+    void operator()(wchar_t* text) const { ::SysFreeString(text); }
+};
+
+// The folder's item list, for the shell's allocator to free; null when the shell does not know the folder.
+PIDLIST_RELATIVE ParseFolder(IShellFolder* desktop, HWND owner, const CString& folder)
+{
+    const std::unique_ptr<wchar_t, BstrFreer> text(::SysAllocString(folder));
+    PIDLIST_RELATIVE list = nullptr;
+    return SUCCEEDED(desktop->ParseDisplayName(owner, nullptr, text.get(), nullptr, &list, nullptr)) ? list : nullptr;
+}
+
+void FreeList(IMalloc* allocator, PIDLIST_RELATIVE& list)
+{
+    if (list != nullptr)
+    {
+        allocator->Free(list);
+        list = nullptr;
+    }
+}
+
+}  // namespace
+
+QuonBrowseForDirectory::QuonBrowseForDirectory(BFFCALLBACK callback)
+    : m_callback(callback), m_initialList(nullptr), m_rootList(nullptr)
+{
+    ::CoInitialize(nullptr);
+}
+
+QuonBrowseForDirectory::~QuonBrowseForDirectory()
+{
+    ::CoUninitialize();
+}
+
+bool QuonBrowseForDirectory::Browse(QuonPath& result, const wchar_t* initialFolder, const wchar_t* title, HWND owner,
+                                    const wchar_t* rootFolder)
+{
+    ParseFolders(initialFolder, owner, rootFolder);
+
+    wchar_t buffer[kBufferLength] = {};
+    BROWSEINFOW dialog = {};
+    dialog.hwndOwner = owner;
+    dialog.pidlRoot = reinterpret_cast<PCIDLIST_ABSOLUTE>(m_rootList);
+    dialog.pszDisplayName = buffer;
+    dialog.lpszTitle = title;
+    dialog.ulFlags = kFlags;
+    dialog.lpfn = m_callback != nullptr ? m_callback : &QuonBrowseForDirectory::OwnCallback;
+    dialog.lParam = reinterpret_cast<LPARAM>(this);
+    PIDLIST_ABSOLUTE chosen = ::SHBrowseForFolderW(&dialog);
+
+    IMalloc* shellAllocator = nullptr;
+    if (FAILED(::SHGetMalloc(&shellAllocator)))
+    {
+        // Nobody is left to free the item lists, the chosen one included.
+        return false;
+    }
+    const std::unique_ptr<IMalloc, Releaser> allocator(shellAllocator);
+    if (chosen != nullptr)
+    {
+        ::SHGetPathFromIDListW(chosen, buffer);
+        result = buffer;
+        result.AddTrailingSeparator();
+        allocator->Free(chosen);
+    }
+    FreeList(allocator.get(), m_rootList);
+    FreeList(allocator.get(), m_initialList);
+    return chosen != nullptr;
+}
+
+void QuonBrowseForDirectory::ParseFolders(const wchar_t* initialFolder, HWND owner, const wchar_t* rootFolder)
+{
+    // What an earlier call could not free must not be taken for this one's.
+    m_initialList = nullptr;
+    m_rootList = nullptr;
+    IShellFolder* desktopFolder = nullptr;
+    if (FAILED(::SHGetDesktopFolder(&desktopFolder)))
+    {
+        return;
+    }
+    const std::unique_ptr<IShellFolder, Releaser> desktop(desktopFolder);
+    if (initialFolder != nullptr && ::_waccess(initialFolder, 0) == 0)
+    {
+        m_initialFolder = initialFolder;
+        m_initialList = ParseFolder(desktop.get(), owner, m_initialFolder);
+    }
+    if (rootFolder != nullptr)
+    {
+        m_rootFolder = rootFolder;
+        m_rootList = ParseFolder(desktop.get(), owner, m_rootFolder);
+    }
+}
+
+bool QuonBrowseForDirectory::ValidateFolder(const wchar_t*, CString&)
+{
+    return true;
+}
+
+int CALLBACK QuonBrowseForDirectory::OwnCallback(HWND dialog, UINT message, LPARAM parameter, LPARAM self)
+{
+    auto* const browser = reinterpret_cast<QuonBrowseForDirectory*>(self);
+    if (message == BFFM_INITIALIZED && browser->m_initialList != nullptr)
+    {
+        ::SendMessageW(dialog, BFFM_SETSELECTIONW, FALSE, reinterpret_cast<LPARAM>(browser->m_initialList));
+    }
+    else if (message == BFFM_SELCHANGED)
+    {
+        browser->OnSelectionChanged(dialog, reinterpret_cast<PCIDLIST_ABSOLUTE>(parameter));
+    }
+    return 0;
+}
+
+void QuonBrowseForDirectory::OnSelectionChanged(HWND dialog, PCIDLIST_ABSOLUTE selection)
+{
+    CString statusText;
+    wchar_t path[kBufferLength] = {};
+    if (selection != nullptr && ::SHGetPathFromIDListW(selection, path) && !ValidateFolder(path, statusText))
+    {
+        ::SendMessageW(dialog, BFFM_ENABLEOK, 0, 0);
+    }
+    ::SendMessageW(dialog, BFFM_SETSTATUSTEXTW, 0, reinterpret_cast<LPARAM>(statusText.GetString()));
+}
