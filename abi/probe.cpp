@@ -10,6 +10,10 @@
 #include "messaging/QuonServerThread.h"
 #include "messaging/QuonWndMsgServerInternal.h"
 #include "module/QuonEllipsis.h"
+#include "monitoring/FileSubscriptionInternal.h"
+#include "monitoring/QuonBrowseForDirectory.h"
+#include "monitoring/QuonFileEventServer.h"
+#include "monitoring/QuonFileModifiedManager.h"
 #include "paths/QuonPath.h"
 #include "points/QuonPointMarker.h"
 #include "points/QuonSortedPointString.h"
@@ -51,10 +55,11 @@ void Tables(Classes*... objects)
 
 template void Fields<QuonEllipsis, QuonFileInfo, QuonPath, VxGePoint3d, VxGePoint3dArray, WndMsgRecord,
                      QuonSynchronizedSelector::HandleRecord, QuonWndMsgServer_details::Registration,
-                     QuonBlockPool_details::PageHeader>();
+                     QuonBlockPool_details::PageHeader, QuonFileEventServer_details::FileSubscription>();
 
 template void Tables(QuonFileMatch*, QuonBasicFileMatcher*, QuonBFSDirectoryTree*, QuonDFSDirectoryTree*,
                      QuonBFSFileTree*, QuonDFSFileTree*);
+template void Tables(QuonFileEventServer*, QuonFileModifiedStatus*, QuonFileModifiedManager*, QuonBrowseForDirectory*);
 template void Tables(QuonProgressDisabler*, QuonStdioFile*, QuonTimer*, QuonXml*);
 template void Tables(QuonPointMarker*, QuonPointString*, QuonSortedPointString*, QuonUnsortedPointString*);
 template void Tables(QuonFaceReader*, QuonSingleFaceReader*, QuonMultiTriFaceReader*, QuonMultiPolyFaceReader*,
@@ -63,7 +68,14 @@ template void Tables(QuonCallback*, QuonHEVENTCallback*, QuonMessage*, QuonMessa
                      QuonSocket*, QuonServerThread*, QuonSynchronizedSelector*, QuonWndMsgServer*,
                      QuonWndMsgServer::Callback*, QuonWndMsgServer_details::QuonWndMsgServerImpl*);
 
-// Its destructor is its own.
+// Destructors that are not for callers.
+
+void EventSink(QuonFileEventSink* sink);
+void EventSink(QuonFileEventSink* sink)
+{
+    sink->OnFileNameChanged(nullptr);
+}
+
 ULONG FileStream(QuonFileStream* stream);
 ULONG FileStream(QuonFileStream* stream)
 {

@@ -300,7 +300,7 @@ void AddFormat(const SharedInput& input, int size)
     Require(input->text == WriteByRunTime(input->groups), "a text written by the run-time");
     // The library finds the runs among its points; its peers have them.
     Add("format", size, "quon", [points] { points->UpdateText(); });
-    Add("format", size, "limit: hand-written loop",
+    Add("format", size, "std::to_chars loop",
         [input]
         {
             std::wstring text = Write(input->groups);

@@ -12,6 +12,9 @@
 #include "messaging/QuonMessageQueue.h"
 #include "messaging/QuonServerThread.h"
 #include "messaging/QuonWndMsgServer.h"
+#include "monitoring/QuonBrowseForDirectory.h"
+#include "monitoring/QuonFileEventServer.h"
+#include "monitoring/QuonFileModifiedManager.h"
 #include "paths/QuonPath.h"
 #include "points/QuonPointMarker.h"
 #include "points/QuonSortedPointString.h"
@@ -63,6 +66,12 @@ static_assert(sizeof(QuonBFSDirectoryTree) == 24 + sizeof(std::list<QuonPath>) +
 static_assert(sizeof(QuonDFSDirectoryTree) == 40 + sizeof(CList<void*, void*>) + 16);
 static_assert(sizeof(QuonBFSFileTree) == 8 + sizeof(QuonBFSDirectoryTree) + 656 + 24);
 static_assert(sizeof(QuonDFSFileTree) == 8 + sizeof(QuonDFSDirectoryTree) + 656 + 24);
+
+static_assert(sizeof(QuonFileEventSink) == 8);
+static_assert(sizeof(QuonFileEventServer) == 8);
+static_assert(sizeof(QuonFileModifiedStatus) == 8 + sizeof(CFileStatus));
+static_assert(sizeof(QuonFileModifiedManager) == 8);
+static_assert(sizeof(QuonBrowseForDirectory) == 48);
 
 static_assert(sizeof(QuonProgressDisabler) == 16);
 static_assert(sizeof(QuonStdioFile) == sizeof(CStdioFile) + 8);

@@ -38,6 +38,17 @@ void FreeList(IMalloc* allocator, PIDLIST_RELATIVE& list)
     }
 }
 
+void OnSelectionChanged(QuonBrowseForDirectory& browser, HWND dialog, PCIDLIST_ABSOLUTE selection)
+{
+    CString statusText;
+    wchar_t path[kBufferLength] = {};
+    if (selection != nullptr && ::SHGetPathFromIDListW(selection, path) && !browser.ValidateFolder(path, statusText))
+    {
+        ::SendMessageW(dialog, BFFM_ENABLEOK, 0, 0);
+    }
+    ::SendMessageW(dialog, BFFM_SETSTATUSTEXTW, 0, reinterpret_cast<LPARAM>(statusText.GetString()));
+}
+
 }  // namespace
 
 QuonBrowseForDirectory::QuonBrowseForDirectory(BFFCALLBACK callback)
@@ -123,18 +134,7 @@ int CALLBACK QuonBrowseForDirectory::OwnCallback(HWND dialog, UINT message, LPAR
     }
     else if (message == BFFM_SELCHANGED)
     {
-        browser->OnSelectionChanged(dialog, reinterpret_cast<PCIDLIST_ABSOLUTE>(parameter));
+        OnSelectionChanged(*browser, dialog, reinterpret_cast<PCIDLIST_ABSOLUTE>(parameter));
     }
     return 0;
-}
-
-void QuonBrowseForDirectory::OnSelectionChanged(HWND dialog, PCIDLIST_ABSOLUTE selection)
-{
-    CString statusText;
-    wchar_t path[kBufferLength] = {};
-    if (selection != nullptr && ::SHGetPathFromIDListW(selection, path) && !ValidateFolder(path, statusText))
-    {
-        ::SendMessageW(dialog, BFFM_ENABLEOK, 0, 0);
-    }
-    ::SendMessageW(dialog, BFFM_SETSTATUSTEXTW, 0, reinterpret_cast<LPARAM>(statusText.GetString()));
 }

@@ -47,7 +47,6 @@ private:
     static int CALLBACK OwnCallback(HWND dialog, UINT message, LPARAM parameter, LPARAM self);
 
     void ParseFolders(const wchar_t* initialFolder, HWND owner, const wchar_t* rootFolder);
-    void OnSelectionChanged(HWND dialog, PCIDLIST_ABSOLUTE selection);
 
     // In this order: other modules were built against this layout.
     BFFCALLBACK m_callback;

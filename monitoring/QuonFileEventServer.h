@@ -51,6 +51,7 @@ public:
 
 protected:
     /// Sinks are their implementers': the library never deletes one.
+    // NOLINTNEXTLINE(performance-trivially-destructible): out of line, like every special member of an exported class
     ~QuonFileEventSink();
 };
 

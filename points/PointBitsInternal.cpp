@@ -29,12 +29,44 @@ void Put(unsigned char& byte, unsigned char mask)
 }
 
 template <bool set>
-void FillBits(unsigned char* bytes, std::uint64_t from, std::uint64_t to)
+void PutWord(unsigned char* bytes, std::uint64_t index, std::uint64_t mask)
 {
-    if (from >= to)
+    std::uint64_t word;
+    std::memcpy(&word, bytes + kWordBytes * index, sizeof(word));
+    word = set ? word | mask : word & ~mask;
+    std::memcpy(bytes + kWordBytes * index, &word, sizeof(word));
+}
+
+template <bool set>
+void Fill(unsigned char* bytes, std::uint64_t firstByte, std::uint64_t endByte)
+{
+    if (firstByte < endByte)
     {
+        std::memset(bytes + firstByte, set ? 0xFF : 0, static_cast<std::size_t>(endByte - firstByte));
+    }
+}
+
+// Word by word, which ranges of some dozen points fill one of.
+template <bool set>
+void FillWords(unsigned char* bytes, std::uint64_t from, std::uint64_t to)
+{
+    const std::uint64_t first = from / kWordBits;
+    const std::uint64_t last = (to - 1) / kWordBits;
+    const std::uint64_t maskFrom = ~std::uint64_t{0} << from % kWordBits;
+    const std::uint64_t maskTo = ~std::uint64_t{0} >> (kWordBits - 1 - (to - 1) % kWordBits);
+    if (first == last)
+    {
+        PutWord<set>(bytes, first, maskFrom & maskTo);
         return;
     }
+    PutWord<set>(bytes, first, maskFrom);
+    Fill<set>(bytes, kWordBytes * (first + 1), kWordBytes * last);
+    PutWord<set>(bytes, last, maskTo);
+}
+
+template <bool set>
+void FillBytes(unsigned char* bytes, std::uint64_t from, std::uint64_t to)
+{
     const std::uint64_t firstByte = from / 8;
     const std::uint64_t endByte = to / 8;
     if (firstByte == endByte)
@@ -43,13 +75,27 @@ void FillBits(unsigned char* bytes, std::uint64_t from, std::uint64_t to)
         return;
     }
     Put<set>(bytes[firstByte], MaskFrom(from % 8));
-    if (endByte - firstByte > 1)
-    {
-        std::memset(bytes + firstByte + 1, set ? 0xFF : 0, static_cast<std::size_t>(endByte - firstByte - 1));
-    }
+    Fill<set>(bytes, firstByte + 1, endByte);
     if (to % 8 != 0)
     {
         Put<set>(bytes[endByte], MaskBefore(to % 8));
+    }
+}
+
+template <bool set>
+void FillBits(unsigned char* bytes, std::uint64_t size, std::uint64_t from, std::uint64_t to)
+{
+    if (from >= to)
+    {
+        return;
+    }
+    if ((to + kWordBits - 1) / kWordBits * kWordBytes <= size)
+    {
+        FillWords<set>(bytes, from, to);
+    }
+    else
+    {
+        FillBytes<set>(bytes, from, to);
     }
 }
 
@@ -135,14 +181,14 @@ std::uint64_t FindBackward(const unsigned char* bytes, std::uint64_t from, std::
 
 }  // namespace
 
-void SetBits(unsigned char* bytes, std::uint64_t from, std::uint64_t to)
+void SetBits(unsigned char* bytes, std::uint64_t size, std::uint64_t from, std::uint64_t to)
 {
-    FillBits<true>(bytes, from, to);
+    FillBits<true>(bytes, size, from, to);
 }
 
-void ClearBits(unsigned char* bytes, std::uint64_t from, std::uint64_t to)
+void ClearBits(unsigned char* bytes, std::uint64_t size, std::uint64_t from, std::uint64_t to)
 {
-    FillBits<false>(bytes, from, to);
+    FillBits<false>(bytes, size, from, to);
 }
 
 std::uint64_t FindSetBit(const unsigned char* bytes, std::uint64_t from, std::uint64_t to)

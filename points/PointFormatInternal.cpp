@@ -161,16 +161,15 @@ void WriteSortedPoints(const QuonPointMarker& points, PointTextWriter& writer)
     const unsigned char* const bits = QuonPointMarkerAccess::Bytes(points);
     const std::uint64_t count = QuonPointMarkerAccess::CountBits(points);
     const unsigned long first = points.GetFirstNumber();
-    for (std::uint64_t from = FindSetBit(bits, 0, count); from < count;)
-    {
-        const std::uint64_t to = FindClearBit(bits, from, count);
-        writer.WriteItem(first + static_cast<unsigned long>(from));
-        if (to - from > 1)
-        {
-            writer.WriteRangeEnd(first + static_cast<unsigned long>(to - 1));
-        }
-        from = FindSetBit(bits, to, count);
-    }
+    ForEachRun(bits, count,
+               [&writer, first](std::uint64_t from, std::uint64_t to)
+               {
+                   writer.WriteItem(first + static_cast<unsigned long>(from));
+                   if (to - from > 1)
+                   {
+                       writer.WriteRangeEnd(first + static_cast<unsigned long>(to - 1));
+                   }
+               });
 }
 
 void UnsortedPointLayout::Add(unsigned long point)

@@ -188,7 +188,7 @@ void QuonPointMarkerAccess::MarkRange(QuonPointMarker& marker, unsigned long low
     }
     if (from < to)
     {
-        QuonPointDetails::SetBits(marker.m_bits, from, to);
+        QuonPointDetails::SetBits(marker.m_bits, BytesFor(marker.m_bitCount), from, to);
     }
 }
 
@@ -203,6 +203,6 @@ void QuonPointMarkerAccess::UnmarkRange(QuonPointMarker& marker, unsigned long l
     const std::uint64_t to = std::min(highest - marker.m_firstNumber + std::uint64_t{1}, marker.m_bitCount);
     if (from < to)
     {
-        QuonPointDetails::ClearBits(marker.m_bits, from, to);
+        QuonPointDetails::ClearBits(marker.m_bits, BytesFor(marker.m_bitCount), from, to);
     }
 }

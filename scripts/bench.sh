@@ -18,7 +18,12 @@ done
 
 "$top/scripts/setup.sh"
 "$top/scripts/benchmark-sources.sh"
-[ -z "$plot" ] || python3 -c 'import matplotlib' 2>/dev/null || "$top/scripts/setup.sh" python3-matplotlib
+if [ -n "$plot" ]; then
+  # Debian's package belongs to Debian's interpreter, which another one may hide.
+  plotter=python3
+  "$plotter" -c 'import matplotlib' 2>/dev/null || plotter=/usr/bin/python3
+  "$plotter" -c 'import matplotlib' 2>/dev/null || "$top/scripts/setup.sh" python3-matplotlib
+fi
 build mingw-release benchmarks
 bin=$top/build/mingw-release/bin
 if [ ${#areas[@]} = 0 ]; then
@@ -38,6 +43,7 @@ for area in "${areas[@]}"; do
   grep -q '^benchmarks done' "$area.log" || die "benchmark_$area ended before its work did"
   result=$top/benchmarks/results/$area.json
   "$top/scripts/benchmark-report.py" "$area" "$area.json" "$result"
-  [ -z "$plot" ] || "$top/scripts/benchmark-report.py" --plot "$area" "$result" "$top/docs/pictures/performance-$area.svg"
+  [ -z "$plot" ] ||
+    "$plotter" "$top/scripts/benchmark-report.py" --plot "$area" "$result" "$top/docs/pictures/performance-$area.svg"
 done
 if [ -f "$top/docs/performance.md" ]; then "$top/scripts/benchmark-report.py" --page "$top/docs/performance.md"; fi

@@ -14,7 +14,13 @@ import sys
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
 RESULTS = TOP / "benchmarks" / "results"
+GOALS = TOP / "benchmarks" / "goals.json"
+PICTURES = TOP / "docs" / "pictures"
 OURS = "quon"
+
+
+def picture_name(area):
+    return f"performance-{area}.svg"
 
 
 def read_times(raw):
@@ -47,7 +53,7 @@ def summarise(area, raw):
         works.append({"work": work, "size": largest, "contenders": contenders})
     context = raw["context"]
     notes = {key.removeprefix("note: "): float(value) for key, value in context.items() if key.startswith("note: ")}
-    goals = [judge(goal, works) for goal in json.loads((TOP / "benchmarks" / "goals.json").read_text()).get(area, [])]
+    goals = [judge(goal, works) for goal in json.loads(GOALS.read_text()).get(area, [])]
     return {"area": area, "date": context["date"][:10], "processors": context["num_cpus"], "works": works,
             "notes": notes, "goals": goals}
 
@@ -72,12 +78,17 @@ def judge(goal, works):
         ratio = theirs / ours
         return {"text": f"{label}: {ratio:.1f} times as fast (goal: {goal['times_faster']:g})",
                 "met": ratio >= goal["times_faster"]}
-    more = (ours - theirs) * (work["size"] if goal.get("whole") else 1)
-    return {"text": f"{label}: {more:.0f} ns more (goal: at most {goal['at_most_more_ns']})",
-            "met": more <= goal["at_most_more_ns"]}
+    more, most = ours - theirs, goal["at_most_more_ns"]
+    return {"text": f"{label}: {time_text(more)} more (goal: at most {time_text(most)})", "met": more <= most}
+
+
+def ratio_text(ratio):
+    return f"{ratio:.3f}" if ratio < 0.1 else f"{ratio:.2f}" if ratio < 100 else f"{ratio:,.0f}"
 
 
 def time_text(nanoseconds):
+    if nanoseconds < 0:
+        return "-" + time_text(-nanoseconds)
     for unit, factor in (("ns", 1), ("us", 1e3), ("ms", 1e6)):
         if nanoseconds < 1000 * factor:
             return f"{nanoseconds / factor:.3g} {unit}"
@@ -85,8 +96,10 @@ def time_text(nanoseconds):
 
 
 def table(result):
-    """The result as Markdown."""
+    """The result as Markdown, with its chart if there is one."""
     lines = [f"Wine, {result['processors']} processors, {result['date']}; time of one item, smallest of the repeats.", ""]
+    if (PICTURES / picture_name(result["area"])).exists():
+        lines += [f"![{result['area']}](pictures/{picture_name(result['area'])})", ""]
     for work in result["works"]:
         lines += [f"**{work['work']}**, {work['size']:,} items", "",
                   "| Contender | Minimum | Median | Of ours | Growth of an item's cost at 1, 10, 100 times the size |",
@@ -95,7 +108,7 @@ def table(result):
             growth = ", ".join(f"{value:.2f}" for value in entry["growth"])
             name = f"**{entry['name']}**" if entry["name"] == OURS else entry["name"]
             lines.append(f"| {name} | {time_text(entry['minimum_ns'])} | {time_text(entry['median_ns'])} | "
-                         f"{entry['of_ours']:.2f} | {growth} |")
+                         f"{ratio_text(entry['of_ours'])} | {growth} |")
         lines.append("")
     for what, value in result["notes"].items():
         lines.append(f"- {what}: {value:g}")
@@ -122,7 +135,7 @@ def plot(result, path):
         for entry in work["contenders"]:
             ours, limit = entry["name"] == OURS, entry["name"].startswith("limit")
             axes.barh(position, entry["of_ours"], color="#1f6f8b" if ours else "#b8c4c9" if limit else "#e08e45")
-            axes.text(entry["of_ours"], position, f" {entry['of_ours']:.2f}", va="center", fontsize=8)
+            axes.text(entry["of_ours"], position, f" {ratio_text(entry['of_ours'])}", va="center", fontsize=8)
             ticks.append(position)
             labels.append(entry["name"])
             position += 1
@@ -141,12 +154,15 @@ def fill_page(page, check):
     """Puts each kept result between its markers, <!-- results: AREA --> and <!-- end -->."""
     text = page.read_text()
     filled = text
-    for path in sorted(RESULTS.glob("*.json")):
-        begin, end = f"<!-- results: {path.stem} -->\n", "<!-- end -->"
+    results = {path.stem: path for path in RESULTS.glob("*.json")}
+    for area in sorted(set(results) | set(json.loads(GOALS.read_text()))):
+        begin, end = f"<!-- results: {area} -->\n", "<!-- end -->"
         if begin not in filled:
-            sys.exit(f"{page}: no place for the results of {path.stem}")
+            sys.exit(f"{page}: no place for the results of {area}")
+        if area not in results:
+            continue
         head, rest = filled.split(begin, 1)
-        filled = head + begin + table(json.loads(path.read_text())) + rest[rest.index(end):]
+        filled = head + begin + table(json.loads(results[area].read_text())) + rest[rest.index(end):]
     if check and filled != text:
         sys.exit(f"{page} differs from benchmarks/results: run scripts/benchmark-report.py --page {page}")
     if not check:

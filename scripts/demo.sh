@@ -37,6 +37,23 @@ same "mirrored files" "$(quonhost tree "$(windows_path "$scratch/mirror")" --fil
 diff -r "$part" "$scratch/mirror" || die "the mirror differs from the original"
 echo "   every file is the same, byte for byte"
 
+survey=$scratch/survey.xml
+say "watching $survey while it is rewritten"
+printf '<LandXML/>\n' >"$survey"
+quonhost watch "$(windows_path "$survey")" --seconds 8 >"$scratch/events" &
+watcher=$!
+# Until it is heard: the watch is set up some time after the program has started.
+for ((count = 1; count <= 15; count++)); do
+  sleep 0.5
+  printf '<LandXML version="1.%d"/>%*s\n' "$count" "$count" '' >"$survey"
+  [ "$(grep -c . "$scratch/events")" -lt 2 ] || break
+done
+wait "$watcher"
+sed 's/^/   /' "$scratch/events"
+for event in size write; do
+  grep -qF " $event " "$scratch/events" || die "nobody saw a new $event of the file"
+done
+
 say "removing the mirror"
 quonhost remove "$(windows_path "$scratch/mirror")"
 [ ! -e "$scratch/mirror" ] || die "the mirror is still there"

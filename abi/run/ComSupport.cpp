@@ -3,7 +3,6 @@
 
 #include <windows.h>
 #include <comdef.h>
-#include <msxml.h>
 
 class _bstr_t::Data_t
 {
@@ -173,9 +172,51 @@ _variant_t::_variant_t(const wchar_t* text)
     V_BSTR(this) = NewText(text);
 }
 
+_variant_t::_variant_t(int value) noexcept
+{
+    ::VariantInit(this);
+    vt = VT_INT;
+    V_INT(this) = value;
+}
+
+_variant_t::_variant_t(unsigned int value) noexcept
+{
+    ::VariantInit(this);
+    vt = VT_UINT;
+    V_UINT(this) = value;
+}
+
+_variant_t::_variant_t(IDispatch* object, bool add) noexcept
+{
+    ::VariantInit(this);
+    vt = VT_DISPATCH;
+    V_DISPATCH(this) = object;
+    if (object != nullptr && add)
+    {
+        object->AddRef();
+    }
+}
+
+_variant_t::_variant_t(IUnknown* object, bool add) noexcept
+{
+    ::VariantInit(this);
+    vt = VT_UNKNOWN;
+    V_UNKNOWN(this) = object;
+    if (object != nullptr && add)
+    {
+        object->AddRef();
+    }
+}
+
 _variant_t::~_variant_t() noexcept
 {
     ::VariantClear(this);
+}
+
+_variant_t& _variant_t::operator=(const _variant_t& other)
+{
+    CheckResult(::VariantCopy(this, const_cast<_variant_t*>(&other)));
+    return *this;
 }
 
 _com_error::_com_error(HRESULT r, IErrorInfo* info, bool add) noexcept
@@ -233,214 +274,3 @@ void __stdcall _com_issue_errorex(HRESULT r, IUnknown*, REFIID)
 {
     throw _com_error(r, nullptr);
 }
-
-template <class I>
-_com_ptr_t<I>::_com_ptr_t() noexcept : m_pInterface(nullptr)
-{
-}
-
-template <class I>
-_com_ptr_t<I>::_com_ptr_t(std::nullptr_t) noexcept : m_pInterface(nullptr)
-{
-}
-
-template <class I>
-_com_ptr_t<I>::_com_ptr_t(const _com_ptr_t& o) noexcept : m_pInterface(o.m_pInterface)
-{
-    if (m_pInterface)
-    {
-        m_pInterface->AddRef();
-    }
-}
-
-template <class I>
-_com_ptr_t<I>::_com_ptr_t(_com_ptr_t&& o) noexcept : m_pInterface(o.m_pInterface)
-{
-    o.m_pInterface = nullptr;
-}
-
-template <class I>
-_com_ptr_t<I>::_com_ptr_t(Interface* p) noexcept : m_pInterface(p)
-{
-    if (p)
-    {
-        p->AddRef();
-    }
-}
-
-template <class I>
-_com_ptr_t<I>::_com_ptr_t(Interface* p, bool add) noexcept : m_pInterface(p)
-{
-    if (p && add)
-    {
-        p->AddRef();
-    }
-}
-
-template <class I>
-_com_ptr_t<I>::~_com_ptr_t() noexcept
-{
-    if (m_pInterface)
-    {
-        m_pInterface->Release();
-    }
-}
-
-template <class I>
-_com_ptr_t<I>& _com_ptr_t<I>::operator=(Interface* p) noexcept
-{
-    if (p)
-    {
-        p->AddRef();
-    }
-    if (m_pInterface)
-    {
-        m_pInterface->Release();
-    }
-    m_pInterface = p;
-    return *this;
-}
-
-template <class I>
-_com_ptr_t<I>& _com_ptr_t<I>::operator=(const _com_ptr_t& o) noexcept
-{
-    return *this = o.m_pInterface;
-}
-
-template <class I>
-_com_ptr_t<I>& _com_ptr_t<I>::operator=(_com_ptr_t&& o) noexcept
-{
-    Interface* p = o.m_pInterface;
-    o.m_pInterface = m_pInterface;
-    m_pInterface = p;
-    return *this;
-}
-
-template <class I>
-_com_ptr_t<I>& _com_ptr_t<I>::operator=(std::nullptr_t) noexcept
-{
-    return *this = static_cast<Interface*>(nullptr);
-}
-
-template <class I>
-_com_ptr_t<I>::operator Interface*() const noexcept
-{
-    return m_pInterface;
-}
-
-template <class I>
-_com_ptr_t<I>::operator bool() const noexcept
-{
-    return m_pInterface != nullptr;
-}
-
-template <class I>
-bool _com_ptr_t<I>::operator==(Interface* p)
-{
-    return m_pInterface == p;
-}
-
-template <class I>
-bool _com_ptr_t<I>::operator!=(Interface* p)
-{
-    return m_pInterface != p;
-}
-
-template <class I>
-typename _com_ptr_t<I>::Interface* _com_ptr_t<I>::operator->() const
-{
-    if (!m_pInterface)
-    {
-        _com_issue_error(E_POINTER);
-    }
-    return m_pInterface;
-}
-
-template <class I>
-typename _com_ptr_t<I>::Interface** _com_ptr_t<I>::operator&() noexcept
-{
-    if (m_pInterface)
-    {
-        m_pInterface->Release();
-    }
-    m_pInterface = nullptr;
-    return &m_pInterface;
-}
-
-template <class I>
-typename _com_ptr_t<I>::Interface* _com_ptr_t<I>::GetInterfacePtr() const noexcept
-{
-    return m_pInterface;
-}
-
-template <class I>
-typename _com_ptr_t<I>::Interface*& _com_ptr_t<I>::GetInterfacePtr() noexcept
-{
-    return m_pInterface;
-}
-
-template <class I>
-typename _com_ptr_t<I>::Interface* _com_ptr_t<I>::Detach() noexcept
-{
-    Interface* p = m_pInterface;
-    m_pInterface = nullptr;
-    return p;
-}
-
-template <class I>
-HRESULT _com_ptr_t<I>::CreateInstance(const CLSID& c, IUnknown* outer, DWORD context) noexcept
-{
-    *this = static_cast<Interface*>(nullptr);
-    return ::CoCreateInstance(c, outer, context, GetIID(), reinterpret_cast<void**>(&m_pInterface));
-}
-
-template <class I>
-template <class O>
-_com_ptr_t<I>::_com_ptr_t(O* p) : m_pInterface(nullptr)
-{
-    const HRESULT r = p ? p->QueryInterface(GetIID(), reinterpret_cast<void**>(&m_pInterface)) : E_NOINTERFACE;
-    if (FAILED(r) && r != E_NOINTERFACE)
-    {
-        _com_issue_error(r);
-    }
-}
-
-template <class I>
-template <class O>
-_com_ptr_t<I>::_com_ptr_t(const _com_ptr_t<O>& o) : _com_ptr_t(static_cast<IUnknown*>(o.GetInterfacePtr()))
-{
-}
-
-template class _com_ptr_t<_com_IIID<IXMLDOMNode>>;
-template class _com_ptr_t<_com_IIID<IXMLDOMDocument>>;
-template class _com_ptr_t<_com_IIID<IXMLDOMElement>>;
-template class _com_ptr_t<_com_IIID<IXMLDOMAttribute>>;
-template class _com_ptr_t<_com_IIID<IXMLDOMCDATASection>>;
-template class _com_ptr_t<_com_IIID<IXMLDOMNamedNodeMap>>;
-template class _com_ptr_t<_com_IIID<IXMLDOMNodeList>>;
-template class _com_ptr_t<_com_IIID<IXMLDOMParseError>>;
-template class _com_ptr_t<_com_IIID<IXMLDOMProcessingInstruction>>;
-template class _com_ptr_t<_com_IIID<IXMLDOMText>>;
-template class _com_ptr_t<_com_IIID<IPersistStreamInit>>;
-template class _com_ptr_t<_com_IIID<IStream>>;
-template class _com_ptr_t<_com_IIID<IUnknown>>;
-template _com_ptr_t<_com_IIID<IXMLDOMNode>>::_com_ptr_t(const _com_ptr_t<_com_IIID<IXMLDOMDocument>>&);
-template _com_ptr_t<_com_IIID<IXMLDOMNode>>::_com_ptr_t(IXMLDOMDocument*);
-template _com_ptr_t<_com_IIID<IXMLDOMNode>>::_com_ptr_t(const _com_ptr_t<_com_IIID<IXMLDOMElement>>&);
-template _com_ptr_t<_com_IIID<IXMLDOMNode>>::_com_ptr_t(IXMLDOMElement*);
-template _com_ptr_t<_com_IIID<IXMLDOMNode>>::_com_ptr_t(const _com_ptr_t<_com_IIID<IXMLDOMAttribute>>&);
-template _com_ptr_t<_com_IIID<IXMLDOMNode>>::_com_ptr_t(IXMLDOMAttribute*);
-template _com_ptr_t<_com_IIID<IXMLDOMNode>>::_com_ptr_t(const _com_ptr_t<_com_IIID<IXMLDOMCDATASection>>&);
-template _com_ptr_t<_com_IIID<IXMLDOMNode>>::_com_ptr_t(IXMLDOMCDATASection*);
-template _com_ptr_t<_com_IIID<IXMLDOMNode>>::_com_ptr_t(const _com_ptr_t<_com_IIID<IXMLDOMProcessingInstruction>>&);
-template _com_ptr_t<_com_IIID<IXMLDOMNode>>::_com_ptr_t(IXMLDOMProcessingInstruction*);
-template _com_ptr_t<_com_IIID<IXMLDOMNode>>::_com_ptr_t(const _com_ptr_t<_com_IIID<IXMLDOMText>>&);
-template _com_ptr_t<_com_IIID<IXMLDOMNode>>::_com_ptr_t(IXMLDOMText*);
-template _com_ptr_t<_com_IIID<IXMLDOMElement>>::_com_ptr_t(const _com_ptr_t<_com_IIID<IXMLDOMNode>>&);
-template _com_ptr_t<_com_IIID<IXMLDOMElement>>::_com_ptr_t(IXMLDOMNode*);
-template _com_ptr_t<_com_IIID<IXMLDOMAttribute>>::_com_ptr_t(const _com_ptr_t<_com_IIID<IXMLDOMNode>>&);
-template _com_ptr_t<_com_IIID<IXMLDOMAttribute>>::_com_ptr_t(IXMLDOMNode*);
-template _com_ptr_t<_com_IIID<IXMLDOMDocument>>::_com_ptr_t(const _com_ptr_t<_com_IIID<IXMLDOMNode>>&);
-template _com_ptr_t<_com_IIID<IXMLDOMDocument>>::_com_ptr_t(IXMLDOMNode*);
-template _com_ptr_t<_com_IIID<IPersistStreamInit>>::_com_ptr_t(const _com_ptr_t<_com_IIID<IXMLDOMDocument>>&);
-template _com_ptr_t<_com_IIID<IPersistStreamInit>>::_com_ptr_t(IXMLDOMDocument*);

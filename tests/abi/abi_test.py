@@ -117,6 +117,11 @@ EXPORTS
                 # The closure is the compiler's own business: GCC has none.
                 self.assertEqual(len(faults), 0 if name.startswith("??_F") else 1)
 
+    def test_a_type_that_the_platform_names_otherwise_is_found(self):
+        listed = self.GCC + "; Show(_ITEMIDLIST const*)\n    _Z4ShowPK11_ITEMIDLIST @112 NONAME\n"
+        faults = abi.number_names({**self.names(), "?Show@@YAXPEBU_ITEMIDLIST@@@Z": False}, listed)[1]
+        self.assertEqual(len(faults), 1)
+
     def test_a_parameter_that_differs_is_found(self):
         differs = self.GCC.replace("; Append(long long)", "; Append(long)")
         self.assertEqual(len(abi.number_names(self.names(), differs)[1]), 2)
