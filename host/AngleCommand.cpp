@@ -1,5 +1,6 @@
 #include "host/Commands.h"
 #include "host/Console.h"
+#include "host/Report.h"
 
 #include "support/Angles.h"
 #include "support/StringHelpers.h"
@@ -18,6 +19,7 @@ struct AngleOptions
     std::string value;
     std::string from;
     std::string to;
+    bool json = false;
 };
 
 double ParseValue(const std::string& text)
@@ -46,8 +48,14 @@ double Convert(double value, const std::string& from, const std::string& to)
 
 void PrintAngle(const AngleOptions& options)
 {
+    const double angle = Convert(ParseValue(options.value), options.from, options.to);
+    if (options.json)
+    {
+        PrintJson({{"value", angle}, {"unit", options.to}});
+        return;
+    }
     wchar_t text[64] = {};
-    _snwprintf(text, 63, L"%.15g", Convert(ParseValue(options.value), options.from, options.to));
+    _snwprintf(text, 63, L"%.15g", angle);
     PrintLine(text);
 }
 
@@ -67,6 +75,7 @@ void AddAngleCommand(CLI::App& app)
                      "The same units; to dms, the last four decimals are the fraction of a minute, not seconds")
         ->required()
         ->check(units);
+    AddJsonFlag(*command, options->json);
     command->callback([options] { PrintAngle(*options); });
 }
 

@@ -1,5 +1,6 @@
 #include "host/Commands.h"
 #include "host/Console.h"
+#include "host/Report.h"
 
 #include "monitoring/QuonBrowseForDirectory.h"
 #include "paths/QuonPath.h"
@@ -17,6 +18,7 @@ struct BrowseOptions
     std::optional<std::string> initialFolder;
     std::optional<std::string> rootFolder;
     std::string title = "Choose a folder";
+    bool json = false;
 };
 
 // Says below the title what it would return.
@@ -43,6 +45,11 @@ void BrowseFolders(const BrowseOptions& options)
     {
         throw CommandError("no folder was chosen");
     }
+    if (options.json)
+    {
+        PrintJson({{"folder", JsonText(static_cast<const wchar_t*>(chosen))}});
+        return;
+    }
     PrintLine(static_cast<const wchar_t*>(chosen));
 }
 
@@ -55,6 +62,7 @@ void AddBrowseCommand(CLI::App& app)
     command->add_option("--initial", options->initialFolder, "The folder to select at first");
     command->add_option("--root", options->rootFolder, "The folder above which nobody can go");
     command->add_option("--title", options->title, "The text above the folders")->capture_default_str();
+    AddJsonFlag(*command, options->json);
     command->callback([options] { BrowseFolders(*options); });
 }
 

@@ -1,7 +1,10 @@
 #include "host/Commands.h"
 #include "host/Console.h"
+#include "host/Report.h"
 
 #include "paths/QuonPath.h"
+
+#include <memory>
 
 namespace quonhost
 {
@@ -12,19 +15,30 @@ struct NamedFolder
 {
     QuonFolderId id;
     const wchar_t* name;
+    const char* member;  // in JSON
 };
 
 constexpr NamedFolder kFolders[] = {
-    {QuonFolderModuleFile, L"program"},
-    {QuonFolderModuleFolder, L"program folder"},
-    {QuonFolderWindows, L"windows"},
-    {QuonFolderSystem, L"system"},
-    {QuonFolderTemp, L"temporary"},
-    {QuonFolderCurrent, L"current"},
-    {QuonFolderDesktop, L"desktop"},
-    {QuonFolderFavorites, L"favorites"},
-    {QuonFolderTempFileName, L"temporary file"},
+    {QuonFolderModuleFile, L"program", "program"},
+    {QuonFolderModuleFolder, L"program folder", "programFolder"},
+    {QuonFolderWindows, L"windows", "windows"},
+    {QuonFolderSystem, L"system", "system"},
+    {QuonFolderTemp, L"temporary", "temporary"},
+    {QuonFolderCurrent, L"current", "current"},
+    {QuonFolderDesktop, L"desktop", "desktop"},
+    {QuonFolderFavorites, L"favorites", "favorites"},
+    {QuonFolderTempFileName, L"temporary file", "temporaryFile"},
 };
+
+void PrintFoldersAsJson()
+{
+    Json report;
+    for (const NamedFolder& folder : kFolders)
+    {
+        report[folder.member] = JsonText(static_cast<const wchar_t*>(QuonPath(folder.id, 0)));
+    }
+    PrintJson(report);
+}
 
 void PrintFolders()
 {
@@ -40,7 +54,10 @@ void PrintFolders()
 
 void AddFoldersCommand(CLI::App& app)
 {
-    app.add_subcommand("folders", "Print the well-known folders")->callback(&PrintFolders);
+    auto isJson = std::make_shared<bool>(false);
+    CLI::App* const command = app.add_subcommand("folders", "Print the well-known folders");
+    AddJsonFlag(*command, *isJson);
+    command->callback([isJson] { *isJson ? PrintFoldersAsJson() : PrintFolders(); });
 }
 
 }  // namespace quonhost

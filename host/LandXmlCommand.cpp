@@ -1,6 +1,8 @@
 #include "host/Commands.h"
 #include "host/Console.h"
+#include "host/LandXmlRun.h"
 #include "host/ProgressBar.h"
+#include "host/Report.h"
 #include "host/landxml/CsvText.h"
 #include "host/landxml/LandXmlFile.h"
 #include "host/landxml/LandXmlInfoText.h"
@@ -33,7 +35,6 @@ struct LandXmlOptions
     std::string project;
     bool csv = false;
     bool json = false;
-    bool progress = false;
 };
 
 PointFilter FilterOf(const LandXmlOptions& options)
@@ -92,7 +93,7 @@ void PrintInfo(const LandXmlOptions& options)
     const LandXmlInfo info = LandXmlFile(options.input).GetInfo();
     if (options.json)
     {
-        PrintLine(ToWide(InfoAsJson(info)));
+        PrintJson(InfoAsJson(info));
         return;
     }
     for (const std::wstring& line : DescribeInfo(info))
@@ -108,11 +109,35 @@ std::string PlainLine(const SurveyPoint& point)
     return point.code.empty() ? line : line + ' ' + point.code;
 }
 
+Json PointAsJson(const SurveyPoint& point)
+{
+    return {{"number", point.number},
+            {"northing", point.northing},
+            {"easting", point.easting},
+            {"elevation", point.elevation ? Json(*point.elevation) : Json(nullptr)},
+            {"code", point.code.empty() ? Json(nullptr) : Json(point.code)}};
+}
+
+void PrintPointsAsJson(const std::vector<SurveyPoint>& points)
+{
+    Json list = Json::array();
+    for (const SurveyPoint& point : points)
+    {
+        list.push_back(PointAsJson(point));
+    }
+    PrintJson({{"points", std::move(list)}});
+}
+
 void PrintChosenPoints(const LandXmlOptions& options)
 {
     const PointFilter filter = FilterOf(options);
     const std::vector<SurveyPoint> points = ChoosePoints(LandXmlFile(options.input).ReadPoints(), filter);
     RequirePoints(points, options);
+    if (options.json)
+    {
+        PrintPointsAsJson(points);
+        return;
+    }
     if (options.csv)
     {
         PrintLine(ToWide(kPointHeader));
@@ -123,38 +148,18 @@ void PrintChosenPoints(const LandXmlOptions& options)
     }
 }
 
-// Runs a command with its bar, and tells failures of the parser and the library as the others.
-void RunWatched(const LandXmlOptions& options, void (*run)(const LandXmlOptions&))
-{
-    const ProgressBar bar(options.progress || IsProgressVisible());
-    try
-    {
-        run(options);
-    }
-    catch (const CString& status)
-    {
-        throw CommandError(std::wstring_view(status.GetString()));
-    }
-    catch (const _com_error& error)
-    {
-        throw CommandError(L"the XML parser failed: " + std::wstring(error.ErrorMessage()));
-    }
-}
-
-CLI::App* AddWatched(CLI::App& parent, const std::shared_ptr<LandXmlOptions>& options, const char* name,
-                     const char* description, void (*run)(const LandXmlOptions&))
+CLI::App* AddWork(CLI::App& parent, const std::shared_ptr<LandXmlOptions>& options, const char* name,
+                  const char* description, void (*run)(const LandXmlOptions&))
 {
     CLI::App* const command = parent.add_subcommand(name, description);
-    command->add_flag("--progress", options->progress,
-                      "Show the progress on the error output even when that is no terminal");
-    command->callback([options, run] { RunWatched(*options, run); });
+    SetLandXmlWork(*command, [options, run] { run(*options); });
     return command;
 }
 
 void AddExport(CLI::App& parent)
 {
     auto options = std::make_shared<LandXmlOptions>();
-    CLI::App* const command = AddWatched(parent, options, "export", "Write survey points as LandXML 1.0", &Export);
+    CLI::App* const command = AddWork(parent, options, "export", "Write survey points as LandXML 1.0", &Export);
     command
         ->add_option("points.csv", options->input,
                      "Points in UTF-8: number,northing,easting,elevation,code; a first line may name the columns")
@@ -174,24 +179,48 @@ void AddInfo(CLI::App& parent)
 {
     auto options = std::make_shared<LandXmlOptions>();
     CLI::App* const command =
-        AddWatched(parent, options, "info",
-                   "Print what a LandXML file (1.0 to 1.2) holds: points, surfaces, alignments", &PrintInfo);
+        AddWork(parent, options, "info", "Print what a LandXML file (1.0 to 1.2) holds: points, surfaces, alignments",
+                &PrintInfo);
     command->add_option("file.xml", options->input, "The file")->required();
-    command->add_flag("--json", options->json, "Print a JSON object");
+    AddJsonFlag(*command, options->json);
 }
 
 void AddPoints(CLI::App& parent)
 {
     auto options = std::make_shared<LandXmlOptions>();
     CLI::App* const command =
-        AddWatched(parent, options, "points",
-                   "Print points of a LandXML file: number, northing, easting, elevation, code", &PrintChosenPoints);
+        AddWork(parent, options, "points", "Print points of a LandXML file: number, northing, easting, elevation, code",
+                &PrintChosenPoints);
     command->add_option("file.xml", options->input, "The file")->required();
     command->add_option("--points", options->list, "Which (\"1-5, 9\")")->required();
-    command->add_flag("--csv", options->csv, "Print them as export reads them");
+    CLI::Option* const csv = command->add_flag("--csv", options->csv, "Print them as export reads them");
+    AddJsonFlag(*command, options->json)->excludes(csv);
 }
 
 }  // namespace
+
+void SetLandXmlWork(CLI::App& command, const std::function<void()>& run)
+{
+    auto progress = std::make_shared<bool>(false);
+    command.add_flag("--progress", *progress, kProgressHelp);
+    command.callback(
+        [progress, run]
+        {
+            const ProgressBar bar(*progress || IsProgressVisible());
+            try
+            {
+                run();
+            }
+            catch (const CString& status)
+            {
+                throw CommandError(std::wstring_view(status.GetString()));
+            }
+            catch (const _com_error& error)
+            {
+                throw CommandError(L"the XML parser failed: " + std::wstring(error.ErrorMessage()));
+            }
+        });
+}
 
 void AddLandXmlCommand(CLI::App& app)
 {
@@ -200,6 +229,7 @@ void AddLandXmlCommand(CLI::App& app)
     AddExport(*command);
     AddInfo(*command);
     AddPoints(*command);
+    AddLandXmlPlot(*command);
 }
 
 }  // namespace quonhost

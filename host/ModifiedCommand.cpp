@@ -1,6 +1,7 @@
 #include "host/Commands.h"
 #include "host/Console.h"
 #include "host/ProgressBar.h"
+#include "host/Report.h"
 
 #include "monitoring/QuonFileModifiedManager.h"
 #include "support/Progress.h"
@@ -17,14 +18,21 @@ struct ModifiedOptions
 {
     std::vector<std::string> files;
     double pause = 2;
+    bool json = false;
 };
 
-void AskForAll(const wchar_t* when, const std::vector<std::wstring>& files)
+void AskForAll(int question, const std::vector<std::wstring>& files, bool isJson)
 {
     for (const std::wstring& file : files)
     {
         const bool isModified = QuonFileModifiedManager::IsFileModified(file.c_str());
-        PrintLine(std::wstring(when) + (isModified ? L"  modified   " : L"  unchanged  ") + file);
+        if (isJson)
+        {
+            PrintJsonLine({{"question", question}, {"path", JsonText(file)}, {"modified", isModified}});
+            continue;
+        }
+        PrintLine(std::wstring(question == 1 ? L"first " : L"second") +
+                  (isModified ? L"  modified   " : L"  unchanged  ") + file);
     }
     std::fflush(stdout);
 }
@@ -53,9 +61,9 @@ void AskTwice(const ModifiedOptions& options)
     {
         files.push_back(FullPath(file));
     }
-    AskForAll(L"first ", files);
+    AskForAll(1, files, options.json);
     Pause(options.pause);
-    AskForAll(L"second", files);
+    AskForAll(2, files, options.json);
 }
 
 }  // namespace
@@ -71,6 +79,7 @@ void AddModifiedCommand(CLI::App& app)
     command->add_option("--pause", options->pause, "Seconds between the two questions")
         ->check(CLI::Range(0.0, 1e9))
         ->capture_default_str();
+    AddJsonFlag(*command, options->json)->description("Print a JSON object a line");
     command->callback([options] { AskTwice(*options); });
 }
 

@@ -15,6 +15,9 @@ public:
     ProgressBar& operator=(const ProgressBar&) = delete;
 };
 
+/// What the option --progress does.
+inline constexpr const char* kProgressHelp = "Show the progress on the error output even when that is no terminal";
+
 /// Whether somebody at a terminal sees the standard error output and nothing else is printed there.
 bool IsProgressVisible();
 

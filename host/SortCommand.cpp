@@ -1,5 +1,6 @@
 #include "host/Commands.h"
 #include "host/Console.h"
+#include "host/Report.h"
 
 #include "support/NaturalCompare.h"
 
@@ -19,6 +20,7 @@ struct SortOptions
 {
     std::string file;
     bool ignoreCase = false;
+    bool json = false;
 };
 
 std::vector<std::wstring> ReadLines(const std::string& name)
@@ -49,6 +51,16 @@ std::vector<std::wstring> ReadLines(const std::string& name)
     return lines;
 }
 
+void PrintLinesAsJson(const std::vector<std::wstring>& lines)
+{
+    Json list = Json::array();
+    for (const std::wstring& line : lines)
+    {
+        list.push_back(JsonText(line));
+    }
+    PrintJson({{"lines", std::move(list)}});
+}
+
 void PrintSorted(const SortOptions& options)
 {
     std::vector<std::wstring> lines = ReadLines(options.file);
@@ -58,6 +70,11 @@ void PrintSorted(const SortOptions& options)
     std::stable_sort(lines.begin(), lines.end(),
                      [compare](const std::wstring& a, const std::wstring& b)
                      { return compare(a.c_str(), b.c_str()) < 0; });
+    if (options.json)
+    {
+        PrintLinesAsJson(lines);
+        return;
+    }
     for (const std::wstring& line : lines)
     {
         PrintLine(line);
@@ -73,6 +90,7 @@ void AddSortCommand(CLI::App& app)
         app.add_subcommand("sort", "Print the lines of a text file in natural order: file2 before file10");
     command->add_option("file", options->file, "A UTF-8 text file")->required();
     command->add_flag("--ignore-case", options->ignoreCase, "Take upper and lower case for the same");
+    AddJsonFlag(*command, options->json);
     command->callback([options] { PrintSorted(*options); });
 }
 

@@ -1,5 +1,6 @@
 #include "host/Commands.h"
 #include "host/Console.h"
+#include "host/Report.h"
 
 #include "paths/QuonPath.h"
 
@@ -16,6 +17,7 @@ struct SplitOptions
     std::string path;
     std::string base;
     bool slashes = false;
+    bool json = false;
 };
 
 void PrintNamed(const wchar_t* name, const wchar_t* text)
@@ -25,33 +27,74 @@ void PrintNamed(const wchar_t* name, const wchar_t* text)
     PrintLine(line + text);
 }
 
-void PrintParts(const SplitOptions& options)
+struct Parts
+{
+    QuonPath drive, directory, title, extension, normal, relative;
+    std::list<QuonPath> components;
+};
+
+Parts PartsOf(const SplitOptions& options)
 {
     const QuonPathFlags flags = options.slashes ? QuonPathForwardSlash : QuonPathBackslash;
     QuonPath path(ToWide(options.path), flags);
-
-    QuonPath drive(L"", flags), directory(L"", flags), title(L"", flags), extension(L"", flags);
-    path.Split(drive, directory, title, extension);
-    PrintNamed(L"drive", drive);
-    PrintNamed(L"directory", directory);
-    PrintNamed(L"title", title);
-    PrintNamed(L"extension", extension);
-
-    std::list<QuonPath> components;
-    path.GetComponents(components);
-    for (const QuonPath& component : components)
+    Parts parts;
+    for (QuonPath* const part : {&parts.drive, &parts.directory, &parts.title, &parts.extension})
     {
-        PrintNamed(L"component", component);
+        *part = QuonPath(L"", flags);
     }
-
+    path.Split(parts.drive, parts.directory, parts.title, parts.extension);
+    path.GetComponents(parts.components);
     path.Normalize();
-    PrintNamed(L"normal", path);
+    parts.normal = path;
     if (!options.base.empty())
     {
         // The shell, which finds the relative path, knows backslashes only.
         QuonPath target(path, QuonPathBackslash | QuonPathNormalize);
-        PrintNamed(L"relative", target.MakeRelativeTo(QuonPath(ToWide(options.base), QuonPathNormalize)));
+        parts.relative = target.MakeRelativeTo(QuonPath(ToWide(options.base), QuonPathNormalize));
     }
+    return parts;
+}
+
+void PrintAsText(const SplitOptions& options, const Parts& parts)
+{
+    PrintNamed(L"drive", parts.drive);
+    PrintNamed(L"directory", parts.directory);
+    PrintNamed(L"title", parts.title);
+    PrintNamed(L"extension", parts.extension);
+    for (const QuonPath& component : parts.components)
+    {
+        PrintNamed(L"component", component);
+    }
+    PrintNamed(L"normal", parts.normal);
+    if (!options.base.empty())
+    {
+        PrintNamed(L"relative", parts.relative);
+    }
+}
+
+void PrintAsJson(const SplitOptions& options, const Parts& parts)
+{
+    const auto textOf = [](const QuonPath& path)
+    {
+        return JsonText(static_cast<const wchar_t*>(path));
+    };
+    Json report = {{"drive", textOf(parts.drive)}, {"directory", textOf(parts.directory)},
+                   {"title", textOf(parts.title)}, {"extension", textOf(parts.extension)},
+                   {"components", Json::array()},  {"normal", textOf(parts.normal)}};
+    for (const QuonPath& component : parts.components)
+    {
+        report["components"].push_back(textOf(component));
+    }
+    if (!options.base.empty())
+    {
+        report["relative"] = textOf(parts.relative);
+    }
+    PrintJson(report);
+}
+
+void PrintParts(const SplitOptions& options)
+{
+    options.json ? PrintAsJson(options, PartsOf(options)) : PrintAsText(options, PartsOf(options));
 }
 
 }  // namespace
@@ -65,6 +108,7 @@ void AddSplitCommand(CLI::App& app)
         "--relative-to", options->base,
         "Also print the path relative to the folder of this one (end it in a separator to name a folder)");
     command->add_flag("--slashes", options->slashes, "Write forward slashes");
+    AddJsonFlag(*command, options->json);
     command->callback([options] { PrintParts(*options); });
 }
 

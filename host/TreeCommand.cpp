@@ -1,6 +1,7 @@
 #include "host/Commands.h"
 #include "host/Console.h"
 #include "host/ProgressBar.h"
+#include "host/Report.h"
 
 #include "paths/QuonPath.h"
 #include "support/Progress.h"
@@ -25,12 +26,14 @@ struct TreeOptions
     bool files = false;
     bool depthFirst = false;
     bool totalsOnly = false;
+    bool json = false;
 };
 
 struct Totals
 {
     unsigned long long entries = 0;
     unsigned long long bytes = 0;
+    Json names = Json::array();  // for a report
 };
 
 std::unique_ptr<QuonFileMatch> MakeWalk(const TreeOptions& options)
@@ -78,8 +81,9 @@ Totals Walk(const TreeOptions& options, const QuonPath& root, unsigned int filte
         }
         if (!options.totalsOnly)
         {
-            const QuonPath name = walk->GetFoundName();
-            PrintLine(*static_cast<const wchar_t*>(name) ? static_cast<const wchar_t*>(name) : L".");
+            const std::wstring name(walk->GetFoundName());
+            const std::wstring shown = name.empty() ? L"." : name;
+            options.json ? totals.names.push_back(JsonText(shown)) : PrintLine(shown);
         }
     }
     return totals;
@@ -127,6 +131,20 @@ unsigned int ParseFilter(const std::string& text)
     return static_cast<unsigned int>(code);
 }
 
+Json TotalsAsJson(const TreeOptions& options, const QuonPath& root, const Totals& totals)
+{
+    Json report = {{"root", JsonText(static_cast<const wchar_t*>(root))}, {"count", totals.entries}};
+    if (options.files && options.totalsOnly)
+    {
+        report["bytes"] = totals.bytes;
+    }
+    if (!options.totalsOnly)
+    {
+        report[options.files ? "files" : "folders"] = totals.names;
+    }
+    return report;
+}
+
 void PrintTree(const TreeOptions& options)
 {
     const unsigned int filter = ParseFilter(options.filter);
@@ -141,7 +159,11 @@ void PrintTree(const TreeOptions& options)
     const Totals totals = WalkWithProgress(options, root, filter);
     timer.AddLap();
     timer.WriteReport(L"tree", TRUE);
-    if (options.totalsOnly)
+    if (options.json)
+    {
+        PrintJson(TotalsAsJson(options, root, totals));
+    }
+    else if (options.totalsOnly)
     {
         PrintLine(std::to_wstring(totals.entries) +
                   (options.files ? L" files, " + std::to_wstring(totals.bytes) + L" bytes" : L" folders"));
@@ -168,8 +190,8 @@ void AddTreeCommand(CLI::App& app)
             "4-5, hidden 6-7, normal 8-9, read-only 10-11, system 12-13, temporary 14-15")
         ->capture_default_str();
     command->add_flag("--totals", options->totalsOnly, "Print only how much there is");
-    command->add_flag("--progress", options->progress,
-                      "Show the progress on the error output even when that is no terminal");
+    AddJsonFlag(*command, options->json);
+    command->add_flag("--progress", options->progress, kProgressHelp);
     command->add_option("--timer", options->timerLog, "Append the time that the walk took to this file");
     command->callback([options] { PrintTree(*options); });
 }

@@ -1,6 +1,7 @@
 #include "host/Commands.h"
 #include "host/Console.h"
 #include "host/ProgressBar.h"
+#include "host/Report.h"
 
 #include "monitoring/QuonFileEventServer.h"
 #include "paths/QuonPath.h"
@@ -34,6 +35,7 @@ struct WatchOptions
     std::vector<std::string> events = {"size", "write"};
     double seconds = 0;
     bool hasEnd = false;
+    bool json = false;
 };
 
 std::wstring LocalTime()
@@ -50,8 +52,8 @@ std::wstring LocalTime()
 class Watch : public QuonFileEventSink
 {
 public:
-    Watch(const std::wstring& path, DWORD mask)
-        : m_path(path, 0), m_result(GetFileEventServer()->Subscribe(m_path, mask, this, &m_id))
+    Watch(const std::wstring& path, DWORD mask, bool isJson)
+        : m_path(path, 0), m_isJson(isJson), m_result(GetFileEventServer()->Subscribe(m_path, mask, this, &m_id))
     {
     }
     ~Watch()
@@ -87,12 +89,20 @@ private:
     // At once, so that who reads a pipe sees it when it happens.
     void Print(std::wstring name) const
     {
+        if (m_isJson)
+        {
+            PrintJsonLine({{"time", JsonText(LocalTime())},
+                           {"event", JsonText(name)},
+                           {"path", JsonText(static_cast<const wchar_t*>(m_path))}});
+            return;
+        }
         name.resize(11, L' ');
         PrintLine(LocalTime() + L"  " + name + static_cast<const wchar_t*>(m_path));
         std::fflush(stdout);
     }
 
     QuonPath m_path;
+    bool m_isJson;
     QuonFileEventId m_id = 0;
     std::wstring m_failure;
     HRESULT m_result;
@@ -116,7 +126,7 @@ std::vector<std::unique_ptr<Watch>> StartWatches(const WatchOptions& options)
     std::vector<std::unique_ptr<Watch>> watches;
     for (const std::string& path : options.paths)
     {
-        watches.push_back(std::make_unique<Watch>(FullPath(path), MaskOf(options.events)));
+        watches.push_back(std::make_unique<Watch>(FullPath(path), MaskOf(options.events), options.json));
         if (FAILED(watches.back()->Result()))
         {
             throw CommandError("the watcher does not run");
@@ -190,6 +200,7 @@ void AddWatchCommand(CLI::App& app)
         ->capture_default_str();
     CLI::Option* const seconds =
         command->add_option("--seconds", options->seconds, "End after this time")->check(CLI::Range(0.0, 1e9));
+    AddJsonFlag(*command, options->json)->description("Print a JSON object a line");
     command->callback(
         [options, seconds]
         {

@@ -27,7 +27,12 @@ int Run(int count, wchar_t** arguments)
 {
     CLI::App app("Works on folders, paths, lists of points, names and angles with QuonWin32Utils.", "quonhost");
     app.require_subcommand(1);
-    app.footer("Exit code: 0 done, 1 the work failed, 2 the command line was not understood.");
+    app.footer(
+        "Exit codes:\n"
+        "  0  done; also when Ctrl+C ends a watch\n"
+        "  1  the work failed or was stopped by Ctrl+C; one line on the error output tells why\n"
+        "  2  the command line was not understood\n"
+        "Names are UTF-8 on the command line, in files and in what is printed.");
     quonhost::AddFoldersCommand(app);
     quonhost::AddTreeCommand(app);
     quonhost::AddFileCommands(app);

@@ -61,6 +61,17 @@ private:
     std::unordered_map<std::wstring_view, const CgPoint*> m_byName;
 };
 
+CgPlace PlaceOf(const CgPoint& point, TextsByName& texts)
+{
+    const std::wstring& text = texts.TextOf(point);
+    const std::optional<CgPlace> place = ParsePlace(text);
+    if (!place)
+    {
+        throw CommandError(L"point " + point.name + L" has no coordinates: \"" + text + L"\"");
+    }
+    return *place;
+}
+
 }  // namespace
 
 std::optional<CgPlace> ParsePlace(std::wstring_view text)
@@ -85,6 +96,17 @@ std::optional<CgPlace> ParsePlace(std::wstring_view text)
     return CgPlace{values[0], values[1], values.size() == 3 ? std::optional(values[2]) : std::nullopt};
 }
 
+std::vector<PlacedPoint> PlacePoints(const std::vector<CgPoint>& points)
+{
+    TextsByName texts(points);
+    std::vector<PlacedPoint> placed;
+    for (const CgPoint& point : points)
+    {
+        placed.push_back({point.name, point.code, PlaceOf(point, texts)});
+    }
+    return placed;
+}
+
 std::vector<SurveyPoint> ChoosePoints(const std::vector<CgPoint>& points, const PointFilter& filter)
 {
     TextsByName texts(points);
@@ -96,13 +118,8 @@ std::vector<SurveyPoint> ChoosePoints(const std::vector<CgPoint>& points, const 
         {
             continue;
         }
-        const std::wstring& text = texts.TextOf(point);
-        const std::optional<CgPlace> place = ParsePlace(text);
-        if (!place)
-        {
-            throw CommandError(L"point " + point.name + L" has no coordinates: \"" + text + L"\"");
-        }
-        chosen.push_back({*number, place->northing, place->easting, place->elevation, ToUtf8(point.code)});
+        const CgPlace place = PlaceOf(point, texts);
+        chosen.push_back({*number, place.northing, place.easting, place.elevation, ToUtf8(point.code)});
     }
     return chosen;
 }

@@ -32,6 +32,18 @@ struct CgPlace
 /// Reads two or three numbers parted by white space. @return nothing for any other text
 std::optional<CgPlace> ParsePlace(std::wstring_view text);
 
+/// A point and where it is.
+struct PlacedPoint
+{
+    std::wstring name;
+    std::wstring code;
+    CgPlace place;
+};
+
+/// All points, whatever their names, with the places that their texts, or the texts of the points that they refer to,
+/// give. @throws CommandError when one of them has no place
+std::vector<PlacedPoint> PlacePoints(const std::vector<CgPoint>& points);
+
 /// The points whose names are numbers that `filter` names, with the places that their texts, or the texts of the points
 /// that they refer to, give. @throws CommandError when one of them has no place
 std::vector<SurveyPoint> ChoosePoints(const std::vector<CgPoint>& points, const PointFilter& filter);

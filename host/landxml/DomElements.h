@@ -2,6 +2,7 @@
 #pragma once
 
 #include "xml/Msxml2.h"
+#include "xml/XmlNodes.h"
 
 #include <string>
 #include <string_view>
@@ -34,6 +35,18 @@ inline bool IsElement(MSXML2::IXMLDOMNode* node)
     DOMNodeType type = NODE_INVALID;
     MSXML2::Check(node->get_nodeType(&type), node);
     return type == NODE_ELEMENT;
+}
+
+/// The value of an attribute; "" when the element does not have it.
+inline std::wstring AttributeOf(const MSXML2::IXMLDOMNodePtr& node, const wchar_t* name)
+{
+    return GetAttributeValue(node, name).GetString();
+}
+
+/// The number of children of every kind: the steps that a walk over them makes.
+inline size_t CountChildren(const MSXML2::IXMLDOMNodePtr& node)
+{
+    return static_cast<size_t>(MSXML2::GetLength(MSXML2::GetChildNodes(node)));
 }
 
 /// Calls `visit(child)` for each child element of `parent` with the local name, in the parent's own namespace.

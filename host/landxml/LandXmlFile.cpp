@@ -20,17 +20,6 @@ namespace
 using MSXML2::IXMLDOMDocumentPtr;
 using MSXML2::IXMLDOMNodePtr;
 
-std::wstring AttributeOf(const IXMLDOMNodePtr& node, const wchar_t* name)
-{
-    return GetAttributeValue(node, name).GetString();
-}
-
-// The number of steps that the children of `node` make.
-size_t CountChildren(const IXMLDOMNodePtr& node)
-{
-    return static_cast<size_t>(MSXML2::GetLength(MSXML2::GetChildNodes(node)));
-}
-
 // What the parser has to say of a file that it could not load; "" when it says nothing.
 std::wstring WhereItFailed(const IXMLDOMDocumentPtr& document)
 {
@@ -199,7 +188,7 @@ SurfaceInfo ReadSurface(const IXMLDOMNodePtr& surface)
     return info;
 }
 
-void ReadUnits(const IXMLDOMNodePtr& root, LandXmlInfo& info)
+void ReadUnits(const IXMLDOMNodePtr& root, LandXmlHeading& heading)
 {
     const IXMLDOMNodePtr units = FirstElement(root, L"Units");
     for (const wchar_t* const system : {L"Metric", L"Imperial"})
@@ -207,8 +196,8 @@ void ReadUnits(const IXMLDOMNodePtr& root, LandXmlInfo& info)
         const IXMLDOMNodePtr unit = units ? FirstElement(units, system) : IXMLDOMNodePtr();
         if (unit)
         {
-            info.units = system;
-            info.linearUnit = AttributeOf(unit, L"linearUnit");
+            heading.units = system;
+            heading.linearUnit = AttributeOf(unit, L"linearUnit");
         }
     }
 }
@@ -235,13 +224,20 @@ LandXmlFile::LandXmlFile(const std::string& name) : m_document(LoadDocument(name
     }
 }
 
+LandXmlHeading LandXmlFile::GetHeading() const
+{
+    LandXmlHeading heading;
+    heading.version = m_version;
+    ReadUnits(m_root, heading);
+    const IXMLDOMNodePtr project = FirstElement(m_root, L"Project");
+    heading.project = project ? AttributeOf(project, L"name") : L"";
+    return heading;
+}
+
 LandXmlInfo LandXmlFile::GetInfo() const
 {
     LandXmlInfo info;
-    info.version = m_version;
-    ReadUnits(m_root, info);
-    const IXMLDOMNodePtr project = FirstElement(m_root, L"Project");
-    info.project = project ? AttributeOf(project, L"name") : L"";
+    static_cast<LandXmlHeading&>(info) = GetHeading();
     ForEachPoint(m_root, [&info](const IXMLDOMNodePtr&) { ++info.points; });
     ForEachElement(m_root, L"Surfaces",
                    [&info](const IXMLDOMNodePtr& surfaces)

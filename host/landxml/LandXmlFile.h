@@ -5,6 +5,7 @@
 
 #include "xml/Msxml2.h"
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,12 +36,30 @@ struct AlignmentInfo
     std::optional<double> length;
 };
 
-struct LandXmlInfo
+/// A surface as the document gives it.
+struct LandXmlSurface
+{
+    struct Place
+    {
+        double northing, easting, elevation;
+    };
+
+    std::wstring name;
+    std::vector<Place> points;
+    std::vector<std::array<size_t, 3>> triangles;  ///< indices of points; no face that is marked as a hole
+};
+
+/// What a document says of itself.
+struct LandXmlHeading
 {
     std::wstring version;
     std::wstring units;       ///< "Metric" or "Imperial"; empty when the document does not tell
     std::wstring linearUnit;  ///< such as "meter"
     std::wstring project;
+};
+
+struct LandXmlInfo : LandXmlHeading
+{
     size_t points = 0;
     std::vector<SurfaceInfo> surfaces;
     std::vector<AlignmentInfo> alignments;
@@ -53,10 +72,15 @@ public:
     /// @throws CommandError when the file is no LandXML document of a known version
     explicit LandXmlFile(const std::string& name);
 
+    LandXmlHeading GetHeading() const;
     LandXmlInfo GetInfo() const;
 
     /// All points, in document order, those of surveys and of groups of points included.
     std::vector<CgPoint> ReadPoints() const;
+
+    /// All surfaces, in document order. A face with more than three corners, which is convex, becomes triangles.
+    /// @throws CommandError when a face names a point that its surface does not have
+    std::vector<LandXmlSurface> ReadSurfaces() const;
 
 private:
     std::string m_name;

@@ -104,7 +104,7 @@ std::vector<std::wstring> DescribeInfo(const LandXmlInfo& info)
     return lines;
 }
 
-std::string InfoAsJson(const LandXmlInfo& info)
+ordered_json InfoAsJson(const LandXmlInfo& info)
 {
     ordered_json json = {{"version", ToUtf8(info.version)},
                          {"units", TextOrNull(info.units)},
@@ -122,7 +122,7 @@ std::string InfoAsJson(const LandXmlInfo& info)
         const ordered_json length = alignment.length ? ordered_json(*alignment.length) : ordered_json(nullptr);
         json["alignments"].push_back(ordered_json{{"name", ToUtf8(alignment.name)}, {"length", length}});
     }
-    return json.dump(2);
+    return json;
 }
 
 }  // namespace quonhost

@@ -3,6 +3,8 @@
 
 #include "host/landxml/LandXmlFile.h"
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <string>
 #include <vector>
 
@@ -12,7 +14,7 @@ namespace quonhost
 /// One fact a line, for people.
 std::vector<std::wstring> DescribeInfo(const LandXmlInfo& info);
 
-/// The same as a JSON object, for programs. UTF-8
-std::string InfoAsJson(const LandXmlInfo& info);
+/// The same as a JSON object, for programs.
+nlohmann::ordered_json InfoAsJson(const LandXmlInfo& info);
 
 }  // namespace quonhost

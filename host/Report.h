@@ -1,0 +1,27 @@
+// What a command reports to programs: JSON, printed in one way by all commands.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <string_view>
+
+namespace quonhost
+{
+
+/// Members keep the order in which they were put in.
+using Json = nlohmann::ordered_json;
+
+/// Gives the command the option --json. @return it, for telling what it does not go with
+CLI::Option* AddJsonFlag(CLI::App& command, bool& isAsked);
+
+/// A text as a value.
+Json JsonText(std::wstring_view text);
+
+/// Prints a report over several lines.
+void PrintJson(const Json& report);
+
+/// Prints a report on one line, at once, so that who reads a pipe sees it when it happens.
+void PrintJsonLine(const Json& report);
+
+}  // namespace quonhost

@@ -1,0 +1,190 @@
+#include "host/plot/PlotLayers.h"
+
+#include "host/plot/NiceSteps.h"
+
+#include <algorithm>
+
+namespace quonhost
+{
+namespace
+{
+
+constexpr const char* kInk = "stroke=\"#222\"";
+
+// Coordinates along the sides: so many at most, and so many more than that before a step counts as wrong.
+constexpr int kGridSteps = 6;
+constexpr size_t kMostGridLines = 50;
+
+constexpr double kLegendTitle = 18;
+constexpr double kLegendRow = 16;
+constexpr double kRampHeight = 220;
+constexpr double kRampWidth = 22;
+
+void DrawCrosses(SvgWriter& svg, const PlotFrame& frame, const std::vector<double>& eastings,
+                 const std::vector<double>& northings)
+{
+    constexpr double kArm = 5;
+    SvgPath path;
+    for (const double easting : eastings)
+    {
+        for (const double northing : northings)
+        {
+            const double x = frame.ToX(easting), y = frame.ToY(northing);
+            path.Begin(x - kArm, y);
+            path.LineTo(x + kArm, y);
+            path.End(false);
+            path.Begin(x, y - kArm);
+            path.LineTo(x, y + kArm);
+            path.End(false);
+        }
+    }
+    svg.Path(path, "fill=\"none\" stroke=\"#222\" stroke-opacity=\".45\" stroke-width=\"6\"");
+}
+
+void DrawNorthArrow(SvgWriter& svg, double x, double top)
+{
+    SvgPath left, right;
+    left.Begin(x, top);
+    left.LineTo(x - 9, top + 34);
+    left.LineTo(x, top + 27);
+    left.End(true);
+    right.Begin(x, top);
+    right.LineTo(x + 9, top + 34);
+    right.LineTo(x, top + 27);
+    right.End(true);
+    svg.Path(left, "fill=\"#222\" stroke=\"#222\" stroke-width=\"8\" stroke-linejoin=\"round\"");
+    svg.Path(right, "fill=\"#fff\" stroke=\"#222\" stroke-width=\"8\" stroke-linejoin=\"round\"");
+    svg.Text(x, top + 50, "N", "text-anchor=\"middle\" font-size=\"14\" font-weight=\"bold\"");
+}
+
+std::string WithUnit(const std::string& text, const std::string& unit)
+{
+    return unit.empty() ? text : text + ' ' + unit;
+}
+
+// The bands from the highest down, and the elevations beside them, as many as there is room for.
+double DrawRamp(SvgWriter& svg, double left, double top, const PlotLevels& levels, const std::string& unit)
+{
+    svg.Text(left, top, unit.empty() ? "Elevation" : "Elevation (" + unit + ")", "font-weight=\"bold\"");
+    const double rampTop = top + kLegendTitle - 6;
+    const double scale = levels.high > levels.low ? kRampHeight / (levels.high - levels.low) : 0;
+    const auto toY = [&](double level)
+    {
+        return rampTop + (levels.high - level) * scale;
+    };
+    for (size_t band = 0; band < levels.CountBands(); ++band)
+    {
+        const double upper = scale > 0 ? toY(std::min(levels.tints[band + 1], levels.high)) : rampTop;
+        const double lower = scale > 0 ? toY(levels.tints[band]) : rampTop + kLegendRow;
+        svg.Rectangle(left, upper, kRampWidth, lower - upper, "fill=\"" + HexOf(levels.TintOfBand(band)) + '"');
+    }
+    const double height = scale > 0 ? kRampHeight : kLegendRow;
+    svg.Rectangle(left, rampTop, kRampWidth, height, std::string("fill=\"none\" stroke-width=\".7\" ") + kInk);
+    if (scale <= 0)
+    {
+        svg.Text(left + kRampWidth + 8, rampTop + 12, FormatFixed(levels.low, 2));
+        return rampTop + height + kLegendTitle;
+    }
+    const double step = NiceStep(levels.high - levels.low, 8);
+    for (const double level : MultiplesWithin(levels.low, levels.high, step, kMostGridLines))
+    {
+        svg.Line(left + kRampWidth, toY(level), left + kRampWidth + 4, toY(level), kInk);
+        svg.Text(left + kRampWidth + 8, toY(level) + 4, FormatFixed(level, DecimalsOf(step)));
+    }
+    return rampTop + height + kLegendTitle;
+}
+
+double DrawContourKey(SvgWriter& svg, double left, double top, const PlotLevels& levels, const std::string& unit)
+{
+    svg.Text(left, top + 4, "Contours", "font-weight=\"bold\"");
+    const int decimals = DecimalsOf(levels.step);
+    const double y = top + kLegendTitle;
+    svg.Line(left, y, left + kRampWidth, y, "stroke=\"#6b4524\" stroke-width=\".7\"");
+    svg.Text(left + kRampWidth + 8, y + 4, "every " + WithUnit(FormatFixed(levels.step, decimals), unit));
+    svg.Line(left, y + kLegendRow, left + kRampWidth, y + kLegendRow, "stroke=\"#4a2c12\" stroke-width=\"1.5\"");
+    svg.Text(left + kRampWidth + 8, y + kLegendRow + 4,
+             "every " + WithUnit(FormatFixed(5 * levels.step, decimals), unit));
+    return y + kLegendRow + 2 * kLegendTitle;
+}
+
+double DrawSymbolKey(SvgWriter& svg, double left, double top, const std::vector<PointKind>& kinds)
+{
+    svg.Text(left, top, "Points", "font-weight=\"bold\"");
+    double y = top + kLegendTitle;
+    for (const PointKind& kind : kinds)
+    {
+        SvgPath path;
+        AddSymbol(path, kind.shape, left + kRampWidth / 2, y - 4, 3.5);
+        svg.Path(path, PaintOf(kind));
+        const std::string name = kind.code.empty() ? "no code" : kind.code;
+        svg.Text(left + kRampWidth + 8, y, name + " (" + std::to_string(kind.points.size()) + ")");
+        y += kLegendRow;
+    }
+    return y;
+}
+
+}  // namespace
+
+void DrawGrid(SvgWriter& svg, const PlotFrame& frame)
+{
+    const PlotExtents& extents = frame.GetExtents();
+    const double step = NiceStep(extents.Longest(), kGridSteps);
+    const int decimals = DecimalsOf(step);
+    const std::vector<double> eastings = MultiplesWithin(extents.minX, extents.maxX, step, kMostGridLines);
+    const std::vector<double> northings = MultiplesWithin(extents.minY, extents.maxY, step, kMostGridLines);
+    DrawCrosses(svg, frame, eastings, northings);
+    svg.Rectangle(frame.Left(), frame.Top(), frame.Width(), frame.Height(), std::string("fill=\"none\" ") + kInk);
+    svg.BeginGroup("font-size=\"10\" text-anchor=\"middle\"");
+    for (const double easting : eastings)
+    {
+        const double x = frame.ToX(easting);
+        svg.Line(x, frame.Bottom(), x, frame.Bottom() + 5, kInk);
+        svg.Text(x, frame.Bottom() + 16, FormatFixed(easting, decimals) + " E");
+    }
+    for (const double northing : northings)
+    {
+        const double y = frame.ToY(northing), x = frame.Left() - 8;
+        svg.Line(frame.Left() - 5, y, frame.Left(), y, kInk);
+        svg.Text(x, y, FormatFixed(northing, decimals) + " N",
+                 "transform=\"rotate(-90 " + Pixels(x) + ' ' + Pixels(y) + ")\"");
+    }
+    svg.EndGroup();
+}
+
+void DrawScaleBar(SvgWriter& svg, const PlotFrame& frame, const std::string& unit)
+{
+    constexpr int kParts = 4;
+    const double whole = ScaleBarLength(frame.Width() / frame.GetPixelsPerUnit());
+    const double part = whole / kParts * frame.GetPixelsPerUnit();
+    const double top = frame.Bottom() + 34;
+    for (int index = 0; index < kParts; ++index)
+    {
+        svg.Rectangle(frame.Left() + index * part, top, part, 6,
+                      std::string(index % 2 == 0 ? "fill=\"#222\" " : "fill=\"#fff\" ") + kInk);
+    }
+    svg.BeginGroup("font-size=\"10\" text-anchor=\"middle\"");
+    for (const double share : {0.0, 0.5, 1.0})
+    {
+        const std::string text = FormatFixed(share * whole, DecimalsOf(whole / 2));
+        svg.Text(frame.Left() + share * kParts * part, top + 18, share < 1 ? text : WithUnit(text, unit));
+    }
+    svg.EndGroup();
+}
+
+double DrawLegend(SvgWriter& svg, double left, double top, const PlotLevels* levels,
+                  const std::vector<PointKind>& kinds, const std::string& unit)
+{
+    DrawNorthArrow(svg, left + kRampWidth / 2, top);
+    double y = top + 80;
+    if (levels != nullptr)
+    {
+        y = DrawRamp(svg, left, y, *levels, unit);
+        if (levels->hasContours)
+        {
+            y = DrawContourKey(svg, left, y, *levels, unit);
+        }
+    }
+    return kinds.empty() ? y : DrawSymbolKey(svg, left, y, kinds);
+}
+
+}  // namespace quonhost

@@ -1,0 +1,160 @@
+#!/usr/bin/env python3
+"""Runs the commands of the console host as a program does, that reads what they report: report_test.py RUNNER PROGRAM"""
+import json
+import os
+import subprocess
+import sys
+import unittest
+
+import host_test
+from host_test import PROGRAM, windows_path
+
+# Cyrillic, Chinese, a combining accent after its letter, a letter beyond the 16-bit plane, Arabic from right to left.
+NAMES = ["Съёмка.txt", "測量.txt", "e\u0301tude.txt", "\U00020BB7.txt", "مسح.txt"]
+
+
+class ReportTest(unittest.TestCase):
+    setUp = host_test.HostTest.setUp
+    run_host = host_test.HostTest.run_host
+    lines = host_test.HostTest.lines
+    assert_fails = host_test.HostTest.assert_fails
+
+    def report(self, *arguments):
+        return json.loads("\n".join(self.lines(*arguments, "--json")))
+
+    def test_folders(self):
+        folders = self.report("folders")
+        self.assertEqual(list(folders), ["program", "programFolder", "windows", "system", "temporary", "current", "desktop",
+                                         "favorites", "temporaryFile"])
+        self.assertEqual(folders["program"], windows_path(os.path.realpath(PROGRAM)))
+
+    def test_tree(self):
+        root = windows_path(self.folder)
+        (self.folder / "A").mkdir()
+        (self.folder / "A/a.txt").write_text("123")
+        self.assertEqual(self.report("tree", root), {"root": root, "count": 2, "folders": [".", "A"]})
+        self.assertEqual(self.report("tree", root, "--files"), {"root": root, "count": 1, "files": ["A\\a.txt"]})
+        self.assertEqual(self.report("tree", root, "--files", "--totals"), {"root": root, "count": 1, "bytes": 3})
+        self.assertEqual(self.report("tree", root, "--totals"), {"root": root, "count": 2})
+
+    def test_split(self):
+        self.assertEqual(self.report("split", "C:/a//b.txt"),
+                         {"drive": "C:", "directory": "/a//", "title": "b", "extension": ".txt",
+                          "components": ["C:", "a", "b.txt"], "normal": "C:\\a\\b.txt"})
+        self.assertEqual(self.report("split", "C:/a//b.txt", "--relative-to", "C:\\x\\")["relative"], "..\\a\\b.txt")
+
+    def test_points(self):
+        for options, expected in ((["--valid"], {"valid": True}), (["--count"], {"count": 4}),
+                                  (["--walk"], {"points": [3, 2, 1, 9]}),
+                                  (["--ranges"], {"ranges": [{"first": 3, "last": 1}, {"first": 9, "last": 9}]}),
+                                  ([], {"list": "1-3,9"})):
+            with self.subTest(options):
+                self.assertEqual(self.report("points", "3-1,9", *options), expected)
+        self.assertEqual(self.report("points", "1;2", "--valid"), {"valid": False})
+
+    def test_points_as_comma_separated_values(self):
+        for options, expected in (([], ["point", "3", "2", "1", "9"]), (["--walk"], ["point", "3", "2", "1", "9"]),
+                                  (["--ranges"], ["first,last", "3,1", "9,9"]),
+                                  (["--remove", "2", "--ranges"], ["first,last", "1,1", "3,3", "9,9"])):
+            with self.subTest(options):
+                self.assertEqual(self.lines("points", "3-1,9", "--csv", *options), expected)
+        for option in ("--count", "--valid", "--json"):
+            with self.subTest(option):
+                self.assert_fails(2, "", "points", "1", "--csv", option)
+
+    def test_sort_and_angle(self):
+        file = self.folder / "names.txt"
+        file.write_text("b10\nb2\n")
+        self.assertEqual(self.report("sort", windows_path(file)), {"lines": ["b2", "b10"]})
+        self.assertEqual(self.report("angle", "180", "--from", "deg", "--to", "deg"), {"value": 180, "unit": "deg"})
+        self.assertAlmostEqual(self.report("angle", "180", "--from", "deg", "--to", "rad")["value"], 3.141592653589793, 15)
+
+    def test_landxml_points(self):
+        file = self.folder / "a.xml"
+        file.write_text('<LandXML version="1.2"><CgPoints><CgPoint name="1" code="EP">0.1 2 3</CgPoint>'
+                        '<CgPoint name="2">4 5</CgPoint></CgPoints></LandXML>')
+        self.assertEqual(self.report("landxml", "points", windows_path(file), "--points", "1-9"), {"points": [
+            {"number": 1, "northing": 0.1, "easting": 2, "elevation": 3, "code": "EP"},
+            {"number": 2, "northing": 4, "easting": 5, "elevation": None, "code": None}]})
+        self.assert_fails(2, "", "landxml", "points", windows_path(file), "--points", "1", "--csv", "--json")
+
+    def test_modified_and_watch_print_an_object_a_line(self):
+        file = self.folder / "a.txt"
+        file.write_text("1")
+        path = windows_path(file)
+        self.assertEqual([json.loads(line) for line in self.lines("modified", path, "--pause", "0", "--json")],
+                         [{"question": 1, "path": path, "modified": True}, {"question": 2, "path": path, "modified": False}])
+        # The shell changes the file while the host watches.
+        writer = subprocess.Popen(["sh", "-c", 'i=0; while [ $i -lt 60 ]; do echo "x$i" >>"$0"; i=$((i+1)); sleep 0.1; done',
+                                   str(file)])
+        self.addCleanup(writer.wait)
+        self.addCleanup(writer.kill)
+        events = [json.loads(line) for line in self.lines("watch", path, "--events", "size", "--seconds", "4", "--json")]
+        self.assertGreater(len(events), 0)
+        for event in events:
+            self.assertEqual((list(event), event["event"], event["path"]), (["time", "event", "path"], "size", path))
+            self.assertRegex(event["time"], r"\A\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}\Z")
+
+    def test_names_of_any_script_come_through(self):
+        for name in NAMES:
+            (self.folder / name).write_text(name, encoding="utf-8")
+        self.assertEqual(sorted(self.lines("tree", windows_path(self.folder), "--files")), sorted(NAMES))
+        self.assertEqual(sorted(self.report("tree", windows_path(self.folder), "--files")["files"]), sorted(NAMES))
+        for name in NAMES:
+            with self.subTest(name):
+                self.assertEqual(self.report("split", "C:\\" + name)["title"], name[:-4])
+                self.assertEqual(self.lines("sort", windows_path(self.folder / name)), [name])
+                self.assert_fails(1, f'{name}x" does not exist', "remove", windows_path(self.folder / name) + "x")
+                target = self.folder / ("copy " + name)
+                self.assertEqual(self.lines("copy", windows_path(self.folder / name), windows_path(target)), [])
+                self.assertEqual(target.read_text(encoding="utf-8"), name)
+
+    def test_landxml_names_of_any_script_come_through(self):
+        (self.folder / "p.csv").write_text("1,2,3,4,A\n")
+        for name in NAMES:
+            with self.subTest(name):
+                source, target = windows_path(self.folder / "p.csv"), windows_path(self.folder / name)
+                self.assertEqual(self.lines("landxml", "export", source, target), [])
+                self.assertEqual(self.report("landxml", "info", target)["project"], name[:-4])
+                self.assertIn(f'project     "{name}"', self.lines("landxml", "export", source, target, "--project", name) +
+                              self.lines("landxml", "info", target))
+
+    def test_a_pipe_gets_no_progress_bar(self):
+        (self.folder / "a.txt").write_text("1")
+        copy = windows_path(self.folder / "copy")
+        for arguments in (["tree", windows_path(self.folder)], ["copy", windows_path(self.folder), "C:\\quon-copy-test"],
+                          ["remove", "C:\\quon-copy-test"], ["copy", windows_path(self.folder / "a.txt"), copy]):
+            with self.subTest(arguments):
+                self.assertEqual(self.run_host(*arguments).stderr, "")
+
+    def test_copy_move_and_remove_show_progress_when_asked(self):
+        root, copy, moved = (self.folder / name for name in ("root", "copy", "moved"))
+        root.mkdir()
+        for index in range(3):
+            (root / f"{index}.txt").write_text("1")
+        for arguments in (["copy", root, copy], ["move", copy, moved], ["remove", moved]):
+            with self.subTest(arguments[0]):
+                done = self.run_host(arguments[0], *map(windows_path, arguments[1:]), "--progress")
+                self.assertEqual((done.returncode, done.stdout), (0, ""))
+                self.assertTrue(done.stderr.endswith("] 3 of 3\n"), done.stderr)
+
+    def test_the_options_are_spelled_alike(self):
+        texts = {}
+        for command in ("folders", "tree", "split", "points", "sort", "angle", "watch", "modified", "browse",
+                        "landxml info", "landxml points"):
+            done = self.lines(*command.split(), "--help")
+            self.assertTrue(any("--json" in line for line in done), command)
+            for line in done:
+                option, _, text = line.strip().partition(" ")
+                if option in ("--progress",):
+                    texts.setdefault(option, set()).add(text.strip())
+        self.assertTrue(all(len(told) == 1 for told in texts.values()), texts)
+
+    def test_help_tells_the_exit_codes(self):
+        text = "\n".join(self.lines("--help"))
+        for words in ("0  done", "1  the work", "2  the command line"):
+            self.assertIn(words, text)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
