@@ -164,7 +164,7 @@ void FileWatcherThread::Dispatch(const MSG& message)
             m_folders.Add(reinterpret_cast<FileSubscription*>(message.lParam));
             break;
         case kRemove:
-            m_folders.Remove(reinterpret_cast<FileSubscription*>(message.lParam));
+            m_folders.Remove(message.lParam);
             break;
         case kFolderSignaled:
             ::Sleep(kSettlingMilliseconds);

@@ -117,8 +117,9 @@ void WatchedFolders::Check(HANDLE notification) const
     }
 }
 
-void WatchedFolders::Remove(FileSubscription* subscription)
+void WatchedFolders::Remove(LPARAM id)
 {
+    auto* const subscription = reinterpret_cast<FileSubscription*>(id);
     const auto folder = m_folders.find(subscription->notification);
     if (folder == m_folders.end())
     {
@@ -135,7 +136,6 @@ void WatchedFolders::Remove(FileSubscription* subscription)
     {
         RemoveFolder(folder);
     }
-    const LPARAM id = IdOf(subscription);
     delete subscription;
     Post(kRemove, 0, id);
 }

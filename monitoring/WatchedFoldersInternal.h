@@ -33,7 +33,8 @@ public:
     /// Posts the changes of all subscriptions of the folder whose notification this is.
     void Check(HANDLE notification) const;
     /// Removes and frees a subscription, and its folder with the last one of it. What is not found is left alone.
-    void Remove(FileSubscription* subscription);
+    /// @param id the subscription's address; a number, because it is told once more after the record is gone
+    void Remove(LPARAM id);
 
     /// The notifications in the order in which their folders were added.
     const std::vector<HANDLE>& Handles() const { return m_handles; }
