@@ -36,7 +36,7 @@ std::atomic<long long> liveMessages = 0;
 class CountedMessage final : public QuonMessage
 {
 public:
-    CountedMessage(unsigned producer, unsigned number) : producer(producer), number(number) { ++liveMessages; }
+    CountedMessage(unsigned from, unsigned place) : producer(from), number(place) { ++liveMessages; }
     CountedMessage(const CountedMessage&) = delete;
     CountedMessage& operator=(const CountedMessage&) = delete;
     ~CountedMessage() override { --liveMessages; }
