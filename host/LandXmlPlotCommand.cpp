@@ -141,17 +141,20 @@ void AddLookOptions(CLI::App& command, PlotOptions& plot)
                                                       {"both", PlotLabels::kBoth}};
     command
         .add_option("--contours", plot.contourStep,
-                    "The step between contours, 0 for none; by default about 25 in round steps")
-        ->check(CLI::Range(0.0, 1e9));
+                    "The step between contours, 0 for none; by default a round step that gives at most 25")
+        ->check(CLI::Range(0.0, 1e9).description(""))
+        ->type_name("STEP");
     command
         .add_option(
             "--labels", plot.labels,
             "What to write beside points where there is room: number (the default up to 1500 points), elevation, "
             "both, none")
-        ->transform(CLI::CheckedTransformer(labels));
+        ->transform(CLI::CheckedTransformer(labels).description(""))
+        ->type_name("KIND");
     command.add_flag("--edges", plot.edges, "Draw the edges of the triangles");
-    command.add_option("--size", plot.size, "The longer side of the map in pixels")
-        ->check(CLI::Range(200.0, 20000.0))
+    command.add_option("--size", plot.size, "The longer side of the map, from 200 to 20000")
+        ->check(CLI::Range(200.0, 20000.0).description(""))
+        ->type_name("PIXELS")
         ->capture_default_str();
 }
 

@@ -77,7 +77,8 @@ void AddModifiedCommand(CLI::App& app)
         "be read always");
     command->add_option("file", options->files, "Files")->required();
     command->add_option("--pause", options->pause, "Seconds between the two questions")
-        ->check(CLI::Range(0.0, 1e9))
+        ->check(CLI::Range(0.0, 1e9).description(""))
+        ->type_name("SECONDS")
         ->capture_default_str();
     AddJsonFlag(*command, options->json)->description("Print a JSON object a line");
     command->callback([options] { AskTwice(*options); });

@@ -198,8 +198,9 @@ void AddWatchCommand(CLI::App& app)
         ->delimiter(',')
         ->check(CLI::IsMember(names))
         ->capture_default_str();
-    CLI::Option* const seconds =
-        command->add_option("--seconds", options->seconds, "End after this time")->check(CLI::Range(0.0, 1e9));
+    CLI::Option* const seconds = command->add_option("--seconds", options->seconds, "End after this time")
+                                     ->check(CLI::Range(0.0, 1e9).description(""))
+                                     ->type_name("SECONDS");
     AddJsonFlag(*command, options->json)->description("Print a JSON object a line");
     command->callback(
         [options, seconds]

@@ -187,6 +187,13 @@ std::string PaintOf(const PointKind& kind)
 void DrawPoints(SvgWriter& svg, const PlotFrame& frame, const std::vector<PointKind>& kinds, double radius,
                 LabelLayout& layout)
 {
+    // Among more points than these no text has a place of its own.
+    constexpr size_t kMostKeptFree = 5000;
+    size_t count = 0;
+    for (const PointKind& kind : kinds)
+    {
+        count += kind.points.size();
+    }
     for (const PointKind& kind : kinds)
     {
         SvgPath path;
@@ -194,7 +201,10 @@ void DrawPoints(SvgWriter& svg, const PlotFrame& frame, const std::vector<PointK
         {
             const double x = frame.ToX(point->x), y = frame.ToY(point->y);
             AddSymbol(path, kind.shape, x, y, radius);
-            layout.Block({x - radius, y - radius, x + radius, y + radius});
+            if (count <= kMostKeptFree)
+            {
+                layout.Block({x - radius, y - radius, x + radius, y + radius});
+            }
         }
         svg.Path(path, PaintOf(kind));
     }

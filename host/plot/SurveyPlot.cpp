@@ -55,14 +55,23 @@ std::string Counted(size_t count, const char* one, const char* many)
 
 std::string SubtitleOf(const PlotModel& model, const PlotLevels* levels)
 {
-    std::string text = Counted(model.points.size(), "point", "points");
+    std::vector<std::string> facts;
+    if (!model.points.empty() || levels == nullptr)
+    {
+        facts.push_back(Counted(model.points.size(), "point", "points"));
+    }
     if (levels != nullptr)
     {
         const PlotSurface& surface = model.surface;
-        text += kDot + (surface.name.empty() ? "" : "surface \"" + surface.name + "\": ") +
-                Counted(surface.triangles.size(), "triangle", "triangles") + kDot + "elevation " +
-                FormatFixed(levels->low, 2) + " to " + FormatFixed(levels->high, 2) +
-                (model.unit.empty() ? "" : ' ' + model.unit);
+        facts.push_back((surface.name.empty() ? "" : "surface \"" + surface.name + "\": ") +
+                        Counted(surface.triangles.size(), "triangle", "triangles"));
+        facts.push_back("elevation " + FormatFixed(levels->low, 2) + " to " + FormatFixed(levels->high, 2) +
+                        (model.unit.empty() ? "" : ' ' + model.unit));
+    }
+    std::string text;
+    for (const std::string& fact : facts)
+    {
+        text += (text.empty() ? "" : kDot) + fact;
     }
     return text;
 }
@@ -124,9 +133,9 @@ std::string DrawSurvey(const PlotModel& model, const PlotOptions& options)
 
     SvgWriter svg(width, height, model.title);
     svg.Rectangle(0, 0, width, height, "fill=\"#fff\"");
-    const auto titleLength = static_cast<size_t>((width - kLeft) / 11);
+    const auto titleLength = static_cast<size_t>((width - kLeft) / 12.5);
     svg.Text(kLeft, 26, Shortened(model.title, titleLength), "font-size=\"19\" font-weight=\"bold\"");
-    svg.Text(kLeft, 46, Shortened(SubtitleOf(model, levels), static_cast<size_t>((width - kLeft) / 6)),
+    svg.Text(kLeft, 46, Shortened(SubtitleOf(model, levels), static_cast<size_t>((width - kLeft) / 6.3)),
              "fill=\"#555\"");
     DrawMap(svg, frame, model, levels, kinds, options);
     DrawScaleBar(svg, frame, model.unit);
