@@ -2,12 +2,13 @@
 """Runs the commands of the console host as a program does, that reads what they report: report_test.py RUNNER PROGRAM"""
 import json
 import os
+import pty
 import subprocess
 import sys
 import unittest
 
 import host_test
-from host_test import PROGRAM, windows_path
+from host_test import PROGRAM, RUNNER, windows_path
 
 # Cyrillic, Chinese, a combining accent after its letter, a letter beyond the 16-bit plane, Arabic from right to left.
 NAMES = ["Съёмка.txt", "測量.txt", "e\u0301tude.txt", "\U00020BB7.txt", "مسح.txt"]
@@ -126,6 +127,27 @@ class ReportTest(unittest.TestCase):
                           ["remove", "C:\\quon-copy-test"], ["copy", windows_path(self.folder / "a.txt"), copy]):
             with self.subTest(arguments):
                 self.assertEqual(self.run_host(*arguments).stderr, "")
+
+    def test_a_terminal_gets_a_progress_bar_unless_the_output_goes_there_too(self):
+        (self.folder / "A").mkdir()
+        for output, count in ((subprocess.PIPE, 40), (None, 0)):
+            with self.subTest(output):
+                master, terminal = pty.openpty()
+                done = subprocess.run([RUNNER, PROGRAM, "tree", windows_path(self.folder), "--totals"],
+                                      stdin=subprocess.DEVNULL, stdout=output or terminal, stderr=terminal, timeout=60)
+                shown = os.read(master, 65536).decode() if output else self.drain(master)
+                os.close(terminal)
+                os.close(master)
+                self.assertEqual(done.returncode, 0)
+                self.assertEqual(shown.count("#"), count, shown)
+
+    def drain(self, master):
+        """What was written to a terminal; nothing when that is so."""
+        os.set_blocking(master, False)
+        try:
+            return os.read(master, 65536).decode()
+        except BlockingIOError:
+            return ""
 
     def test_copy_move_and_remove_show_progress_when_asked(self):
         root, copy, moved = (self.folder / name for name in ("root", "copy", "moved"))
