@@ -134,6 +134,25 @@ TEST_F(HostileXml, ADepthOfAThousandIsBuiltAndSearched)
     EXPECT_EQ(found->GetSize(), kBuilt - 1);
 }
 
+TEST_F(HostileXml, ThousandsOfNodesAreCollected)
+{
+    constexpr int kNodes = 3000;
+    QuonXml xml(L"", false, false, false);
+    std::string text = "<r>";
+    for (int i = 0; i < kNodes; ++i)
+    {
+        text += "<n id='" + std::to_string(i) + "'/>";
+    }
+    ASSERT_HRESULT_SUCCEEDED(LoadText(xml, text + "</r>"));
+    const MSXML2::IXMLDOMNodeListPtr nodes = GetDocumentChildNodes(xml.GetDocument());
+    const quon_test::NodeArrayHolder found(FindNodesByName(nodes, L"n", true));
+    ASSERT_EQ(found->GetSize(), kNodes);
+    for (int i = 0; i < kNodes; ++i)
+    {
+        ASSERT_EQ(quon_test::Attribute(MSXML2::IXMLDOMNodePtr((*found)[i]), L"id"), std::to_wstring(i));
+    }
+}
+
 // Ten entities, each of ten of the one before: ten thousand million characters when all are written out.
 TEST_F(HostileXml, AnEntityBombEnds)
 {

@@ -149,6 +149,7 @@ TEST(QuonFileStream, CreatesTheFileWithTheseArguments)
         });
     const Stream stream;
     EXPECT_FALSE(stream->OpenForWrite(L"C:\\some\\file.xml"));
+    EXPECT_FALSE(stream->OpenForWrite(nullptr));
     EXPECT_EQ(call.name, "C:\\some\\file.xml");
     EXPECT_EQ(call.access, static_cast<DWORD>(GENERIC_WRITE));
     EXPECT_EQ(call.share, static_cast<DWORD>(FILE_SHARE_READ));
