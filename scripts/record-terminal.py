@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Records what the main commands of the console host print into the manual: record-terminal.py RUNNER PROGRAM [--check]
 
-RUNNER starts a Windows program (scripts/wine-run.sh), PROGRAM is quonhost.exe. The commands stand in docs/host.md behind
+RUNNER starts a Windows program (scripts/wine-run.sh), PROGRAM is quonhost.exe. The commands stand in the pages behind
 "$ quonhost" between the markers of a recording; each recording runs in a folder of its own, with the sample survey, a list
 of names and a small tree. With --check nothing is written, and a page that differs is a failure.
 """
@@ -15,7 +15,7 @@ import tempfile
 from pathlib import Path
 
 TOP = Path(__file__).resolve().parent.parent
-PAGE = TOP / "docs/host.md"
+PAGES = ("README.md", "docs/host.md")
 RECORDING = re.compile(r"(<!-- recorded -->\n```text\n)(.*?)(^```\n)", re.DOTALL | re.MULTILINE)
 PROMPT = "$ quonhost "
 
@@ -44,22 +44,31 @@ def record(runner, program, commands):
         return "".join(command + "\n" + run(runner, program, command, name) for command in commands)
 
 
-def main(runner, program, check=False):
-    page = PAGE.read_text(encoding="utf-8")
+def again(runner, program, page):
+    """The text of a page, and what it is with its commands run again."""
+    text = (TOP / page).read_text(encoding="utf-8")
 
-    def again(match):
+    def fill_in(match):
         commands = [line for line in match[2].splitlines() if line.startswith(PROMPT)]
         return match[1] + record(str(Path(runner).resolve()), str(Path(program).resolve()), commands) + match[3]
 
-    recorded = RECORDING.sub(again, page)
-    if not check:
-        PAGE.write_text(recorded, encoding="utf-8")
-    elif recorded != page:
-        sys.stdout.writelines(difflib.unified_diff(page.splitlines(True), recorded.splitlines(True), "docs/host.md",
-                                                   "what the commands print"))
-        sys.exit("docs/host.md differs from what the commands print: run scripts/record-terminal.py")
-    elif not RECORDING.search(page):
-        sys.exit("docs/host.md holds no recording")
+    if not RECORDING.search(text):
+        sys.exit(f"{page} holds no recording")
+    return text, RECORDING.sub(fill_in, text)
+
+
+def main(runner, program, check=False):
+    stale = []
+    for page in PAGES:
+        text, recorded = again(runner, program, page)
+        if not check:
+            (TOP / page).write_text(recorded, encoding="utf-8")
+        elif recorded != text:
+            sys.stdout.writelines(difflib.unified_diff(text.splitlines(True), recorded.splitlines(True), page,
+                                                       "what the commands print"))
+            stale.append(page)
+    if stale:
+        sys.exit(f"{', '.join(stale)}: the commands print something else: run scripts/record-terminal.py")
 
 
 if __name__ == "__main__":
