@@ -263,8 +263,12 @@ public:
         const bool isDone = PumpUntil([&waiting] { return !waiting.calls.empty(); });
         // Its record is lost, as that of every failed watch.
         server->Unsubscribe(id);
-        std::erase_if(journal.messages,
-                      [id](const WindowMessage& message) { return message.lParam == static_cast<LPARAM>(id); });
+        // Only its own message: the record may have got the address, and so the identifier, of one that was just freed.
+        std::erase_if(
+            journal.messages,
+            [id](const WindowMessage& message) {
+                return message == WindowMessage{kMsgWatchFailed, FakeFolders::kBarrierError, static_cast<LPARAM>(id)};
+            });
         return isDone;
     }
 
