@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """Runs the console host and looks at its output, its error line and its exit code: host_test.py RUNNER PROGRAM"""
 import os
-import subprocess
 import sys
 import tempfile
 import unittest
 from pathlib import Path
+
+import captured
 
 RUNNER, PROGRAM = sys.argv[1], sys.argv[2]
 
@@ -22,7 +23,7 @@ class HostTest(unittest.TestCase):
         self.addCleanup(self.scratch.cleanup)
 
     def run_host(self, *arguments):
-        return subprocess.run([RUNNER, PROGRAM, *arguments], capture_output=True, encoding="utf-8", timeout=60)
+        return captured.run([RUNNER, PROGRAM, *arguments])
 
     def lines(self, *arguments):
         done = self.run_host(*arguments)

@@ -15,6 +15,8 @@ import unittest
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
+import captured
+
 RUNNER, PROGRAM = sys.argv[1], sys.argv[2]
 TOP = Path(__file__).resolve().parents[2]
 SAMPLES = TOP / "host/samples"
@@ -46,7 +48,7 @@ class LandXmlTest(unittest.TestCase):
 
     def run_host(self, *arguments):
         texts = [windows_path(a) if isinstance(a, Path) else a for a in arguments]
-        return subprocess.run([RUNNER, PROGRAM, "landxml", *texts], capture_output=True, encoding="utf-8", timeout=120)
+        return captured.run([RUNNER, PROGRAM, "landxml", *texts])
 
     def output(self, *arguments):
         done = self.run_host(*arguments)
