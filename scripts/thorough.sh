@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# The long checks, hours of them, one program at a time: thorough.sh [PHASE...]; test.sh --thorough runs it behind the
-# usual tests. Phases: guard, models, sanitize, soak; without any, all of them.
+# The long checks, hours of them: thorough.sh [PHASE...]; test.sh --thorough runs it behind the usual tests. Phases: guard,
+# models, sanitize, soak; without any, all of them.
 #
 #   guard     every test with guard pages behind the library's own blocks
 #   models    the comparisons with models, QUON_TEST_CASES (1000000) rounds each
 #   sanitize  every test in a build that ends at undefined behaviour
-#   soak      QUON_SOAK_SECONDS (600) of each soak
+#   soak      QUON_SOAK_SECONDS (600) of each soak, all of them at once
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -24,19 +24,50 @@ for test in json.load(sys.stdin)["tests"]:
         print(test["name"], command[1])'
 }
 
-# run_tests PHASE PRESET NAME-PATTERN: with no limit but this one for a program, in seconds.
+# run_program PHASE NAME PROGRAM [ARGUMENT...]: with no limit but this one, in seconds, and its output in a log.
+run_program() {
+  local phase=$1 name=$2 start=$SECONDS
+  shift 2
+  if timeout "${QUON_PROGRAM_SECONDS:-7200}" "$top/scripts/run-test.sh" "$@" >"$logs/$phase-$name.log" 2>&1; then
+    say "$phase: $name passed in $((SECONDS - start)) s"
+  else
+    say "$phase: $name FAILED; see build/thorough/$phase-$name.log"
+    return 1
+  fi
+}
+
+# run_tests PHASE PRESET NAME-PATTERN: the test programs one after the other.
 run_tests() {
   local phase=$1 preset=$2 pattern=$3 name program
   "$top/scripts/wine-prefix.sh"
   while read -r name program <&3; do
     [[ $name =~ $pattern ]] || continue
-    if timeout "${QUON_PROGRAM_SECONDS:-7200}" "$top/scripts/run-test.sh" "$program" >"$logs/$phase-$name.log" 2>&1; then
-      say "$phase: $name passed"
-    else
-      say "$phase: $name FAILED; see build/thorough/$phase-$name.log"
-      failed+=("$phase: $name")
-    fi
+    run_program "$phase" "$name" "$program" || failed+=("$phase: $name")
   done 3< <(test_programs "$preset")
+}
+
+# tests_in PROGRAM: the names of its tests.
+tests_in() {
+  "$top/scripts/wine-run.sh" "$1" --gtest_list_tests </dev/null | tr -d '\r' |
+    awk '/^[^ ]/ { suite = $1 } /^ / { print suite $1 }'
+}
+
+# run_soaks PRESET: all soaks at the same time, each in a process of its own.
+run_soaks() {
+  local name program soak pid
+  local -A running=()
+  "$top/scripts/wine-prefix.sh"
+  while read -r name program; do
+    [[ $name =~ soak ]] || continue
+    for soak in $(tests_in "$program"); do
+      run_program soak "$soak" "$program" --gtest_filter="$soak" &
+      running[$!]=$soak
+    done
+  done < <(test_programs "$1")
+  [ ${#running[@]} != 0 ] || die "there are no soaks"
+  for pid in "${!running[@]}"; do
+    wait "$pid" || failed+=("soak: ${running[$pid]}")
+  done
 }
 
 for phase in "$@"; do
@@ -48,7 +79,7 @@ for phase in "$@"; do
     models)
       build mingw-debug all
       QUON_TEST_CASES=${QUON_TEST_CASES:-1000000} run_tests models mingw-debug \
-        '^(paths|points|block_pool|geometry|strings|natural_compare|trace_log|messaging|hostile_input)_test$'
+        '^(paths|traversal|points|block_pool|block_pool_region|geometry|strings|natural_compare|trace_log|progress_timer|messaging|xml_com|hostile_input)_test$'
       ;;
     sanitize)
       build mingw-sanitize all
@@ -56,7 +87,7 @@ for phase in "$@"; do
       ;;
     soak)
       build mingw-debug all
-      QUON_SOAK_SECONDS=${QUON_SOAK_SECONDS:-600} run_tests soak mingw-debug 'soak'
+      QUON_SOAK_SECONDS=${QUON_SOAK_SECONDS:-600} run_soaks mingw-debug
       ;;
     *) die "no such phase: $phase" ;;
   esac
