@@ -79,7 +79,7 @@ for phase in "$@"; do
     models)
       build mingw-debug all
       QUON_TEST_CASES=${QUON_TEST_CASES:-1000000} run_tests models mingw-debug \
-        '^(paths|traversal|points|block_pool|block_pool_region|geometry|strings|natural_compare|trace_log|progress_timer|messaging|xml_com|hostile_input)_test$'
+        '^(paths|traversal|points|block_pool|block_pool_region|geometry|strings|natural_compare|trace_log|progress_timer|messaging|xml_com|xml_values|hostile_input)_test$'
       ;;
     sanitize)
       build mingw-sanitize all

@@ -6,14 +6,18 @@
 #include "support/FailingAllocation.h"
 #include "support/HardLimit.h"
 #include "support/ImportPatch.h"
+#include "support/Thorough.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <cstdlib>
+#include <deque>
 #include <memory>
 #include <new>
+#include <random>
 #include <thread>
+#include <utility>
 #include <vector>
 
 using namespace quon_test;
@@ -452,6 +456,59 @@ TEST(MessageQueueLayout, KeepsItsFieldsAndVirtualFunctionsInOrder)
     EXPECT_EQ(SlotOf(&QuonMessageQueue::Post), 4u);
     EXPECT_EQ(SlotOf(&QuonMessageQueue::Close), 5u);
 #endif
+}
+
+// Posting, looking and taking in any order: what is on its way arrives with the next look, in the order of posting.
+TEST(MessageQueue, AgreesWithADequeOnRandomUse)
+{
+    constexpr int kMessages = 40;
+    std::mt19937 random(20240901);
+    std::vector<std::unique_ptr<Message>> spare;
+    for (int number = 0; number < kMessages; ++number)
+    {
+        spare.push_back(std::make_unique<Message>(0, number));
+    }
+    std::deque<std::unique_ptr<Message>> model;
+    CountingCallback callback;
+    QuonMessageQueue queue(&callback, nullptr);
+    unsigned int whenEmpty = kQuonServerQueueEmpty;
+    int posted = 0;
+    const int steps = quon_test::Cases(20000);
+    for (int step = 0; step < steps; ++step)
+    {
+        // Full and empty phases, and a queue that is closed half of the time.
+        const bool filling = step / 100 % 2 == 0;
+        if (step == steps / 2)
+        {
+            ASSERT_EQ(queue.Close(), kQuonServerRefused);
+            whenEmpty = kQuonServerQueueClosed;
+        }
+        if (random() % 8 < (filling ? 5u : 2u))
+        {
+            if (!spare.empty())
+            {
+                ASSERT_EQ(queue.Post(spare.back().get()), kQuonServerOk) << step;
+                model.push_back(std::move(spare.back()));
+                spare.pop_back();
+                ++posted;
+            }
+            continue;
+        }
+        const bool taking = random() % 3 != 0;
+        QuonMessage* message = spare.empty() ? nullptr : spare.back().get();
+        const unsigned int result = taking ? queue.GetNext(&message) : queue.PeekNext(&message);
+        ASSERT_EQ(result, model.empty() ? whenEmpty : kQuonServerOk) << step;
+        ASSERT_EQ(message, model.empty() ? nullptr : model.front().get()) << step;
+        ASSERT_EQ(callback.Calls(), posted) << step;
+        if (taking && !model.empty())
+        {
+            spare.push_back(std::move(model.front()));
+            model.pop_front();
+        }
+    }
+    RunPendingCalls();
+    EXPECT_EQ(callback.Calls(), posted);
+    EXPECT_GT(posted, steps / 5);
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 #include "xml/XmlValues.h"
 
 #include "support/ImportPatch.h"
+#include "support/Thorough.h"
 #include "xml/DomFakes.h"
 #include "xml/XmlTestSupport.h"
 
+#include <random>
 #include <cstdint>
 #include <limits>
 
@@ -280,6 +282,27 @@ TEST_F(XmlValues, SettersRaiseWhenTheNodeCannotBeAsked)
     EXPECT_EQ(ErrorOf([&] { SetXmlLong(pointer, L"a", 1); }), E_UNEXPECTED);
     node.plan.Replace("QueryInterface", Returns(E_NOINTERFACE));
     EXPECT_EQ(ErrorOf([&] { SetXmlLong(pointer, L"a", 1); }), S_OK);
+}
+
+// Numbers of every size: the random bits are cut to a random length.
+TEST_F(XmlValues, RandomIntegersComeBackAsTheyWereWritten)
+{
+    std::mt19937_64 random(20240902);
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<r/>");
+    const MSXML2::IXMLDOMNodePtr node = Find(document, L"r");
+    const int rounds = quon_test::Cases(3000) / 3;
+    for (int round = 0; round < rounds; ++round)
+    {
+        const auto bits = static_cast<std::int64_t>(random()) >> random() % 64;
+        const auto small = static_cast<long>(bits);
+        const auto positive = static_cast<unsigned long>(bits);
+        SetXmlInt64(node, L"a", bits);
+        ASSERT_EQ(GetXmlInt64(node, L"@a"), bits);
+        SetXmlLong(node, L"a", small);
+        ASSERT_EQ(GetXmlLong(node, L"@a"), small);
+        SetXmlULong(node, L"a", positive);
+        ASSERT_EQ(GetXmlULong(node, L"@a"), positive);
+    }
 }
 
 TEST_F(XmlValues, DoublesAreReadWithPointAndCommaWhateverTheUserHas)
