@@ -54,7 +54,7 @@ wchar_t* PutThreadTag(wchar_t* out, unsigned long threadId)
 
 std::size_t TraceTextLength(const wchar_t* text)
 {
-    // A step of four leaves one test for each character: twice as fast as the run-time's loop.
+    // A step of four leaves one test for each character: the loop of the run-time has two.
     for (std::size_t length = 0;; length += 4)
     {
         for (std::size_t next = length; next < length + 4; ++next)
