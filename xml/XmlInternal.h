@@ -90,8 +90,8 @@ private:
     // Who is handed one reads it and never frees it, so that it need not come from the system's allocator.
     struct alignas(void*) Inside
     {
-        std::uint32_t padding;
-        std::uint32_t byteCount;
+        std::uint32_t padding = 0;
+        std::uint32_t byteCount = 0;
         wchar_t text[kLongestInside + 1];
     };
 
