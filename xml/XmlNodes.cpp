@@ -58,11 +58,12 @@ IXMLDOMNodePtr FindFirst(IXMLDOMNodeList* nodes, bool recursive, const Matches& 
 void CollectByName(IXMLDOMNodeList* nodes, const wchar_t* name, bool recursive, QuonNodeArray& found)
 {
     ForEachNode(nodes,
-                [&](const IXMLDOMNodePtr& node)
+                [&](IXMLDOMNodePtr& held)
                 {
+                    IXMLDOMNode* const node = held;
                     if (HasName(node, name))
                     {
-                        AddWithReference(found, node);
+                        AddAndHandOver(found, held);
                     }
                     if (recursive)
                     {
@@ -187,9 +188,10 @@ void ReleaseNodeArray(QuonNodeArray* nodes)
     {
         return;
     }
+    void** const entries = nodes->GetData();
     for (INT_PTR i = nodes->GetSize() - 1; i >= 0; --i)
     {
-        IXMLDOMNode* const node = nodes->GetAt(i);
+        IXMLDOMNode* const node = static_cast<IXMLDOMNode*>(entries[i]);
         if (node != nullptr)
         {
             node->Release();
