@@ -85,16 +85,21 @@ bool QuonBrowseForDirectory::Browse(QuonPath& result, const wchar_t* initialFold
         return false;
     }
     const std::unique_ptr<IMalloc, Releaser> allocator(shellAllocator);
-    if (chosen != nullptr)
+    const bool isChosen = chosen != nullptr;
+    if (isChosen)
     {
         ::SHGetPathFromIDListW(chosen, buffer);
-        result = buffer;
-        result.AddTrailingSeparator();
         allocator->Free(chosen);
     }
     FreeList(allocator.get(), m_rootList);
     FreeList(allocator.get(), m_initialList);
-    return chosen != nullptr;
+    // Last, because it may throw.
+    if (isChosen)
+    {
+        result = buffer;
+        result.AddTrailingSeparator();
+    }
+    return isChosen;
 }
 
 void QuonBrowseForDirectory::ParseFolders(const wchar_t* initialFolder, HWND owner, const wchar_t* rootFolder)
@@ -108,14 +113,22 @@ void QuonBrowseForDirectory::ParseFolders(const wchar_t* initialFolder, HWND own
         return;
     }
     const std::unique_ptr<IShellFolder, Releaser> desktop(desktopFolder);
-    if (initialFolder != nullptr && ::_waccess(initialFolder, 0) == 0)
+    const bool hasInitialFolder = initialFolder != nullptr && ::_waccess(initialFolder, 0) == 0;
+    // Both texts before both lists, because copying a text may throw and nobody would free a list then.
+    if (hasInitialFolder)
     {
         m_initialFolder = initialFolder;
-        m_initialList = ParseFolder(desktop.get(), owner, m_initialFolder);
     }
     if (rootFolder != nullptr)
     {
         m_rootFolder = rootFolder;
+    }
+    if (hasInitialFolder)
+    {
+        m_initialList = ParseFolder(desktop.get(), owner, m_initialFolder);
+    }
+    if (rootFolder != nullptr)
+    {
         m_rootList = ParseFolder(desktop.get(), owner, m_rootFolder);
     }
 }

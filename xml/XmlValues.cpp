@@ -41,17 +41,17 @@ void WriteAttribute(const IXMLDOMNodePtr& node, const CString& name, const _vari
 }
 
 // One of the user's separators, forced to a text and put back. PutBack is no destructor: a raised error must leave the
-// separators changed.
+// separators changed. One that cannot be read could not be put back, and is left alone.
 class SeparatorSwitch
 {
 public:
     SeparatorSwitch(LCTYPE type, const wchar_t* needed) : m_type(type), m_needed(needed)
     {
-        ::GetLocaleInfoW(LOCALE_USER_DEFAULT, type, m_saved, 4);
+        m_known = ::GetLocaleInfoW(LOCALE_USER_DEFAULT, type, m_saved, 4) != 0;
     }
     void Change()
     {
-        if (std::wcscmp(m_saved, m_needed) != 0)
+        if (m_known && std::wcscmp(m_saved, m_needed) != 0)
         {
             ::SetLocaleInfoW(LOCALE_USER_DEFAULT, m_type, m_needed);
             m_changed = true;
@@ -69,6 +69,7 @@ private:
     LCTYPE m_type;
     const wchar_t* m_needed;
     wchar_t m_saved[4] = {};
+    bool m_known = false;
     bool m_changed = false;
 };
 

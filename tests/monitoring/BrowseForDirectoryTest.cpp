@@ -1,12 +1,15 @@
 #include "monitoring/QuonBrowseForDirectory.h"
 
 #include "messaging/MessagingTestSupport.h"
+#include "reliability/Survival.h"
 #include "support/ImportPatch.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
@@ -308,6 +311,49 @@ TEST_F(BrowseForDirectory, FailsWithoutAnAllocatorEvenWhenAFolderWasChosen)
     EXPECT_TRUE(Browse());
     EXPECT_THAT(shell.calls, ElementsAre("desktop", "release", "dialog in (null)", "allocator", "path of c:\\a",
                                          "free c:\\a", "release"));
+}
+
+// The shell's lists are nobody's once the call has ended, and no block of the run-time's heap.
+TEST_F(BrowseForDirectory, FreesItsListsWhenMemoryRunsOut)
+{
+    class ListAccount
+    {
+    public:
+        explicit ListAccount(FakeShell& shell) : m_shell(shell) {}
+        ~ListAccount()
+        {
+            EXPECT_EQ(Count("free "), Count("parse ") + Count("dialog ")) << "lists made, and lists freed";
+            std::vector<std::string>().swap(m_shell.calls);
+        }
+        ListAccount(const ListAccount&) = delete;
+        ListAccount& operator=(const ListAccount&) = delete;
+
+    private:
+        std::ptrdiff_t Count(const std::string& begin) const
+        {
+            return std::count_if(m_shell.calls.begin(), m_shell.calls.end(),
+                                 [&begin](const std::string& call) { return call.starts_with(begin); });
+        }
+        FakeShell& m_shell;
+    };
+    const std::wstring initial = folder.Path();
+    shell.chosen = ListOf(L"c:\\a");
+    shell.open = [](const BROWSEINFOW& dialog)
+    {
+        dialog.lpfn(kDialog, BFFM_INITIALIZED, 0, dialog.lParam);
+        dialog.lpfn(kDialog, BFFM_SELCHANGED, reinterpret_cast<LPARAM>(L"c:\\a"), dialog.lParam);
+    };
+    const int places = ExpectSurvives(
+        [&]
+        {
+            const ListAccount account(shell);
+            QuonBrowseForDirectory fresh(nullptr);
+            QuonPath chosen;
+            fresh.Browse(chosen, initial.c_str(), L"Title", nullptr, L"c:\\root");
+        },
+        kPlain);
+    // The texts of two folders, and the path.
+    EXPECT_GE(places, 3);
 }
 
 int CALLBACK OtherCallback(HWND, UINT, LPARAM, LPARAM)

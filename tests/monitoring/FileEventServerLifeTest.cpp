@@ -4,6 +4,7 @@
 
 #include "support/ChildProcess.h"
 #include "support/FailingAllocation.h"
+#include "support/OneFailure.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -411,6 +412,59 @@ TEST(Part, DISABLED_ShutdownOfAHangingThread)
 TEST(FileEventServerLife, TerminatesAThreadThatDoesNotEnd)
 {
     ExpectPartPasses(L"ShutdownOfAHangingThread");
+}
+
+// It is let go, and the server is as stopped as ever.
+TEST(Part, DISABLED_ShutdownOfAThreadThatStays)
+{
+    QuonFileEventServer* const server = TheServer();
+    auto* const folders = new FakeFolders;
+    const Event go;
+    folders->onRead = [&go](const std::wstring&)
+    {
+        go.Wait();
+    };
+    EXPECT_EQ(TrySubscribe(), S_OK);
+    {
+        const Patch<decltype(&::WaitForSingleObject)> wait(kLibrary, "WaitForSingleObject", &ImpatientWait);
+        const OneFailure terminate("TerminateThread", FALSE, ERROR_ACCESS_DENIED);
+        const Patch<decltype(&::CloseHandle)> close(kLibrary, "CloseHandle", &RecordingCloseHandle);
+        server->Shutdown();
+        EXPECT_TRUE(terminate.WasCalled());
+    }
+    EXPECT_THAT(calls, ElementsAre("wait 10000", "close"));
+    EXPECT_EQ(TrySubscribe(), E_FAIL);
+    // It ends as it was told to once it can.
+    EXPECT_EQ(::WaitForSingleObject(TheWatcherThread().handle, 0), DWORD{WAIT_TIMEOUT});
+    go.Set();
+    EXPECT_EQ(::WaitForSingleObject(TheWatcherThread().handle, kPatience), WAIT_OBJECT_0);
+}
+
+TEST(FileEventServerLife, LeavesAThreadThatCannotBeTerminated)
+{
+    ExpectPartPasses(L"ShutdownOfAThreadThatStays");
+}
+
+// The thread ends as if it had been told to stop, and its callers see that.
+TEST(Part, DISABLED_NoMessages)
+{
+    TheServer();
+    {
+        // The watcher waits in a call that has been made already: a request lets it come to the next.
+        const OneFailure failure("GetMessageW", static_cast<std::uintptr_t>(-1), ERROR_INVALID_PARAMETER);
+        EXPECT_EQ(TrySubscribe(), S_OK);
+        EXPECT_EQ(::WaitForSingleObject(TheWatcherThread().handle, kPatience), WAIT_OBJECT_0);
+        EXPECT_TRUE(failure.WasCalled());
+    }
+    DWORD code = 99;
+    ::GetExitCodeThread(TheWatcherThread().handle, &code);
+    EXPECT_EQ(code, 0u);
+    EXPECT_EQ(TrySubscribe(), HRESULT_FROM_WIN32(ERROR_INVALID_THREAD_ID));
+}
+
+TEST(FileEventServerLife, TellsThatItsThreadGetsNoMessages)
+{
+    ExpectPartPasses(L"NoMessages");
 }
 
 // What was asked for before is done before the end.

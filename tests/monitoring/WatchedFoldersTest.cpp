@@ -1,6 +1,8 @@
 // What the watcher thread does with subscriptions and changes, over folders that the test makes up.
 #include "monitoring/FakeFolders.h"
 
+#include "support/OneFailure.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -316,6 +318,39 @@ TEST_F(WatchedFolders, SurviveAWaitThatFails)
     folders.Signal(L"c:\\d");
     EXPECT_TRUE(PumpUntil([&] { return !watch.sink.calls.empty(); }));
     EXPECT_EQ(watch.sink.ids.front(), id);
+}
+
+TEST_F(WatchedFolders, AreCheckedThoughTheirNotificationCannotBeArmed)
+{
+    folders.SetFolder(L"c:\\d");
+    const QuonFileEventId id = Active(L"c:\\d", 0x1);
+    {
+        const OneFailure failure("FindNextChangeNotification", FALSE, ERROR_INVALID_HANDLE);
+        folders.Signal(L"c:\\d");
+        EXPECT_TRUE(PumpUntil([&] { return !watch.sink.calls.empty(); }));
+        EXPECT_TRUE(failure.WasCalled());
+    }
+    EXPECT_EQ(watch.sink.ids.front(), id);
+    // The watcher goes on.
+    EXPECT_TRUE(watch.Barrier());
+    watch.sink.calls.clear();
+    folders.Signal(L"c:\\d");
+    EXPECT_TRUE(PumpUntil([&] { return !watch.sink.calls.empty(); }));
+}
+
+TEST_F(WatchedFolders, AreForgottenThoughTheirNotificationCannotBeClosed)
+{
+    const QuonFileEventId id = Active(L"c:\\d", 0x1);
+    {
+        const OneFailure failure("FindCloseChangeNotification", FALSE, ERROR_INVALID_HANDLE);
+        watch.Unsubscribe(id);
+        EXPECT_TRUE(watch.Barrier());
+        EXPECT_TRUE(failure.WasCalled());
+    }
+    EXPECT_THAT(TakeMessages(id), ElementsAre(Acknowledgement(id)));
+    folders.TakeCalls();
+    Remove(Active(L"c:\\d", 0x1));
+    EXPECT_THAT(folders.TakeCalls(), ElementsAre("read c:\\d", "watch c:\\d 0 1", testing::StartsWith("close")));
 }
 
 TEST_F(WatchedFolders, ReportWhatHasChanged)

@@ -5,10 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <list>
 #include <memory>
-#include <new>
 #include <string>
 #include <vector>
 
@@ -18,8 +16,7 @@
 #include "points/QuonPointMarker.h"
 #include "points/QuonSortedPointString.h"
 #include "points/QuonUnsortedPointString.h"
-#include "reliability/NthFailure.h"
-#include "support/HardLimit.h"
+#include "reliability/Survival.h"
 #include "support/QuonPoolAllocator.h"
 #include "support/QuonTimer.h"
 #include "support/StringHelpers.h"
@@ -34,114 +31,7 @@
 namespace
 {
 
-using quon_test::BlocksInUse;
-using quon_test::HardLimit;
-using quon_test::NthFailure;
-using quon_test::TemporaryFolder;
-
-// More allocations than any operation here makes.
-constexpr int kTooMany = 5000;
-
-enum Outcome : unsigned
-{
-    kReturned = 1,
-    kFrameworkMemory = 2,  // CMemoryException*, from the framework's classes
-    kStandardMemory = 4,   // std::bad_alloc, from the standard library's
-    kComMemory = 8,        // _com_error
-    kStatusText = 16,      // the status texts of the XML functions
-    kOther = 32
-};
-constexpr unsigned kPlain = kReturned | kFrameworkMemory | kStandardMemory;
-constexpr unsigned kXml = kPlain | kComMemory | kStatusText;
-
-Outcome Run(const std::function<void()>& operation)
-{
-    try
-    {
-        operation();
-        return kReturned;
-    }
-    catch (CMemoryException* exception)
-    {
-        exception->Delete();
-        return kFrameworkMemory;
-    }
-    catch (const std::bad_alloc&)
-    {
-        return kStandardMemory;
-    }
-    catch (const _com_error&)
-    {
-        return kComMemory;
-    }
-    catch (const CString&)
-    {
-        return kStatusText;
-    }
-    catch (CException* exception)
-    {
-        exception->Delete();
-        return kOther;
-    }
-    catch (...)
-    {
-        return kOther;
-    }
-}
-
-struct Attempt
-{
-    Outcome outcome;
-    bool failed;
-    bool leaked;
-};
-
-// A block that is kept on purpose, such as the emergency memory of a thread that throws for the first time, is taken
-// once; what grows at each of three attempts is a leak.
-Attempt FailAt(int successes, const std::function<void()>& operation)
-{
-    Attempt attempt = {};
-    for (int repeated = 0; repeated < 3; ++repeated)
-    {
-        const std::size_t before = BlocksInUse();
-        {
-            const NthFailure failure(successes);
-            attempt.outcome = Run(operation);
-            attempt.failed = failure.Failed();
-        }
-        attempt.leaked = BlocksInUse() > before;
-        if (!attempt.leaked)
-        {
-            break;
-        }
-    }
-    return attempt;
-}
-
-// @return how many different allocations failed
-int ExpectSurvives(const std::function<void()>& operation, unsigned allowed)
-{
-    const HardLimit limit(280000);
-    EXPECT_EQ(Run(operation), kReturned) << "the operation fails with memory";
-    for (int successes = 0; successes < kTooMany; ++successes)
-    {
-        SCOPED_TRACE("after " + std::to_string(successes) + " allocations");
-        const Attempt attempt = FailAt(successes, operation);
-        EXPECT_TRUE((attempt.outcome & allowed) != 0) << "outcome " << attempt.outcome;
-        EXPECT_FALSE(attempt.leaked);
-        if (!attempt.failed)
-        {
-            EXPECT_EQ(attempt.outcome, kReturned);
-            return successes;
-        }
-        if (testing::Test::HasFailure())
-        {
-            return successes;  // one place is enough to look at
-        }
-    }
-    ADD_FAILURE() << "the operation does not get through";
-    return kTooMany;
-}
+using namespace quon_test;
 
 // A check of the check.
 TEST(AllocationFailure, ALeakIsNoticed)
@@ -181,6 +71,24 @@ TEST(AllocationFailure, Paths)
         },
         kPlain);
     EXPECT_GT(places, 10);
+}
+
+TEST(AllocationFailure, WellKnownFolders)
+{
+    const int places = ExpectSurvives(
+        []
+        {
+            for (QuonFolderId id = QuonFolderModuleFile; id <= QuonFolderTempFileName; ++id)
+            {
+                QuonPath folder(id, QuonPathUpperCase);
+                folder.SetToFolder(id);
+            }
+            wchar_t desktop[QuonShellFolderBufferSize] = {};
+            ReadShellFolder(L"Desktop", desktop);
+        },
+        kPlain);
+    // Each name has its text.
+    EXPECT_GE(places, 9);
 }
 
 TEST(AllocationFailure, TreesOfFolders)
@@ -391,16 +299,18 @@ public:
 
 TEST(AllocationFailure, WindowMessageServer)
 {
+    static Listener first;
+    UINT next = 0;
+    const UINT any = WM_APP;
+    ASSERT_EQ(QuonWndMsgServer::GetWndMsgServer()->AddCallback(&any, &next, &first), S_OK);
     const int places = ExpectSurvives(
-        []
+        [&next]
         {
             QuonWndMsgServer* const server = QuonWndMsgServer::GetWndMsgServer();
             Listener listener;
             UINT cookie = 0;
             // The number that comes next is asked for, so that the registration can be taken back.
-            static UINT next = 0;
-            ++next;
-            const UINT message = next;
+            const UINT message = ++next;
             const HRESULT result = server->AddCallback(&message, &cookie, &listener);
             if (result == S_OK && (cookie != message || server->RemoveCallback(&cookie) != S_OK))
             {

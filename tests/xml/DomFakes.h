@@ -349,4 +349,47 @@ public:
 
 #undef FORWARD
 
+/// A list whose failures carry an error object, as the platform's do.
+class DescribingList : public Fake<MSXML2::IXMLDOMNodeList>, public ISupportErrorInfo
+{
+public:
+    HRESULT supports = S_OK;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override
+    {
+        if (::IsEqualIID(iid, IID_ISupportErrorInfo))
+        {
+            *object = static_cast<ISupportErrorInfo*>(this);
+            ++references;
+            return S_OK;
+        }
+        return Fake::QueryInterface(iid, object);
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return Fake::AddRef(); }
+    ULONG STDMETHODCALLTYPE Release() override { return Fake::Release(); }
+    HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID iid) override
+    {
+        return ::IsEqualIID(iid, __uuidof(MSXML2::IXMLDOMNodeList)) ? supports : S_FALSE;
+    }
+    HRESULT STDMETHODCALLTYPE get_item(LONG, IXMLDOMNode**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE nextNode(IXMLDOMNode**) override { return Refuse(); }
+    HRESULT STDMETHODCALLTYPE reset() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE get__newEnum(IUnknown**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE get_length(LONG*) override { return Refuse(); }
+
+private:
+    static HRESULT Refuse()
+    {
+        ICreateErrorInfo* create = nullptr;
+        ::CreateErrorInfo(&create);
+        create->SetDescription(const_cast<wchar_t*>(L"not today"));
+        IErrorInfo* info = nullptr;
+        create->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&info));
+        create->Release();
+        ::SetErrorInfo(0, info);
+        info->Release();
+        return E_ACCESSDENIED;
+    }
+};
+
 }  // namespace quon_test

@@ -59,6 +59,19 @@ TEST(IsWindowsXPOrLaterDeathTest, ComparesTheVersionOnce)
     }
 }
 
+int AskInVain()
+{
+    const ImportPatch<decltype(&::GetVersionExW)> patch(kLibrary, "GetVersionExW",
+                                                        [](OSVERSIONINFOW*) WINAPI -> BOOL { return FALSE; });
+    return static_cast<int>(IsWindowsXPOrLater());
+}
+
+TEST(IsWindowsXPOrLaterDeathTest, IsFalseWhenTheSystemDoesNotSay)
+{
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(::_exit(AskInVain()), ::testing::ExitedWithCode(0), "");
+}
+
 // 0 when 64-bit values go through text in a process whose system is older than XP.
 int CheckOldSystem()
 {

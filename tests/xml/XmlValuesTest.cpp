@@ -362,4 +362,28 @@ TEST_F(XmlValues, OnlyASeparatorThatDiffersIsTouched)
     EXPECT_TRUE(changes.empty()) << "the setter makes no switch";
 }
 
+TEST_F(XmlValues, ASeparatorThatCannotBeReadIsLeftAlone)
+{
+    SetSeparators(L",", L".");
+    {
+        const ImportPatch<decltype(&::GetLocaleInfoW)> reading(
+            kLibrary, "GetLocaleInfoW", [](LCID, LCTYPE, LPWSTR, int) WINAPI -> int { return 0; });
+        EXPECT_EQ(GetXmlDouble(RootWith(L"7"), L"v"), 7.0);
+    }
+    EXPECT_EQ(Separator(LOCALE_SDECIMAL), L",");
+    EXPECT_EQ(Separator(LOCALE_STHOUSAND), L".");
+}
+
+TEST_F(XmlValues, ASeparatorThatCannotBeSetStaysInForce)
+{
+    SetSeparators(L",", L".");
+    {
+        const ImportPatch<decltype(&::SetLocaleInfoW)> writing(
+            kLibrary, "SetLocaleInfoW", [](LCID, LCTYPE, LPCWSTR) WINAPI -> BOOL { return FALSE; });
+        EXPECT_EQ(GetXmlDouble(RootWith(L"7"), L"v"), 7.0);
+    }
+    EXPECT_EQ(Separator(LOCALE_SDECIMAL), L",");
+    EXPECT_EQ(Separator(LOCALE_STHOUSAND), L".");
+}
+
 }  // namespace

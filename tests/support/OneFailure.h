@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include <cstring>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <vector>
