@@ -199,8 +199,8 @@ struct NodeArrayDeleter
 using OwnedNodeArray = std::unique_ptr<QuonNodeArray, NodeArrayDeleter>;
 using OwnedStringArray = std::unique_ptr<CStringArray>;
 
-/// Adds `node` to `nodes`, with no reference of its own.
-inline void AddWithoutReference(QuonNodeArray& nodes, MSXML2::IXMLDOMNode* node)
+/// Adds `node` to `nodes` with a reference of the array's own.
+inline void AddWithReference(QuonNodeArray& nodes, MSXML2::IXMLDOMNode* node)
 {
     // Left alone the array grows by 1024 entries at most and copies itself ever more often. It is told to double
     // instead.
@@ -210,23 +210,10 @@ inline void AddWithoutReference(QuonNodeArray& nodes, MSXML2::IXMLDOMNode* node)
         nodes.SetSize(size, size);
     }
     nodes.Add(node);
-}
-
-/// Adds `node` to `nodes` with a reference of the array's own.
-inline void AddWithReference(QuonNodeArray& nodes, MSXML2::IXMLDOMNode* node)
-{
-    AddWithoutReference(nodes, node);
     if (node != nullptr)
     {
         node->AddRef();
     }
-}
-
-/// Adds the node to `nodes` with the reference that `held` has, and leaves `held` empty.
-inline void AddAndHandOver(QuonNodeArray& nodes, MSXML2::IXMLDOMNodePtr& held)
-{
-    AddWithoutReference(nodes, held);
-    held.Detach();
 }
 
 /// A new array; null when there is no memory for it, whichever way the allocator says so.
