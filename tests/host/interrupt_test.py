@@ -4,11 +4,11 @@
 SIGINT reaches a program under Wine as the console event of Ctrl+C.
 """
 import signal
-import subprocess
 import sys
 import time
 import unittest
 
+import captured
 import host_test
 from host_test import PROGRAM, RUNNER, windows_path
 
@@ -31,20 +31,18 @@ class InterruptTest(unittest.TestCase):
 
     def interrupt(self, begun, *arguments):
         """Starts the host, interrupts it once `begun` says that the work is on, and checks how it ends."""
-        process = subprocess.Popen([RUNNER, PROGRAM, *arguments], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                                   stdin=subprocess.DEVNULL, encoding="utf-8")
+        running = captured.Running([RUNNER, PROGRAM, *arguments])
         try:
             end = time.monotonic() + 60
             while not begun():
-                self.assertIsNone(process.poll(), "the work was done before it could be interrupted")
+                self.assertIsNone(running.process.poll(), "the work was done before it could be interrupted")
                 self.assertLess(time.monotonic(), end)
                 time.sleep(0.002)
-            process.send_signal(signal.SIGINT)
-            output, errors = process.communicate(timeout=60)
+            running.process.send_signal(signal.SIGINT)
+            code = running.process.wait(60)
+            self.assertEqual((code, running.output(), running.errors()), (1, "", "quonhost: stopped\n"))
         finally:
-            process.kill()
-            process.wait()
-        self.assertEqual((process.returncode, output, errors), (1, "", "quonhost: stopped\n"))
+            running.end()
 
     def files(self, folder):
         return [path for path in folder.rglob("*") if path.is_file()]

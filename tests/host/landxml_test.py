@@ -11,6 +11,7 @@ import struct
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
@@ -360,12 +361,19 @@ class LandXmlTest(unittest.TestCase):
         old = self.xml.read_bytes()
         points = self.write("points.csv", "".join(f"{i + 1},{i},{i},{i},P\n" for i in range(150000)))
         arguments = [RUNNER, PROGRAM, "landxml", "export", windows_path(points), windows_path(self.xml), "--progress"]
-        with subprocess.Popen(arguments, stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
-            process.stderr.read(1)  # the bar has begun
-            process.send_signal(signal.SIGINT)
-            out, error = process.communicate(timeout=120)
-        self.assertEqual((process.returncode, out), (1, b""))
-        self.assertTrue(error.endswith(b"\nquonhost: stopped\n"), error[-200:])
+        running = captured.Running(arguments)
+        try:
+            end = time.monotonic() + 60
+            while not running.errors():  # the bar has not begun
+                self.assertIsNone(running.process.poll())
+                self.assertLess(time.monotonic(), end)
+                time.sleep(0.002)
+            running.process.send_signal(signal.SIGINT)
+            code = running.process.wait(120)
+            self.assertEqual((code, running.output()), (1, ""))
+            self.assertTrue(running.errors().endswith("\nquonhost: stopped\n"), running.errors()[-200:])
+        finally:
+            running.end()
         self.assertEqual(self.xml.read_bytes(), old)
         self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["out.xml", "points.csv"])
 

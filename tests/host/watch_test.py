@@ -3,12 +3,12 @@
 import os
 import re
 import signal
-import subprocess
 import sys
 import threading
 import time
 import unittest
 
+import captured
 import host_test
 from host_test import PROGRAM, RUNNER, windows_path
 
@@ -23,26 +23,24 @@ class WatchTest(unittest.TestCase):
 
     def start(self, *arguments, cwd=None):
         """Starts the host; its lines arrive in the list that comes with it."""
-        process = subprocess.Popen([RUNNER, PROGRAM, *arguments], cwd=cwd, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                                   stdin=subprocess.DEVNULL, encoding="utf-8")
+        running = captured.Running([RUNNER, PROGRAM, *arguments], cwd=cwd)
         lines = []
+        stopped = threading.Event()
 
         def read():
-            for line in process.stdout:
-                lines.append((time.monotonic(), line.rstrip("\n")))
+            while not stopped.wait(0.01):
+                lines.extend((time.monotonic(), line) for line in running.lines()[len(lines):])
 
         reader = threading.Thread(target=read, daemon=True)
         reader.start()
 
         def end():
-            process.kill()
-            process.wait()
+            stopped.set()
             reader.join()
-            process.stdout.close()
-            process.stderr.close()
+            running.end()
 
         self.addCleanup(end)
-        return process, lines
+        return running.process, lines
 
     def change_until(self, done, change, limit=30):
         """Changes something again and again until somebody has seen it."""

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cwchar>
 #include <cwctype>
-#include <regex>
 
 namespace quon_test
 {
@@ -29,17 +29,66 @@ void TrimRight(std::wstring& text)
     }
 }
 
+// Reads a token from its front.
+class TokenReader
+{
+public:
+    explicit TokenReader(const std::wstring& token) : m_token(token) {}
+
+    /// @return how many of the characters of `set` stand here, up to `most`
+    std::size_t Take(const wchar_t* set, std::size_t most = std::wstring::npos)
+    {
+        const std::size_t begin = m_at;
+        while (m_at < m_token.size() && m_at - begin < most && std::wcschr(set, m_token[m_at]) != nullptr)
+        {
+            ++m_at;
+        }
+        return m_at - begin;
+    }
+    bool TakeNumber()
+    {
+        const bool hasDigits = Take(L"0123456789") != 0;
+        Take(L" ");
+        return hasDigits;
+    }
+    bool IsAtEnd() const { return m_at == m_token.size(); }
+
+private:
+    const std::wstring& m_token;
+    std::size_t m_at = 0;
+};
+
+// [<>]+=?( *[0-9]+ *)?
 bool IsComparison(const std::wstring& token)
 {
-    static const std::wregex pattern(L"[<>]+=?( *[0-9]+ *)?");
-    return std::regex_match(token, pattern);
+    TokenReader reader(token);
+    if (reader.Take(L"<>") == 0)
+    {
+        return false;
+    }
+    reader.Take(L"=", 1);
+    if (reader.IsAtEnd())
+    {
+        return true;
+    }
+    reader.Take(L" ");
+    return reader.TakeNumber() && reader.IsAtEnd();
 }
 
-// A number or a range; the second number of a range may be missing here.
+// [0-9]+ *(- *([0-9]+ *)?)?, a number or a range; the second number of a range may be missing here.
 bool IsNumberOrRange(const std::wstring& token)
 {
-    static const std::wregex pattern(L"[0-9]+ *(- *([0-9]+ *)?)?");
-    return std::regex_match(token, pattern);
+    TokenReader reader(token);
+    if (!reader.TakeNumber())
+    {
+        return false;
+    }
+    if (reader.Take(L"-", 1) != 0)
+    {
+        reader.Take(L" ");
+        reader.TakeNumber();
+    }
+    return reader.IsAtEnd();
 }
 
 Point ToNumber(const std::wstring& text)
@@ -63,14 +112,14 @@ bool ModelMarker::Reach(Point point)
         return false;
     }
     const Point index = point - 1;
-    if (index >= m_bitCount)
+    if (index >= m_marks.size())
     {
         const std::uint64_t wanted = std::uint64_t{index} + 1024;
         if (wanted + 1 > 4294967295u)
         {
             return false;
         }
-        m_bitCount = wanted;
+        m_marks.resize(static_cast<std::size_t>(wanted), false);
     }
     return true;
 }
@@ -79,7 +128,7 @@ void ModelMarker::Mark(Point point)
 {
     if (Reach(point))
     {
-        m_points.insert(point);
+        m_marks[point - 1] = true;
     }
 }
 
@@ -87,19 +136,18 @@ void ModelMarker::Unmark(Point point)
 {
     if (Reach(point))
     {
-        m_points.erase(point);
+        m_marks[point - 1] = false;
     }
 }
 
 bool ModelMarker::IsMarked(Point point) const
 {
-    return m_points.count(point) != 0;
+    return Point{point - 1} < m_marks.size() && m_marks[point - 1];
 }
 
 void ModelMarker::Clear()
 {
-    m_points.clear();
-    m_bitCount = 0;
+    m_marks.clear();
 }
 
 void ModelString::ResetWalk()

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,7 +12,7 @@ namespace quon_test
 
 using Point = std::uint32_t;
 
-/// A set of points and the number of bits that the real marker would hold.
+/// A mark for each point, as many as the bits that the real marker would hold.
 class ModelMarker
 {
 public:
@@ -21,13 +20,12 @@ public:
     void Unmark(Point point);
     bool IsMarked(Point point) const;
     void Clear();
-    Point End() const { return static_cast<Point>(1 + m_bitCount); }
+    Point End() const { return static_cast<Point>(1 + m_marks.size()); }
 
 private:
     bool Reach(Point point);
 
-    std::set<Point> m_points;
-    std::uint64_t m_bitCount = 0;
+    std::vector<bool> m_marks;
 };
 
 class ModelString

@@ -1,6 +1,7 @@
 #include "support/QuonPoolAllocator.h"
 
 #include "pool/PoolInspection.h"
+#include "support/Thorough.h"
 
 #include <gtest/gtest.h>
 
@@ -59,7 +60,7 @@ TEST(QuonPoolAllocator, HandsOutElementsOfTheirOwn)
     QuonPoolAllocator<Node> nodes;
     std::vector<Node*> live;
     std::set<Node*> different;
-    for (int i = 0; i < 5000; ++i)
+    for (int i = 0; i < quon_test::Cases(5000); ++i)
     {
         Node* const node = nodes.Allocate();
         ASSERT_EQ(reinterpret_cast<std::uintptr_t>(node) % alignof(Node), 0u);

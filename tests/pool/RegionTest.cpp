@@ -3,6 +3,7 @@
 #include "support/BlockPool.h"
 
 #include "pool/PoolInspection.h"
+#include "support/Thorough.h"
 
 #include <gtest/gtest.h>
 
@@ -211,7 +212,7 @@ TEST_F(BlockPoolRegions, BalanceOnRandomUse)
     std::map<void*, std::size_t> inUse;
     std::size_t regions = 1;
     std::size_t most = 0;
-    for (int step = 0; step < 40000; ++step)
+    for (int step = 0; step < quon_test::Cases(40000); ++step)
     {
         const bool growing = step / 4000 % 2 == 0;
         if (live.empty() || random() % 10 < (growing ? 6u : 4u))

@@ -1,4 +1,5 @@
 #include "support/Angles.h"
+#include "support/Thorough.h"
 
 #include <gtest/gtest.h>
 
@@ -146,12 +147,13 @@ std::vector<double> ManyValues()
                                   9007199254740993.0};
     std::mt19937_64 engine(44);
     std::uniform_real_distribution<double> angles(-720, 720);
-    for (int i = 0; i < 50000; ++i)
+    const int half = quon_test::Cases(100000) / 2;
+    for (int i = 0; i < half; ++i)
     {
         values.push_back(angles(engine));
     }
     // Any pattern of bits is a double.
-    for (int i = 0; i < 50000; ++i)
+    for (int i = 0; i < half; ++i)
     {
         const std::uint64_t bits = engine();
         double value = 0;

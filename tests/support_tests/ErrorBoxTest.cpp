@@ -3,9 +3,11 @@
 #include <comdef.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
 #include <thread>
 
+#include "support/HardLimit.h"
 #include "support/ImportPatch.h"
 #include "support/StringHelpers.h"
 #include "support_tests/Wide.h"
@@ -193,6 +195,8 @@ struct SeenBox
     bool hasOwner = false;
     std::wstring caption;
     std::wstring text;
+
+    bool IsWhole() const { return hasOk && hasCancel && !text.empty(); }
 };
 
 HWND FindBox(DWORD processId)
@@ -217,27 +221,52 @@ std::wstring WindowText(HWND window)
     return text;
 }
 
-SeenBox AnswerBox(int answer)
+SeenBox LookAt(HWND box)
 {
     SeenBox seen;
-    for (int i = 0; i < 1000 && !seen.found; ++i)
+    seen.found = true;
+    seen.hasOk = ::GetDlgItem(box, IDOK) != nullptr;
+    seen.hasCancel = ::GetDlgItem(box, IDCANCEL) != nullptr;
+    seen.hasOwner = ::GetWindow(box, GW_OWNER) != nullptr;
+    seen.caption = WindowText(box);
+    const HWND label = ::GetDlgItem(box, 0xFFFF);
+    seen.text = label != nullptr ? WindowText(label) : L"";
+    return seen;
+}
+
+// Presses a button of a box that another thread shows, once the box is all there, and after a long wait as it is: the
+// other thread must not wait for ever. Gives up when `isOver`, because then there is no box to come.
+SeenBox AnswerBox(int answer, const std::atomic<bool>& isOver)
+{
+    constexpr ULONGLONG kLimit = 120000;
+    const ULONGLONG start = ::GetTickCount64();
+    while (!isOver)
     {
         if (const HWND box = FindBox(::GetCurrentProcessId()))
         {
-            seen.found = true;
-            seen.hasOk = ::GetDlgItem(box, IDOK) != nullptr;
-            seen.hasCancel = ::GetDlgItem(box, IDCANCEL) != nullptr;
-            seen.hasOwner = ::GetWindow(box, GW_OWNER) != nullptr;
-            seen.caption = WindowText(box);
-            const HWND label = ::GetDlgItem(box, 0xFFFF);
-            seen.text = label != nullptr ? WindowText(label) : L"";
-            ::PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(answer), 0);
+            const SeenBox seen = LookAt(box);
+            if (seen.IsWhole() || ::GetTickCount64() - start > kLimit)
+            {
+                ::PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(answer), 0);
+                return seen;
+            }
         }
-        else
-        {
-            ::Sleep(10);
-        }
+        ::Sleep(10);
     }
+    return {};
+}
+
+// Shows a box by `show` and presses the button `answer`. @return what the box looked like
+template <typename Show>
+SeenBox ShowAndAnswer(int answer, const Show& show)
+{
+    const quon_test::HardLimit limit(200000);
+    SeenBox seen;
+    std::atomic<bool> isOver = false;
+    std::thread helper([&] { seen = AnswerBox(answer, isOver); });
+    EXPECT_EQ(show(), answer);
+    isOver = true;
+    helper.join();
     return seen;
 }
 
@@ -247,19 +276,13 @@ TEST(RealErrorBox, ShowsTextAndButtonsAndReturnsTheAnswer)
     for (const int answer : {IDOK, IDCANCEL})
     {
         SCOPED_TRACE(answer);
-        SeenBox seen;
-        std::thread helper([&] { seen = AnswerBox(answer); });
-        EXPECT_EQ(ShowErrorBox(5), answer);
-        helper.join();
+        SeenBox seen = ShowAndAnswer(answer, [] { return ShowErrorBox(5); });
         EXPECT_TRUE(seen.found && seen.hasOk && seen.hasCancel);
         EXPECT_FALSE(seen.hasOwner);
         EXPECT_EQ(seen.caption, L"");
         EXPECT_EQ(seen.text, Wide(GetSystemErrorText(5)));
 
-        seen = SeenBox();
-        helper = std::thread([&] { seen = AnswerBox(answer); });
-        EXPECT_EQ(ShowComErrorBox(error, L"real.cpp", 1), answer);
-        helper.join();
+        seen = ShowAndAnswer(answer, [&] { return ShowComErrorBox(error, L"real.cpp", 1); });
         EXPECT_TRUE(seen.found && seen.hasOk && seen.hasCancel);
         EXPECT_EQ(seen.caption, L"");
         EXPECT_EQ(seen.text, Wide(GetComErrorText(error)));

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "traversal/QuonBasicFileMatcher.h"
+#include "support/Thorough.h"
 
 namespace
 {
@@ -99,8 +100,11 @@ TEST(MatchAttributes, AgreesWithASetModelForEveryFilter)
     {
         relevant |= condition.attribute;
     }
-    for (unsigned int filter = 0; filter <= 0xFFFF; ++filter)
+    // Every filter once, and as often again as a thorough run has cases.
+    const auto rounds = static_cast<unsigned int>(quon_test::Cases(0x10000));
+    for (unsigned int round = 0; round < rounds; ++round)
     {
+        const unsigned int filter = round & 0xFFFF;
         // Words that the filter nearly admits, so that both answers come up.
         DWORD close = static_cast<DWORD>(random());
         for (const Condition& condition : kConditions)

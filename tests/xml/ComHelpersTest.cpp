@@ -3,6 +3,7 @@
 #include "support/ImportPatch.h"
 #include "xml/DomFakes.h"
 #include "xml/XmlTestSupport.h"
+#include "support/Thorough.h"
 
 #include <ctime>
 #include <random>
@@ -150,7 +151,7 @@ TEST(AppendUniqueStrings, TakesAnArrayAsItsOwnTarget)
 TEST(AppendUniqueStrings, AgreesWithASearchPerEntry)
 {
     std::mt19937 random(20070304);
-    for (int round = 0; round < 50; ++round)
+    for (int round = 0; round < quon_test::Cases(50); ++round)
     {
         CStringArray source;
         CStringArray target;
