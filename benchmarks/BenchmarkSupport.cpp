@@ -56,6 +56,24 @@ void AddPrepared(const std::string& work, int size, const std::string& contender
     benchmark::RegisterBenchmark(NameOf(work, size, contender).c_str(), body)->UseRealTime();
 }
 
+void AddWithin(const std::string& work, int size, const std::string& contender, std::function<void()> begin,
+               std::function<void()> once, std::function<void()> end)
+{
+    const auto body =
+        [begin = std::move(begin), once = std::move(once), end = std::move(end), size](benchmark::State& state)
+    {
+        begin();
+        for (auto _ : state)
+        {
+            once();
+            benchmark::ClobberMemory();
+        }
+        end();
+        state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * size);
+    };
+    benchmark::RegisterBenchmark(NameOf(work, size, contender).c_str(), body)->UseRealTime();
+}
+
 void Require(bool condition, const std::string& what)
 {
     if (!condition)

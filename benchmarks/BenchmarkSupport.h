@@ -36,6 +36,10 @@ void Add(const std::string& work, int size, const std::string& contender, std::f
 void AddPrepared(const std::string& work, int size, const std::string& contender, std::function<void()> prepare,
                  std::function<void()> once);
 
+/// The same for work in surroundings that are made before all runs in a row and are gone behind them.
+void AddWithin(const std::string& work, int size, const std::string& contender, std::function<void()> begin,
+               std::function<void()> once, std::function<void()> end);
+
 /// Ends the program when contenders disagree: nothing is timed before all results are the same.
 void Require(bool condition, const std::string& what);
 

@@ -200,57 +200,103 @@ struct ReturningList
     }
 };
 
+// Takes many elements and gives them back, in the order they were taken or in random order.
+template <typename Pool>
+class Crowd
+{
+public:
+    explicit Crowd(int size) : m_elements(static_cast<std::size_t>(size)), m_shuffled(m_elements.size())
+    {
+        std::iota(m_shuffled.begin(), m_shuffled.end(), std::size_t{0});
+        std::shuffle(m_shuffled.begin(), m_shuffled.end(), std::mt19937(7));
+    }
+
+    void Pairs()
+    {
+        for (std::size_t count = m_elements.size(); count != 0; --count)
+        {
+            void* const element = m_pool.Take();
+            benchmark::DoNotOptimize(element);
+            m_pool.Give(element);
+        }
+    }
+
+    void Bulk()
+    {
+        TakeAll();
+        for (void* const element : m_elements)
+        {
+            m_pool.Give(element);
+        }
+    }
+
+    void Shuffled()
+    {
+        TakeAll();
+        for (const std::size_t index : m_shuffled)
+        {
+            m_pool.Give(m_elements[index]);
+        }
+    }
+
+    // Of as many elements a few stay in use: one in less than 64 KiB.
+    void KeepSome()
+    {
+        TakeAll();
+        for (std::size_t index = 0; index < m_elements.size(); ++index)
+        {
+            index % kOneStays == 0 ? m_kept.push_back(m_elements[index]) : m_pool.Give(m_elements[index]);
+        }
+    }
+
+    void ReturnKept()
+    {
+        for (void* const element : m_kept)
+        {
+            m_pool.Give(element);
+        }
+        m_kept.clear();
+    }
+
+private:
+    static constexpr std::size_t kOneStays = 400;
+
+    void TakeAll()
+    {
+        for (void*& element : m_elements)
+        {
+            element = m_pool.Take();
+            *static_cast<std::size_t*>(element) = 1;
+        }
+    }
+
+    Pool m_pool;
+    std::vector<void*> m_elements;
+    std::vector<std::size_t> m_shuffled;
+    std::vector<void*> m_kept;
+};
+
 template <typename Pool>
 void AddPool(const std::string& bytes, int size, const std::string& contender)
 {
-    struct State
-    {
-        Pool pool;
-        std::vector<void*> elements;
-        std::vector<std::size_t> order;
-    };
-    const auto state = std::make_shared<State>();
-    state->elements.resize(static_cast<std::size_t>(size));
-    state->order.resize(static_cast<std::size_t>(size));
-    std::iota(state->order.begin(), state->order.end(), std::size_t{0});
-    std::shuffle(state->order.begin(), state->order.end(), std::mt19937(7));
+    const auto crowd = std::make_shared<Crowd<Pool>>(size);
+    Add("pair, " + bytes, size, contender, [crowd] { crowd->Pairs(); });
+    Add("bulk, " + bytes, size, contender, [crowd] { crowd->Bulk(); });
+    Add("shuffled, " + bytes, size, contender, [crowd] { crowd->Shuffled(); });
 
-    Add("pair, " + bytes, size, contender,
-        [state, size]
-        {
-            for (int index = 0; index < size; ++index)
-            {
-                void* const element = state->pool.Take();
-                benchmark::DoNotOptimize(element);
-                state->pool.Give(element);
-            }
-        });
-    Add("bulk, " + bytes, size, contender,
-        [state]
-        {
-            for (void*& element : state->elements)
-            {
-                element = state->pool.Take();
-                *static_cast<std::size_t*>(element) = 1;
-            }
-            for (void* const element : state->elements)
-            {
-                state->pool.Give(element);
-            }
-        });
-    Add("shuffled, " + bytes, size, contender,
-        [state]
-        {
-            for (void*& element : state->elements)
-            {
-                element = state->pool.Take();
-                *static_cast<std::size_t*>(element) = 1;
-            }
-            for (const std::size_t index : state->order)
-            {
-                state->pool.Give(state->elements[index]);
-            }
-        });
+    const auto begin = [crowd]
+    {
+        crowd->KeepSome();
+    };
+    const auto end = [crowd]
+    {
+        crowd->ReturnKept();
+    };
+    const std::string crowded = ", " + bytes + ", others in use";
+    AddWithin(
+        "bulk" + crowded, size, contender, begin, [crowd] { crowd->Bulk(); }, end);
+    AddWithin(
+        "shuffled" + crowded, size, contender, begin, [crowd] { crowd->Shuffled(); }, end);
 }
 
 // No two live elements are the same, and each is there to be written.

@@ -1,4 +1,5 @@
-// A tree of 10,000 entries, five folders deep: its folders, its files, and the read-only ones among them.
+// A tree of 10,000 entries, five folders deep: its folders, its files, and the read-only ones among them; and the files
+// of a tree with more folders.
 #include <afx.h>
 
 #include "BenchmarkSupport.h"
@@ -20,7 +21,9 @@ using namespace quon_benchmark;
 namespace
 {
 
-constexpr int kEntriesPerFolder = 8;
+// As in the folders of a project; and a tree of many small folders, where opening a folder is what counts.
+constexpr int kEntriesPerFolder = 20;
+constexpr int kFewEntriesPerFolder = 8;
 constexpr int kDepth = 5;
 
 using Paths = std::vector<std::wstring>;
@@ -30,11 +33,11 @@ struct Tree
 {
     quon_test::TemporaryFolder root;
 
-    explicit Tree(int entries)
+    Tree(int entries, int entriesPerFolder)
     {
         std::mt19937 random(9);
         std::vector<std::pair<std::wstring, int>> folders{{L"", 0}};
-        const int folderCount = std::max(kDepth, entries / kEntriesPerFolder);
+        const int folderCount = std::max(kDepth, entries / entriesPerFolder);
         for (int index = 1; index <= folderCount; ++index)
         {
             // The first ones make a chain, so that the depth is reached; the others lie anywhere above it.
@@ -286,13 +289,15 @@ void AddContenders(const Sizes& sizes)
 {
     for (const int size : sizes.UpTo(10000))
     {
-        const SharedTree tree = std::make_shared<const Tree>(size);
+        const SharedTree tree = std::make_shared<const Tree>(size, kEntriesPerFolder);
         AddFolders(tree, size);
         AddFiles(tree, size, "files", kQuonMatchFiles, 0);
         if (size >= 100)
         {
             AddFiles(tree, size, "read-only files", kQuonMatchFiles | kQuonMatchReadOnly, FILE_ATTRIBUTE_READONLY);
         }
+        AddFiles(std::make_shared<const Tree>(size, kFewEntriesPerFolder), size, "files of many small folders",
+                 kQuonMatchFiles, 0);
     }
 }
 

@@ -24,6 +24,7 @@ constexpr wchar_t kNew[] = L"F";
 constexpr const char* kPugi = "pugixml 1.13";
 constexpr const char* kRapid = "RapidXML 1.13";
 constexpr const char* kBare = "limit: bare DOM calls";
+constexpr const char* kBareTexts = "bare DOM calls, texts left as the DOM's own";
 
 std::string MakeSurface(int points)
 {
@@ -126,13 +127,15 @@ void Check(const SharedSurface& surface, int size)
     ReleaseAll(tagged);
 
     const std::size_t texts = LengthOf(Texts(GetTextsOfNodes(surface->nodes.get())));
-    Require(texts == GetTextsBare(surface->bareNodes).Length() && texts == SumOfTexts<Pugi>(surface->pugiNodes) &&
-                texts == SumOfTexts<Rapid>(surface->rapidNodes),
+    Require(texts == GetTextsBare<BareStrings>(surface->bareNodes).Length() &&
+                texts == GetTextsBare<BareTexts>(surface->bareNodes).Length() &&
+                texts == SumOfTexts<Pugi>(surface->pugiNodes) && texts == SumOfTexts<Rapid>(surface->rapidNodes),
             "texts");
 
     const std::size_t values = LengthOf(Texts(GetAttributeValuesOfNodes(surface->nodes.get(), kId)));
-    Require(values == GetAttributesBare(surface->bareNodes, surface->id).Length() &&
-                values == GetAttributesOfElements(surface->bareNodes, surface->id).Length() &&
+    Require(values == GetAttributesBare<BareStrings>(surface->bareNodes, surface->id).Length() &&
+                values == GetAttributesBare<BareTexts>(surface->bareNodes, surface->id).Length() &&
+                values == GetAttributesOfElements<BareStrings>(surface->bareNodes, surface->id).Length() &&
                 values == SumOfAttributes<Pugi>(surface->pugiNodes) &&
                 values == SumOfAttributes<Rapid>(surface->rapidNodes),
             "attributes");
@@ -172,16 +175,21 @@ void AddRead(const SharedSurface& surface, int size)
 {
     Add("read texts", size, "quon",
         [surface] { benchmark::DoNotOptimize(Texts(GetTextsOfNodes(surface->nodes.get()))); });
-    Add("read texts", size, kBare, [surface] { benchmark::DoNotOptimize(GetTextsBare(surface->bareNodes)); });
+    Add("read texts", size, kBare,
+        [surface] { benchmark::DoNotOptimize(GetTextsBare<BareStrings>(surface->bareNodes)); });
+    Add("read texts", size, kBareTexts,
+        [surface] { benchmark::DoNotOptimize(GetTextsBare<BareTexts>(surface->bareNodes)); });
     Add("read texts", size, kPugi, [surface] { benchmark::DoNotOptimize(SumOfTexts<Pugi>(surface->pugiNodes)); });
     Add("read texts", size, kRapid, [surface] { benchmark::DoNotOptimize(SumOfTexts<Rapid>(surface->rapidNodes)); });
 
     Add("read attributes", size, "quon",
         [surface] { benchmark::DoNotOptimize(Texts(GetAttributeValuesOfNodes(surface->nodes.get(), kId))); });
     Add("read attributes", size, kBare,
-        [surface] { benchmark::DoNotOptimize(GetAttributesBare(surface->bareNodes, surface->id)); });
+        [surface] { benchmark::DoNotOptimize(GetAttributesBare<BareStrings>(surface->bareNodes, surface->id)); });
+    Add("read attributes", size, kBareTexts,
+        [surface] { benchmark::DoNotOptimize(GetAttributesBare<BareTexts>(surface->bareNodes, surface->id)); });
     Add("read attributes", size, "IXMLDOMElement::getAttribute",
-        [surface] { benchmark::DoNotOptimize(GetAttributesOfElements(surface->bareNodes, surface->id)); });
+        [surface] { benchmark::DoNotOptimize(GetAttributesOfElements<BareStrings>(surface->bareNodes, surface->id)); });
     Add("read attributes", size, kPugi,
         [surface] { benchmark::DoNotOptimize(SumOfAttributes<Pugi>(surface->pugiNodes)); });
     Add("read attributes", size, kRapid,

@@ -4,7 +4,11 @@
 
 #include "xml/Msxml2.h"
 
+#include <afx.h>
+#include <afxcoll.h>
+
 #include <cwchar>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -36,12 +40,14 @@ inline void CollectBare(IXMLDOMNodeList* list, const wchar_t* name, DomNodes& fo
         node->get_childNodes(&children);
         if (matches)
         {
-            node->AddRef();
             found.push_back(node);
         }
         CollectBare(children, name, found);
         children->Release();
-        node->Release();
+        if (!matches)
+        {
+            node->Release();
+        }
     }
 }
 
@@ -73,7 +79,7 @@ inline DomNodes FindByTagName(IXMLDOMDocument* document, BSTR name)
 class BareTexts
 {
 public:
-    BareTexts() = default;
+    explicit BareTexts(std::size_t count) { m_texts.reserve(count); }
     BareTexts(BareTexts&&) = default;
     BareTexts& operator=(BareTexts&&) = default;
     ~BareTexts()
@@ -84,8 +90,7 @@ public:
         }
     }
 
-    void Reserve(std::size_t count) { m_texts.reserve(count); }
-    void Add(BSTR text) { m_texts.push_back(text); }
+    void Take(BSTR text) { m_texts.push_back(text); }
 
     std::size_t Length() const
     {
@@ -101,23 +106,54 @@ private:
     std::vector<BSTR> m_texts;
 };
 
-inline BareTexts GetTextsBare(const DomNodes& nodes)
+/// Strings of the framework, copied from the texts that the DOM handed out.
+class BareStrings
 {
-    BareTexts texts;
-    texts.Reserve(nodes.size());
+public:
+    explicit BareStrings(std::size_t count) : m_strings(std::make_unique<CStringArray>())
+    {
+        m_strings->SetSize(static_cast<INT_PTR>(count));
+        m_next = m_strings->GetData();
+    }
+
+    void Take(BSTR text)
+    {
+        m_next++->SetString(text, static_cast<int>(::SysStringLen(text)));
+        ::SysFreeString(text);
+    }
+
+    std::size_t Length() const
+    {
+        std::size_t length = 0;
+        for (const CString* string = m_strings->GetData(); string != m_next; ++string)
+        {
+            length += static_cast<std::size_t>(string->GetLength());
+        }
+        return length;
+    }
+
+private:
+    std::unique_ptr<CStringArray> m_strings;
+    CString* m_next;
+};
+
+template <typename Texts>
+Texts GetTextsBare(const DomNodes& nodes)
+{
+    Texts texts(nodes.size());
     for (IXMLDOMNode* const node : nodes)
     {
         BSTR text = nullptr;
         node->get_text(&text);
-        texts.Add(text);
+        texts.Take(text);
     }
     return texts;
 }
 
-inline BareTexts GetAttributesBare(const DomNodes& nodes, BSTR name)
+template <typename Texts>
+Texts GetAttributesBare(const DomNodes& nodes, BSTR name)
 {
-    BareTexts values;
-    values.Reserve(nodes.size());
+    Texts values(nodes.size());
     for (IXMLDOMNode* const node : nodes)
     {
         IXMLDOMNamedNodeMap* attributes = nullptr;
@@ -127,7 +163,7 @@ inline BareTexts GetAttributesBare(const DomNodes& nodes, BSTR name)
         VARIANT value;
         ::VariantInit(&value);
         attribute->get_nodeValue(&value);
-        values.Add(value.bstrVal);
+        values.Take(value.bstrVal);
         attribute->Release();
         attributes->Release();
     }
@@ -135,10 +171,10 @@ inline BareTexts GetAttributesBare(const DomNodes& nodes, BSTR name)
 }
 
 /// By the call that elements have for it.
-inline BareTexts GetAttributesOfElements(const DomNodes& nodes, BSTR name)
+template <typename Texts>
+Texts GetAttributesOfElements(const DomNodes& nodes, BSTR name)
 {
-    BareTexts values;
-    values.Reserve(nodes.size());
+    Texts values(nodes.size());
     for (IXMLDOMNode* const node : nodes)
     {
         IXMLDOMElement* element = nullptr;
@@ -146,7 +182,7 @@ inline BareTexts GetAttributesOfElements(const DomNodes& nodes, BSTR name)
         VARIANT value;
         ::VariantInit(&value);
         element->getAttribute(name, &value);
-        values.Add(value.bstrVal);
+        values.Take(value.bstrVal);
         element->Release();
     }
     return values;

@@ -41,8 +41,8 @@ constexpr int CountDigits(std::uint32_t number)
     return digits + (number >= 10) + (number >= 100) + (number >= 1000);
 }
 
-// A separator and a number.
-constexpr int kMaxWrite = 1 + static_cast<int>(kMaxNumberLength);
+// Two numbers, each with a separator.
+constexpr int kMaxWrite = 2 * (1 + static_cast<int>(kMaxNumberLength));
 
 constexpr int kFirstCapacity = 128;
 
@@ -80,7 +80,7 @@ wchar_t* WriteNumber(wchar_t* out, unsigned long number)
 }
 
 PointTextWriter::PointTextWriter(CString& text, int expectedLength)
-    : m_text(text), m_length(text.GetLength()), m_expectedLength(expectedLength)
+    : m_text(text), m_length(text.GetLength()), m_expectedLength(std::min(expectedLength, INT_MAX - kMaxWrite))
 {
 }
 
@@ -109,6 +109,23 @@ void PointTextWriter::WriteRangeEnd(unsigned long number)
     Write(number);
 }
 
+void PointTextWriter::WriteRange(PointRange range)
+{
+    Reserve();
+    if (m_length != 0)
+    {
+        m_buffer[m_length++] = L',';
+    }
+    wchar_t* const firstEnd = WriteNear(m_buffer + m_length, range.first);
+    // The end is written in any case, and counts when there is one: a branch would be a guess for each item.
+    *firstEnd = L'-';
+    wchar_t* const lastEnd = WriteNear(firstEnd + 1, range.last);
+    const std::ptrdiff_t isRange = range.first != range.last;
+    m_length = static_cast<int>(firstEnd - m_buffer + (lastEnd - firstEnd) * isRange);
+    m_lastNumber = range.last;
+    m_hasWritten = true;
+}
+
 void PointTextWriter::Reserve()
 {
     if (m_capacity - m_length >= kMaxWrite)
@@ -127,16 +144,38 @@ void PointTextWriter::Reserve()
     // Room that an earlier writer left is used up first, so that many small additions cost no more than one large one.
     const int needed = m_length + kMaxWrite;
     const int doubled = m_length <= INT_MAX / 2 ? 2 * m_length : needed;
-    m_buffer = m_text.GetBuffer(
-        m_text.GetAllocLength() >= needed ? needed : std::max({kFirstCapacity, m_expectedLength, needed, doubled}));
+    m_buffer = m_text.GetBuffer(m_text.GetAllocLength() >= needed
+                                    ? needed
+                                    : std::max({kFirstCapacity, m_expectedLength + kMaxWrite, needed, doubled}));
     m_capacity = m_text.GetAllocLength();
 }
 
 void PointTextWriter::Write(unsigned long number)
 {
-    m_length = static_cast<int>(WriteNumber(m_buffer + m_length, number) - m_buffer);
+    m_length = static_cast<int>(WriteNear(m_buffer + m_length, number) - m_buffer);
     m_lastNumber = number;
     m_hasWritten = true;
+}
+
+wchar_t* PointTextWriter::WriteNear(wchar_t* out, unsigned long number)
+{
+    constexpr unsigned long kLow = 10000;
+    if (number < kLow || number > INT32_MAX)
+    {
+        return WriteNumber(out, number);
+    }
+    const unsigned long leading = number / kLow;
+    if (leading != m_leadingNumber)
+    {
+        m_leadingNumber = leading;
+        m_leadingLength = static_cast<int>(WriteNumber(m_leading, leading) - m_leading);
+    }
+    std::memcpy(out, m_leading, sizeof(m_leading));
+    out += m_leadingLength;
+    const unsigned long low = number - leading * kLow;
+    std::memcpy(out, kDigitPairs.pairs + 2 * (low / 100), 2 * sizeof(wchar_t));
+    std::memcpy(out + 2, kDigitPairs.pairs + 2 * (low % 100), 2 * sizeof(wchar_t));
+    return out + 4;
 }
 
 void PointTextWriter::CopyLastNumber(wchar_t* buffer) const
@@ -161,15 +200,11 @@ void WriteSortedPoints(const QuonPointMarker& points, PointTextWriter& writer)
     const unsigned char* const bits = QuonPointMarkerAccess::Bytes(points);
     const std::uint64_t count = QuonPointMarkerAccess::CountBits(points);
     const unsigned long first = points.GetFirstNumber();
-    ForEachRun(bits, count,
-               [&writer, first](std::uint64_t from, std::uint64_t to)
-               {
-                   writer.WriteItem(first + static_cast<unsigned long>(from));
-                   if (to - from > 1)
-                   {
-                       writer.WriteRangeEnd(first + static_cast<unsigned long>(to - 1));
-                   }
-               });
+    ForEachRun(
+        bits, count,
+        [&writer, first](std::uint64_t from, std::uint64_t to) {
+            writer.WriteRange({first + static_cast<unsigned long>(from), first + static_cast<unsigned long>(to - 1)});
+        });
 }
 
 void UnsortedPointLayout::Add(unsigned long point)

@@ -39,6 +39,9 @@ public:
     /// Ends the item as a range.
     void WriteRangeEnd(unsigned long number);
 
+    /// Writes the item of first, ..., last: a number when they are the same.
+    void WriteRange(PointRange range);
+
     /// Stores the text of the last number, zero-terminated, in `buffer`, which has room for kMaxNumberLength characters
     /// more; without a number the buffer stays as it is.
     void CopyLastNumber(wchar_t* buffer) const;
@@ -46,6 +49,7 @@ public:
 private:
     void Reserve();
     void Write(unsigned long number);
+    wchar_t* WriteNear(wchar_t* out, unsigned long number);
 
     CString& m_text;
     wchar_t* m_buffer = nullptr;  // null until something is written, and after a failed growth
@@ -53,6 +57,10 @@ private:
     int m_expectedLength;
     int m_capacity = 0;
     unsigned long m_lastNumber = 0;
+    // All but the last four digits of the number before, which the next one mostly has too.
+    wchar_t m_leading[8] = {};
+    unsigned long m_leadingNumber = 0;
+    int m_leadingLength = 0;
     bool m_hasWritten = false;
 };
 

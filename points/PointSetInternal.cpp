@@ -15,17 +15,76 @@ namespace
 
 using Access = QuonPointMarkerAccess;
 
-void Mark(QuonPointMarker& marker, PointRange range, unsigned long growTo)
+// Hands out the ranges of the text. Returns false when an invalid item has ended the walk.
+template <typename Visit>
+bool ForEachRange(const wchar_t* text, std::size_t length, const Visit& visit)
 {
-    Access::MarkRange(marker, std::min(range.first, range.last), std::max(range.first, range.last), growTo);
+    PointTextReader reader = PointTextReader::Start(text, length);
+    while (!reader.AtEnd())
+    {
+        PointItem item;
+        if (!reader.ReadPlainItem(item))
+        {
+            item = reader.Next();
+        }
+        if (item.kind == ItemKind::Valid)
+        {
+            visit(item.range);
+        }
+        else if (item.kind != ItemKind::None)
+        {
+            return false;
+        }
+    }
+    return true;
 }
 
-void MarkAll(QuonPointMarker& marker, const ParsedPoints& points)
+unsigned long Lowest(PointRange range)
 {
-    for (const PointRange& range : points.ranges)
+    return std::min(range.first, range.last);
+}
+
+unsigned long Highest(PointRange range)
+{
+    return std::max(range.first, range.last);
+}
+
+// The highest point of the last item, which is mostly that of the text; 0 when it is none that is read in one step.
+unsigned long HighestOfLastItem(const wchar_t* text, std::size_t length)
+{
+    const wchar_t* const end = text + length;
+    const wchar_t* start = end;
+    while (start != text && start[-1] != L',')
     {
-        Mark(marker, range, points.highest);
+        --start;
     }
+    PointTextReader reader = PointTextReader::Start(start, static_cast<std::size_t>(end - start));
+    PointItem item;
+    return reader.ReadPlainItem(item) ? Highest(item.range) : 0;
+}
+
+// Marks ranges of a text. The room for them grows to its likely end at once, and by an eighth where it goes on.
+class RangeMarker
+{
+public:
+    RangeMarker(QuonPointMarker& marker, unsigned long likelyHighest) : m_marker(marker), m_highest(likelyHighest) {}
+
+    void operator()(PointRange range) const
+    {
+        const unsigned long highest = Highest(range);
+        const unsigned long more = highest + std::min(highest / 8, ULONG_MAX - highest);
+        Access::MarkRange(m_marker, Lowest(range), highest, highest <= m_highest ? m_highest : more);
+    }
+
+private:
+    QuonPointMarker& m_marker;
+    unsigned long m_highest;
+};
+
+void MarkText(QuonPointMarker& marker, const CString& text)
+{
+    const auto length = static_cast<std::size_t>(text.GetLength());
+    ForEachRange(text, length, RangeMarker(marker, HighestOfLastItem(text, length)));
 }
 
 // Adds the unmarked points of first, ..., last, which ascend and are none of 0.
@@ -87,11 +146,6 @@ void AddUnmarked(const QuonPointMarker& marker, PointRange range, UnsortedPointL
     }
 }
 
-int ExpectedLength(const ParsedPoints& points)
-{
-    return static_cast<int>(std::min<std::size_t>(points.textLength, INT_MAX));
-}
-
 // Room for a text as long as the old one is made at once; what is not needed of it is given back.
 void FreeExtra(CString& text)
 {
@@ -101,41 +155,51 @@ void FreeExtra(CString& text)
     }
 }
 
-void WriteSortedDifference(const ParsedPoints& points, const ParsedPoints& removed, PointTextWriter& writer)
+void WriteSortedDifference(const CString& text, const ParsedPoints& removed, PointTextWriter& writer)
 {
     QuonPointMarker result;
-    MarkAll(result, points);
+    MarkText(result, text);
     for (const PointRange& range : removed.ranges)
     {
-        Access::UnmarkRange(result, std::min(range.first, range.last), std::max(range.first, range.last));
+        Access::UnmarkRange(result, Lowest(range), Highest(range));
     }
     WriteSortedPoints(result, writer);
 }
 
-void WriteUnsortedDifference(const ParsedPoints& points, const ParsedPoints& removed, PointTextWriter& writer)
+void WriteUnsortedDifference(const CString& text, const ParsedPoints& removed, PointTextWriter& writer)
 {
     QuonPointMarker marker;
-    MarkAll(marker, removed);
-    UnsortedPointLayout layout(writer);
-    for (const PointRange& range : points.ranges)
+    unsigned long highest = 0;
+    for (const PointRange& range : removed.ranges)
     {
-        AddUnmarked(marker, range, layout);
+        highest = std::max(highest, Highest(range));
     }
+    const RangeMarker mark(marker, highest);
+    for (const PointRange& range : removed.ranges)
+    {
+        mark(range);
+    }
+    UnsortedPointLayout layout(writer);
+    ForEachRange(text, static_cast<std::size_t>(text.GetLength()),
+                 [&](PointRange range) { AddUnmarked(marker, range, layout); });
     layout.Finish();
 }
 
-void WriteUnsortedUnique(const ParsedPoints& points, PointTextWriter& writer)
+void WriteUnsortedUnique(const CString& text, PointTextWriter& writer)
 {
     QuonPointMarker seen;
+    const auto length = static_cast<std::size_t>(text.GetLength());
+    const RangeMarker mark(seen, HighestOfLastItem(text, length));
     UnsortedPointLayout layout(writer);
-    for (const PointRange& range : points.ranges)
-    {
-        AddUnmarked(seen, range, layout);
-        if (&range != &points.ranges.back())
-        {
-            Mark(seen, range, points.highest);
-        }
-    }
+    // A range is marked when another one follows: the last one needs no room.
+    PointRange previous{0, 0};
+    ForEachRange(text, length,
+                 [&](PointRange range)
+                 {
+                     mark(previous);
+                     AddUnmarked(seen, range, layout);
+                     previous = range;
+                 });
     layout.Finish();
 }
 
@@ -147,50 +211,31 @@ ParsedPoints ParsePoints(const wchar_t* text, std::size_t length)
     constexpr std::size_t kLengthPerItem = 8;
 
     ParsedPoints points;
-    points.textLength = length;
     points.ranges.reserve(length / kLengthPerItem);
-    PointTextReader reader = PointTextReader::Start(text, length);
-    while (!reader.AtEnd())
-    {
-        PointItem item;
-        if (!reader.ReadPlainItem(item))
-        {
-            item = reader.Next();
-        }
-        if (item.kind == ItemKind::Valid)
-        {
-            points.ranges.push_back(item.range);
-            points.highest = std::max({points.highest, item.range.first, item.range.last});
-        }
-        else if (item.kind != ItemKind::None)
-        {
-            points.isValid = false;
-            break;
-        }
-    }
+    points.isValid = ForEachRange(text, length, [&points](PointRange range) { points.ranges.push_back(range); });
     return points;
 }
 
-CString FormatDifference(const ParsedPoints& points, const ParsedPoints& removed, bool sorted)
+CString FormatDifference(const CString& text, const ParsedPoints& removed, bool sorted)
 {
-    CString text;
+    CString result;
     {
-        PointTextWriter writer(text, ExpectedLength(points));
-        sorted ? WriteSortedDifference(points, removed, writer) : WriteUnsortedDifference(points, removed, writer);
+        PointTextWriter writer(result, text.GetLength());
+        sorted ? WriteSortedDifference(text, removed, writer) : WriteUnsortedDifference(text, removed, writer);
     }
-    FreeExtra(text);
-    return text;
+    FreeExtra(result);
+    return result;
 }
 
-CString FormatUnique(const ParsedPoints& points, bool sorted)
+CString FormatUnique(const CString& text, bool sorted)
 {
-    CString text;
+    CString result;
     {
-        PointTextWriter writer(text, ExpectedLength(points));
-        sorted ? WriteSortedDifference(points, {}, writer) : WriteUnsortedUnique(points, writer);
+        PointTextWriter writer(result, text.GetLength());
+        sorted ? WriteSortedDifference(text, {}, writer) : WriteUnsortedUnique(text, writer);
     }
-    FreeExtra(text);
-    return text;
+    FreeExtra(result);
+    return result;
 }
 
 }  // namespace QuonPointDetails

@@ -16,19 +16,16 @@ namespace QuonPointDetails
 struct ParsedPoints
 {
     std::vector<PointRange> ranges;
-    std::size_t textLength = 0;
-    unsigned long highest = 0;
     bool isValid = true;  // false when an invalid item ended the walk
 };
 
 /// A zero character follows the text.
 ParsedPoints ParsePoints(const wchar_t* text, std::size_t length);
 
-/// The points of `points` that are not among `removed`: sorted, or in the order of the walk with the duplicates left
-/// in.
-CString FormatDifference(const ParsedPoints& points, const ParsedPoints& removed, bool sorted);
+/// The points of `text` that are not among `removed`: sorted, or in the order of the walk with the duplicates left in.
+CString FormatDifference(const CString& text, const ParsedPoints& removed, bool sorted);
 
-/// Every point of `points` once: sorted, or in the order of first occurrence.
-CString FormatUnique(const ParsedPoints& points, bool sorted);
+/// Every point of `text` once: sorted, or in the order of first occurrence.
+CString FormatUnique(const CString& text, bool sorted);
 
 }  // namespace QuonPointDetails

@@ -91,48 +91,67 @@ inline bool AppendFourDigits(const wchar_t* characters, unsigned long& number)
     return true;
 }
 
-/// Reads the digits at `position`, at least one and at most nine, and moves behind them. Returns false when there are
-/// more or less. A character that is no digit stands at `end` at the latest.
+/// The same for two.
+inline bool AppendTwoDigits(const wchar_t* characters, unsigned long& number)
+{
+    std::uint32_t word;
+    std::memcpy(&word, characters, sizeof(word));
+    const std::uint32_t digits = word ^ 0x00300030;
+    if (((digits | (digits + 0x00060006)) & 0xFFF0FFF0) != 0)
+    {
+        return false;
+    }
+    number = 100 * number + static_cast<unsigned long>(digits * 0x000A0001 >> 16);
+    return true;
+}
+
+/// Reads the digits at `position`, and moves behind them. Returns false when there are none, or more than nine. A
+/// character that is no digit stands at `end` at the latest.
 inline bool ReadShortNumber(const wchar_t*& position, const wchar_t* end, unsigned long& number)
 {
     const wchar_t* at = position;
     number = 0;
+    int rest = 3;
     if (end - at >= 3 && AppendFourDigits(at, number))
     {
         at += 4;
+        // Where one digit is, the character behind it is one of the text, or its end.
+        if (IsDigit(*at) && AppendTwoDigits(at, number))
+        {
+            at += 2;
+        }
+    }
+    else if (!IsDigit(*at))
+    {
+        return false;
     }
     for (; IsDigit(*at); ++at)
     {
+        if (rest-- == 0)
+        {
+            return false;
+        }
         number = 10 * number + static_cast<unsigned long>(*at - L'0');
     }
-    const std::ptrdiff_t digits = at - position;
     position = at;
-    return digits >= 1 && digits <= 9;
+    return true;
 }
 
 // It calls nothing and keeps all in registers.
 inline bool PointTextReader::ReadPlainItem(PointItem& item)
 {
     const wchar_t* at = position;
-    item.token = at;
     if (!ReadShortNumber(at, end, item.range.first))
     {
         return false;
     }
     item.range.last = item.range.first;
-    const wchar_t* tokenEnd = at;
-    SkipBlanks(at);
     item.isRange = *at == L'-';
-    if (item.isRange)
+    if (item.isRange && !ReadShortNumber(++at, end, item.range.last))
     {
-        SkipBlanks(++at);
-        if (!ReadShortNumber(at, end, item.range.last))
-        {
-            return false;
-        }
-        tokenEnd = at;
-        SkipBlanks(at);
+        return false;
     }
+    const wchar_t* const tokenEnd = at;
     if (*at == L',')
     {
         SkipBlanks(++at);
@@ -149,7 +168,8 @@ inline bool PointTextReader::ReadPlainItem(PointItem& item)
     {
         return false;
     }
-    item.tokenLength = static_cast<std::size_t>(tokenEnd - item.token);
+    item.token = position;
+    item.tokenLength = static_cast<std::size_t>(tokenEnd - position);
     item.kind = ItemKind::Valid;
     position = at;
     return true;

@@ -14,16 +14,6 @@ using QuonPointDetails::ParsePoints;
 using QuonPointDetails::PointItem;
 using QuonPointDetails::PointTextReader;
 
-namespace
-{
-
-ParsedPoints Parse(const CString& text)
-{
-    return ParsePoints(text, static_cast<std::size_t>(text.GetLength()));
-}
-
-}  // namespace
-
 QuonPointString::QuonPointString() : QuonPointString(nullptr) {}
 
 QuonPointString::QuonPointString(const wchar_t* text)
@@ -62,7 +52,7 @@ void QuonPointString::RemovePoints(const wchar_t* points, BOOL sorted)
     if (removed.isValid)
     {
         QuonPointString result;
-        result.m_text = FormatDifference(Parse(m_text), removed, sorted != FALSE);
+        result.m_text = FormatDifference(m_text, removed, sorted != FALSE);
         Assign(result);
         m_changed = 1;
     }
@@ -71,7 +61,7 @@ void QuonPointString::RemovePoints(const wchar_t* points, BOOL sorted)
 void QuonPointString::RemoveDuplicates(BOOL sorted)
 {
     QuonPointString result;
-    result.m_text = FormatUnique(Parse(m_text), sorted != FALSE);
+    result.m_text = FormatUnique(m_text, sorted != FALSE);
     Assign(result);
     m_changed = 1;
 }
@@ -112,9 +102,26 @@ void QuonPointString::GetFirstRange(unsigned long* first, unsigned long* last)
     }
 }
 
+// The step that every walk takes. Nearly every item is plain. Reading one takes about as long as a bare loop over its
+// digits, so nothing more than that is done here: in particular it is not cut out of the work text.
 void QuonPointString::GetNextRange(unsigned long* first, unsigned long* last)
 {
-    ParseNextRange();
+    const wchar_t* const text = m_workText;
+    PointTextReader reader{text + m_consumed, text + m_workText.GetLength()};
+    PointItem item;
+    if (m_hasError == 0 && reader.ReadPlainItem(item))
+    {
+        *first = m_rangeFirst = item.range.first;
+        *last = m_rangeLast = item.range.last;
+        // A number leaves the flag of the range before it: that shows when GetNextPoint follows a walk over ranges.
+        if (item.isRange)
+        {
+            m_isDescending = item.range.first > item.range.last;
+        }
+        Consume(reader.position - text);
+        return;
+    }
+    ParseOtherItem();
     *first = m_rangeFirst;
     *last = m_rangeLast;
 }
@@ -202,27 +209,12 @@ bool QuonPointString::StartWalk()
 
 void QuonPointString::ParseNextRange()
 {
-    // Nearly every item is plain. Reading one takes about as long as a bare loop over its digits, so nothing more than
-    // that is done here: in particular it is not cut out of the work text.
-    const wchar_t* const text = m_workText;
-    PointTextReader reader{text + m_consumed, text + m_workText.GetLength()};
-    PointItem item;
-    if (m_hasError != 0 || !reader.ReadPlainItem(item))
-    {
-        ParseOtherItem();
-        return;
-    }
-    m_rangeFirst = item.range.first;
-    m_rangeLast = item.range.last;
-    // A number leaves the flag of the range before it: that shows when GetNextPoint follows a walk over ranges.
-    if (item.isRange)
-    {
-        m_isDescending = item.range.first > item.range.last;
-    }
-    Consume(reader.position - text);
+    unsigned long first = 0;
+    unsigned long last = 0;
+    QuonPointString::GetNextRange(&first, &last);
 }
 
-// The same for whatever comes next, the end of the text included.
+// The same step for whatever else comes next, the end of the text included.
 void QuonPointString::ParseOtherItem()
 {
     const wchar_t* const text = m_workText;
@@ -258,11 +250,11 @@ void QuonPointString::ParseOtherItem()
 // Cutting the work text at every item would make the walk quadratic: it is cut once, at its end.
 void QuonPointString::Consume(std::ptrdiff_t length)
 {
-    m_consumed = static_cast<unsigned long>(length);
-    if (length == m_workText.GetLength())
+    const bool isAll = length == m_workText.GetLength();
+    m_consumed = isAll ? 0 : static_cast<unsigned long>(length);
+    if (isAll)
     {
         m_workText.Empty();
-        m_consumed = 0;
     }
 }
 

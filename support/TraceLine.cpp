@@ -52,6 +52,21 @@ wchar_t* PutThreadTag(wchar_t* out, unsigned long threadId)
 
 }  // namespace
 
+std::size_t TraceTextLength(const wchar_t* text)
+{
+    // A step of four leaves one test for each character: the loop of the run-time has two.
+    for (std::size_t length = 0;; length += 4)
+    {
+        for (std::size_t next = length; next < length + 4; ++next)
+        {
+            if (text[next] == L'\0')
+            {
+                return next;
+            }
+        }
+    }
+}
+
 std::size_t TraceHeaderRoom(std::size_t fileLength)
 {
     const std::size_t position = fileLength + 1 + kMostDecimals + std::size(kPositionEnd) - 1;
@@ -61,15 +76,11 @@ std::size_t TraceHeaderRoom(std::size_t fileLength)
 wchar_t* PutTraceHeader(wchar_t* out, const wchar_t* file, std::size_t fileLength, int line, unsigned long threadId)
 {
     wchar_t* const start = out;
+    // All the dots at once, and the position over them: their number is then known when the library is compiled.
+    std::fill_n(start, kDotsEnd, L'.');
     out = std::wmemcpy(out, file, fileLength) + fileLength;
     *out++ = L'(';
     out = PutDecimal(out, line);
     out = PutText(out, kPositionEnd);
-    wchar_t* const dotsEnd = start + kDotsEnd;
-    if (out < dotsEnd)
-    {
-        std::fill(out, dotsEnd, L'.');
-        out = dotsEnd;
-    }
-    return PutThreadTag(out, threadId);
+    return PutThreadTag(std::max(out, start + kDotsEnd), threadId);
 }

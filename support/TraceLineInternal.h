@@ -4,6 +4,9 @@
 
 #include <cstddef>
 
+/// The number of characters before the terminator.
+std::size_t TraceTextLength(const wchar_t* text);
+
 /// The most characters that `PutTraceHeader` writes for a file name of that length.
 std::size_t TraceHeaderRoom(std::size_t fileLength);
 

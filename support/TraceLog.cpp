@@ -16,6 +16,7 @@ namespace
 
 constexpr std::size_t kPrintSize = 2048;
 constexpr std::size_t kMessageSize = 1024;
+constexpr std::size_t kPositionSize = 512;  // for the position before a message, unless the file name is longer
 
 // Formats into `Size` characters and cuts what is longer. The run-time's formatter writes no terminator when it cuts or
 // gives up: then zeros laid beforehand are the terminator. That rarely happens, and clearing the buffer takes as long
@@ -77,10 +78,10 @@ void DebugPrint(const wchar_t* format, ...)
 void DebugLog(const wchar_t* file, int line, const wchar_t* format, ...)
 {
     const wchar_t* const name = file != nullptr ? file : L"(null)";
-    const std::size_t nameLength = std::wcslen(name);
+    const std::size_t nameLength = TraceTextLength(name);
     const std::size_t room = TraceHeaderRoom(nameLength) + 1 + kMessageSize + 1;
     // The length of a file name is not limited; the names of real files fit the array.
-    wchar_t fixedText[2 * kMessageSize];
+    wchar_t fixedText[kMessageSize + kPositionSize];
     std::unique_ptr<wchar_t[]> longText;
     if (room > std::size(fixedText))
     {
@@ -94,7 +95,7 @@ void DebugLog(const wchar_t* file, int line, const wchar_t* format, ...)
     va_start(arguments, format);
     FormatCut<kMessageSize>(out, format, arguments);
     va_end(arguments);
-    out += std::wcslen(out);
+    out += TraceTextLength(out);
     out[0] = L'\n';
     out[1] = L'\0';
     ::OutputDebugStringW(text);

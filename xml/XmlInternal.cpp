@@ -5,6 +5,15 @@
 namespace xml_internal
 {
 
+void DomArgument::Allocate(const wchar_t* text)
+{
+    m_text = ::SysAllocString(text);
+    if (m_text == nullptr)
+    {
+        _com_issue_error(E_OUTOFMEMORY);
+    }
+}
+
 CString TextOfComError(const _com_error& error)
 {
     CString text(L"COM Error:\n");
@@ -50,9 +59,9 @@ CString NameOf(MSXML2::IXMLDOMNode* node)
 
 MSXML2::IXMLDOMNodePtr MakeElement(MSXML2::IXMLDOMDocument* document, const CString& name)
 {
-    MSXML2::IXMLDOMElementPtr element;
+    MSXML2::IXMLDOMElement* element = nullptr;
     MSXML2::Check(MSXML2::NotNull(document)->createElement(DomArgument(name), &element), document);
-    return QueryFor<MSXML2::IXMLDOMNodePtr>(element);
+    return MSXML2::IXMLDOMNodePtr(element, false);
 }
 
 }  // namespace xml_internal

@@ -5,6 +5,9 @@
 #include <afx.h>
 #include <afxcoll.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <cwchar>
 #include <memory>
 #include <new>
 
@@ -49,26 +52,53 @@ inline _bstr_t ToBstr(const CString& text)
     return _bstr_t(text.GetString());
 }
 
-/// A text made for one DOM call and freed at the end of its life. Lighter than `_bstr_t` where it is made once per
-/// node.
+/// A text for DOM calls, which take it and do not keep it. Lighter than `_bstr_t` where it is made once per node: a
+/// short text, as names are, lies in the object itself.
 class DomArgument
 {
 public:
-    explicit DomArgument(const CString& text) : m_text(::SysAllocString(text.GetString()))
+    explicit DomArgument(const CString& text)
     {
-        if (m_text == nullptr)
+        const wchar_t* const characters = text;
+        std::size_t length = 0;
+        while ((m_inside.text[length] = characters[length]) != L'\0')
         {
-            _com_issue_error(E_OUTOFMEMORY);
+            if (++length > kLongestInside)
+            {
+                Allocate(characters);
+                return;
+            }
+        }
+        m_inside.byteCount = static_cast<std::uint32_t>(length * sizeof(wchar_t));
+    }
+    ~DomArgument()
+    {
+        if (m_text != m_inside.text)
+        {
+            ::SysFreeString(m_text);
         }
     }
-    ~DomArgument() { ::SysFreeString(m_text); }
     DomArgument(const DomArgument&) = delete;
     DomArgument& operator=(const DomArgument&) = delete;
 
     operator BSTR() const { return m_text; }
 
 private:
-    BSTR m_text;
+    static constexpr std::size_t kLongestInside = 63;
+
+    // As a BSTR lies in memory: the number of bytes directly before the characters, which are aligned as pointers are.
+    // Who is handed one reads it and never frees it, so that it need not come from the system's allocator.
+    struct alignas(void*) Inside
+    {
+        std::uint32_t padding = 0;
+        std::uint32_t byteCount = 0;
+        wchar_t text[kLongestInside + 1];
+    };
+
+    void Allocate(const wchar_t* text);
+
+    Inside m_inside;
+    BSTR m_text = m_inside.text;
 };
 
 /// Text that the DOM handed out, freed at the end of its life. Lighter than `_bstr_t` where it is made once per node.
@@ -80,17 +110,41 @@ public:
     DomText(const DomText&) = delete;
     DomText& operator=(const DomText&) = delete;
 
-    BSTR* Out()
-    {
-        ::SysFreeString(m_text);
-        m_text = nullptr;
-        return &m_text;
-    }
+    /// To be filled once.
+    BSTR* Out() { return &m_text; }
     /// A null text is an empty one.
     const wchar_t* Get() const { return m_text == nullptr ? L"" : m_text; }
 
 private:
     BSTR m_text = nullptr;
+};
+
+/// A value that the DOM handed out, freed at the end of its life. Lighter than `_variant_t` where it is made once per
+/// node: most values are texts.
+class DomValue
+{
+public:
+    DomValue() : m_value() {}
+    ~DomValue()
+    {
+        if (m_value.vt == VT_BSTR)
+        {
+            ::SysFreeString(m_value.bstrVal);
+        }
+        else
+        {
+            ::VariantClear(&m_value);
+        }
+    }
+    DomValue(const DomValue&) = delete;
+    DomValue& operator=(const DomValue&) = delete;
+
+    /// To be filled once.
+    VARIANT* Out() { return &m_value; }
+    const VARIANT& Get() const { return m_value; }
+
+private:
+    VARIANT m_value;
 };
 
 /// The name of a node.

@@ -18,7 +18,13 @@ CString AttributeText(IXMLDOMNode* node, BSTR name)
     }
     IXMLDOMNodePtr attribute;
     Check(attributes->getNamedItem(name, &attribute), attributes.GetInterfacePtr());
-    return attribute ? TextOfVariant(GetNodeValue(attribute)) : CString();
+    if (!attribute)
+    {
+        return CString();
+    }
+    DomValue value;
+    Check(attribute->get_nodeValue(value.Out()), attribute.GetInterfacePtr());
+    return TextOfVariant(value.Get());
 }
 
 IXMLDOMNodePtr FirstNodeWithAttribute(const IXMLDOMNodeListPtr& nodes, const CString& name, const CString& attribute,
@@ -54,6 +60,27 @@ void CollectNames(IXMLDOMNode* node, bool recursive, UniqueStrings& names)
             CollectNames(child, recursive, names);
         }
     }
+}
+
+// A string for each node that is not null, in their order. `read(node, string)` fills one in place: appended strings
+// would be copied.
+template <typename Read>
+CStringArray* StringsOfNodes(const QuonNodeArray& nodes, const Read& read)
+{
+    OwnedStringArray strings = std::make_unique<CStringArray>();
+    const INT_PTR size = nodes.GetSize();
+    strings->SetSize(size);
+    CString* next = strings->GetData();
+    for (INT_PTR i = 0; i < size; ++i)
+    {
+        IXMLDOMNode* const node = nodes.GetAt(i);
+        if (node != nullptr)
+        {
+            read(node, *next++);
+        }
+    }
+    strings->SetSize(next - strings->GetData());
+    return strings.release();
 }
 
 // The steps of a value path. The messages of its own steps are the result; those of the functions that it calls are
@@ -154,41 +181,25 @@ CStringArray* GetTextsOfNodes(const QuonNodeArray* nodes)
 {
     Require(nodes != nullptr, L"pDesiredChildNodes is NULL!");
     Require(nodes->GetSize() != 0, L"DesiredChildNodesLen = 0!");
-    OwnedStringArray texts = std::make_unique<CStringArray>();
-    texts->SetSize(0, nodes->GetSize());  // one allocation for all
-    for (INT_PTR i = 0; i < nodes->GetSize(); ++i)
-    {
-        IXMLDOMNode* const node = nodes->GetAt(i);
-        if (node == nullptr)
-        {
-            continue;
-        }
-        DomText text;
-        const HRESULT result = node->get_text(text.Out());
-        if (FAILED(result))
-        {
-            throw L"Exception on CurNode->get_nodeValue():\n" + FormatHResultText(result);
-        }
-        texts->Add(text.Get());
-    }
-    return texts.release();
+    return StringsOfNodes(*nodes,
+                          [](IXMLDOMNode* node, CString& string)
+                          {
+                              DomText text;
+                              const HRESULT result = node->get_text(text.Out());
+                              if (FAILED(result))
+                              {
+                                  throw L"Exception on CurNode->get_nodeValue():\n" + FormatHResultText(result);
+                              }
+                              string = text.Get();
+                          });
 }
 
 CStringArray* GetAttributeValuesOfNodes(const QuonNodeArray* nodes, const CString& attribute)
 {
     Require(nodes != nullptr, L"pNodes is NULL!");
     Require(nodes->GetSize() != 0, L"DesiredChildNodesLen = 0!");
-    OwnedStringArray values = std::make_unique<CStringArray>();
-    values->SetSize(0, nodes->GetSize());
     const DomArgument name(attribute);
-    for (INT_PTR i = 0; i < nodes->GetSize(); ++i)
-    {
-        if (nodes->GetAt(i) != nullptr)
-        {
-            values->Add(AttributeText(nodes->GetAt(i), name));
-        }
-    }
-    return values.release();
+    return StringsOfNodes(*nodes, [&name](IXMLDOMNode* node, CString& string) { string = AttributeText(node, name); });
 }
 
 CString GetAttributeValue(const IXMLDOMNodePtr& node, const CString& attribute)

@@ -55,14 +55,47 @@ IXMLDOMNodePtr FindFirst(IXMLDOMNodeList* nodes, bool recursive, const Matches& 
     return found;
 }
 
-void CollectByName(IXMLDOMNodeList* nodes, const wchar_t* name, bool recursive, QuonNodeArray& found)
+// Fills an empty array that doubles: the array's own way to append looks at its growth for each entry. Entries that are
+// not filled yet are null, which whoever releases the array passes over.
+class NodeFiller
+{
+public:
+    explicit NodeFiller(QuonNodeArray& nodes) : m_nodes(nodes) {}
+    NodeFiller(const NodeFiller&) = delete;
+    NodeFiller& operator=(const NodeFiller&) = delete;
+
+    // The array gets the reference that `held` has, and `held` is empty.
+    void Take(IXMLDOMNodePtr& held)
+    {
+        if (m_count == m_room)
+        {
+            m_room = m_room == 0 ? kFirstRoom : 2 * m_room;
+            m_nodes.SetSize(m_room);
+            m_entries = m_nodes.GetData();
+        }
+        m_entries[m_count++] = held.Detach();
+    }
+
+    void Finish() { m_nodes.SetSize(m_count); }
+
+private:
+    static constexpr INT_PTR kFirstRoom = 16;
+
+    QuonNodeArray& m_nodes;
+    void** m_entries = nullptr;
+    INT_PTR m_count = 0;
+    INT_PTR m_room = 0;
+};
+
+void CollectByName(IXMLDOMNodeList* nodes, const wchar_t* name, bool recursive, NodeFiller& found)
 {
     ForEachNode(nodes,
-                [&](const IXMLDOMNodePtr& node)
+                [&](IXMLDOMNodePtr& held)
                 {
+                    IXMLDOMNode* const node = held;
                     if (HasName(node, name))
                     {
-                        AddWithReference(found, node);
+                        found.Take(held);
                     }
                     if (recursive)
                     {
@@ -187,9 +220,10 @@ void ReleaseNodeArray(QuonNodeArray* nodes)
     {
         return;
     }
+    void** const entries = nodes->GetData();
     for (INT_PTR i = nodes->GetSize() - 1; i >= 0; --i)
     {
-        IXMLDOMNode* const node = nodes->GetAt(i);
+        IXMLDOMNode* const node = static_cast<IXMLDOMNode*>(entries[i]);
         if (node != nullptr)
         {
             node->Release();
@@ -233,7 +267,9 @@ QuonNodeArray* FindNodesByName(const IXMLDOMNodeListPtr& nodes, const CString& n
             BeginSearch(nodes);
             if (GetLength(nodes) > 0)
             {
-                CollectByName(nodes, name, recursive, *found);
+                NodeFiller filler(*found);
+                CollectByName(nodes, name, recursive, filler);
+                filler.Finish();
             }
             return found.release();
         });

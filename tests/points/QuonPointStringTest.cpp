@@ -4,7 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cwchar>
+#include <string>
 #include <type_traits>
+#include <utility>
 
 namespace
 {
@@ -493,5 +497,70 @@ TEST(QuonPointString, AWalkDoesNotSeeLaterTexts)
 
 static_assert(std::has_virtual_destructor_v<QuonPointString>);
 static_assert(std::is_copy_constructible_v<QuonPointString>);
+
+// Numbers of all lengths, alone and as bounds, at the end of a text and behind other items.
+TEST(QuonPointString, ReadsNumbersOfEveryLengthInEveryPlace)
+{
+    const std::wstring digits = L"1234567890123";
+    for (std::size_t firstLength = 1; firstLength <= digits.size(); ++firstLength)
+    {
+        for (std::size_t lastLength = 0; lastLength <= digits.size(); ++lastLength)
+        {
+            const std::wstring first = digits.substr(0, firstLength);
+            const std::wstring last = lastLength != 0 ? digits.substr(0, lastLength) : first;
+            const std::wstring item = lastLength != 0 ? first + L"-" + last : first;
+            const auto value = [](const std::wstring& number)
+            {
+                return static_cast<unsigned long>(std::min<long long>(std::stoll(number), 2147483647));
+            };
+            const std::pair<unsigned long, unsigned long> range(value(first), value(last));
+            for (const wchar_t* const before : {L"", L"7,", L"7, "})
+            {
+                for (const wchar_t* const behind : {L"", L" ", L",", L",8", L", 8", L" ,8", L",\t8", L"\t,8"})
+                {
+                    const std::wstring text = before + item + behind;
+                    SCOPED_TRACE(Shown(text));
+                    Ranges expected;
+                    if (*before != L'\0')
+                    {
+                        expected.push_back({7, 7});
+                    }
+                    expected.push_back(range);
+                    if (text.back() == L'8' && text.size() > std::wcslen(before) + item.size())
+                    {
+                        expected.push_back({8, 8});
+                    }
+                    QuonPointString string(text.c_str());
+                    EXPECT_EQ(WalkRanges(string), expected);
+                    EXPECT_EQ(string.IsValid(), TRUE);
+                }
+            }
+        }
+    }
+}
+
+// Room is made for the points up to the last item's at once: they may just as well lie before it, or far beyond.
+TEST(QuonPointString, TheOrderOfTheItemsDoesNotMatterForASortedResult)
+{
+    for (const wchar_t* const text :
+         {L"5000000,1,100000", L"1,100000,5000000", L"5000000,100000,1", L"1,5000000,x", L"100000,5000000,1, "})
+    {
+        SCOPED_TRACE(Shown(text));
+        QuonPointString string(text);
+        string.RemoveDuplicates(TRUE);
+        EXPECT_EQ(TextOf(string),
+                  std::wstring(text).find(L'x') == std::wstring::npos ? L"1,100000,5000000" : L"1,5000000");
+    }
+    std::wstring upAndDown;
+    std::wstring expected;
+    for (int point = 2; point < 40000; point += 2)
+    {
+        upAndDown += std::to_wstring(100 * point) + L",";
+        expected += L"," + std::to_wstring(100 * point);
+    }
+    QuonPointString string((upAndDown + L"1").c_str());
+    string.RemoveDuplicates(TRUE);
+    EXPECT_EQ(TextOf(string), L"1" + expected);
+}
 
 }  // namespace

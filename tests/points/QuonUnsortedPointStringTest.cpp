@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <string>
 #include <type_traits>
 
 namespace
@@ -86,6 +87,34 @@ TEST(QuonUnsortedPointString, NumbersWrapAndPrintSigned)
         string.UpdateText();
         EXPECT_EQ(TextOf(string), row.text);
     }
+}
+
+// The leading digits of a number are kept for the next one: every number after every other, at all lengths.
+TEST(QuonUnsortedPointString, WritesANumberTheSameWhateverStoodBeforeIt)
+{
+    Points numbers;
+    for (const unsigned long base : {1ul, 10ul, 100ul, 1000ul, 9990ul, 10000ul, 19990ul, 20000ul, 99990ul, 100000ul,
+                                     123400ul, 1000000ul, 12340000ul, 99999990ul, 1234560000ul, 2147483640ul})
+    {
+        numbers.insert(numbers.end(), {base, base + 3, base + 7});
+    }
+    Points added;
+    std::wstring expected;
+    for (const unsigned long first : numbers)
+    {
+        for (const unsigned long second : numbers)
+        {
+            added.insert(added.end(), {first, second});
+            expected += (expected.empty() ? L"" : L",") + std::to_wstring(first) + L"," + std::to_wstring(second);
+        }
+    }
+    QuonUnsortedPointString string;
+    for (const unsigned long point : added)
+    {
+        string.AddPoint(point);
+    }
+    string.UpdateText();
+    EXPECT_EQ(TextOf(string), expected);
 }
 
 TEST(QuonUnsortedPointString, AddsTheNumberThatATextBeginsWith)

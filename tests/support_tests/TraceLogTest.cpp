@@ -166,10 +166,14 @@ TEST(DebugLog, CutsMessagesAt1023CharactersAndEndsTheLine)
         EXPECT_EQ(line, PlainLine(L"file.cpp", 3, message.substr(0, 1023)));
         EXPECT_EQ(line.back(), L'\n');
     }
-    const std::wstring file(3000, L'f');
     const std::wstring message(3000, L'm');
-    DebugLog(file.c_str(), 3, L"%s", message.c_str());
-    EXPECT_EQ(output.Take(), PlainLine(file, 3, message.substr(0, 1023)));
+    for (const std::size_t length : {400U, 478U, 479U, 480U, 481U, 482U, 3000U})
+    {
+        SCOPED_TRACE(testing::Message() << "file name of " << length);
+        const std::wstring file(length, L'f');
+        DebugLog(file.c_str(), 3, L"%s", message.c_str());
+        EXPECT_EQ(output.Take(), PlainLine(file, 3, message.substr(0, 1023)));
+    }
 }
 
 TEST(DebugLog, AnswersMissingTextsAsTheFormatterDoes)

@@ -69,6 +69,24 @@ TEST_F(XmlNodesEdit, SetsOneAttribute)
     EXPECT_EQ(Xml(document), L"<r a=\"new\" b=\"\"/>");
 }
 
+TEST_F(XmlNodesEdit, NamesMayBeOfAnyLength)
+{
+    const IXMLDOMDocumentPtr document = Parse(L"<r/>");
+    const IXMLDOMNodePtr root = Find(document, L"r");
+    for (const std::size_t length : {1U, 62U, 63U, 64U, 65U, 1000U})
+    {
+        SCOPED_TRACE(length);
+        const std::wstring name(length, L'n');
+        IXMLDOMNodePtr element;
+        AppendElement(element, document, root, name.c_str());
+        EXPECT_STREQ(GetNodeName(element), name.c_str());
+        EXPECT_TRUE(SetAttributeOnNode(document, element, name.c_str(), L"v"));
+        EXPECT_EQ(Attribute(element, name.c_str()), L"v");
+        EXPECT_STREQ(GetAttributeValue(element, name.c_str()), L"v");
+        EXPECT_STREQ(GetAttributeValue(element, (name + L"n").c_str()), L"");
+    }
+}
+
 TEST_F(XmlNodesEdit, SetsSeveralAttributes)
 {
     const IXMLDOMDocumentPtr document = Parse(L"<r b='old'/>");

@@ -337,4 +337,23 @@ TEST_F(XmlNodesFind, CollectingAppends)
     ReleaseNodeArray(&found);
 }
 
+TEST_F(XmlNodesFind, FindsAnyNumberOfNodesInTheirOrder)
+{
+    for (const int count : {0, 1, 15, 16, 17, 32, 33, 1000})
+    {
+        SCOPED_TRACE(count);
+        std::wstring text = L"<r>";
+        std::wstring ids;
+        for (int index = 0; index < count; ++index)
+        {
+            text += L"<q><p id='" + std::to_wstring(index) + L"'/></q>";
+            ids += std::to_wstring(index);
+        }
+        const IXMLDOMDocumentPtr document = Parse((text + L"</r>").c_str());
+        const NodeArrayHolder found(FindNodesByName(GetDocumentChildNodes(document), L"p", true));
+        EXPECT_EQ(found->GetSize(), count);
+        EXPECT_EQ(Ids(*found), ids);
+    }
+}
+
 }  // namespace
