@@ -579,6 +579,10 @@ TEST(Part, DISABLED_Speed)
 
 TEST(FileEventServerLife, StartsInNoTime)
 {
+    if (::GetEnvironmentVariableW(L"QUON_GUARD_PAGES", nullptr, 0) != 0)
+    {
+        GTEST_SKIP() << "seventy thousand blocks in pages of their own take the system longer than the library";
+    }
     DWORD least = 1000;
     for (int run = 0; run < 10 && least >= 50; ++run)
     {
