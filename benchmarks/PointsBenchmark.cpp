@@ -1,4 +1,4 @@
-// Texts of point numbers: walked, cleared of duplicates and of other points, written. 20,000 groups, about 218,000
+// Texts of point numbers: walked, cleared of duplicates and of other points, written. 20,000 groups, over 200,000
 // characters, as the point list of a large survey has them.
 #include "BenchmarkSupport.h"
 #include "PointSets.h"

@@ -319,24 +319,35 @@ void Check(const std::string& contender)
     }
 }
 
+template <typename Type>
+struct PoolType
+{
+    using Pool = Type;
+};
+
+template <std::size_t Bytes, typename Visit>
+void EachPool(const Visit& visit)
+{
+    visit("quon", PoolType<Quon<Bytes>>());
+    visit("quon, PoolAllocate and PoolFree alone", PoolType<QuonFunctions<Bytes>>());
+    visit("limit: bare free list", PoolType<BareList<Bytes>>());
+    visit("bare free list that returns its memory", PoolType<ReturningList<Bytes>>());
+    visit("boost::pool 1.81", PoolType<BoostPool<Bytes>>());
+    visit("boost::fast_pool_allocator 1.81", PoolType<BoostFastAllocator<Bytes>>());
+    visit("std::pmr::unsynchronized_pool_resource", PoolType<Pmr<Bytes>>());
+    visit("malloc (msvcrt)", PoolType<Malloc<Bytes>>());
+    visit("HeapAlloc", PoolType<ProcessHeap<Bytes>>());
+}
+
 template <std::size_t Bytes>
 void AddAll(const Sizes& sizes)
 {
     const std::string bytes = std::to_string(Bytes) + " bytes";
-    Check<Quon<Bytes>>("quon");
-    Check<BareList<Bytes>>("bare free list");
-    Check<ReturningList<Bytes>>("bare free list that returns its memory");
+    EachPool<Bytes>([](const std::string& contender, auto type) { Check<typename decltype(type)::Pool>(contender); });
     for (const int size : sizes.UpTo(100000))
     {
-        AddPool<Quon<Bytes>>(bytes, size, "quon");
-        AddPool<QuonFunctions<Bytes>>(bytes, size, "quon, PoolAllocate and PoolFree alone");
-        AddPool<BareList<Bytes>>(bytes, size, "limit: bare free list");
-        AddPool<ReturningList<Bytes>>(bytes, size, "bare free list that returns its memory");
-        AddPool<BoostPool<Bytes>>(bytes, size, "boost::pool 1.81");
-        AddPool<BoostFastAllocator<Bytes>>(bytes, size, "boost::fast_pool_allocator 1.81");
-        AddPool<Pmr<Bytes>>(bytes, size, "std::pmr::unsynchronized_pool_resource");
-        AddPool<Malloc<Bytes>>(bytes, size, "malloc (msvcrt)");
-        AddPool<ProcessHeap<Bytes>>(bytes, size, "HeapAlloc");
+        EachPool<Bytes>([&](const std::string& contender, auto type)
+                        { AddPool<typename decltype(type)::Pool>(bytes, size, contender); });
     }
     // A page holds what is left behind its header.
     std::size_t elementSize = Bytes;

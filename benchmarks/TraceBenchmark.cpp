@@ -119,14 +119,14 @@ void Check()
 
 void AddOutput(int size)
 {
-    AddPrepared("write one line", size, "quon", &LetLinesThrough,
-                [size]
-                {
-                    for (int index = 0; index < size; ++index)
-                    {
-                        Trace(index);
-                    }
-                });
+    Add("write one line", size, "quon",
+        [size]
+        {
+            for (int index = 0; index < size; ++index)
+            {
+                Trace(index);
+            }
+        });
     wchar_t text[kLineSize];
     FormatByRunTime(text, L"%d points of layer %s", 12, kLayer);
     Add("write one line", size, "limit: bare OutputDebugStringW, no formatting",
@@ -142,14 +142,16 @@ void AddOutput(int size)
 void AddFormatting(int size)
 {
     const std::string work = "format one line";
-    AddPrepared(work, size, "quon", &SwallowLines,
-                [size]
-                {
-                    for (int index = 0; index < size; ++index)
-                    {
-                        Trace(index);
-                    }
-                });
+    AddWithin(
+        work, size, "quon", &SwallowLines,
+        [size]
+        {
+            for (int index = 0; index < size; ++index)
+            {
+                Trace(index);
+            }
+        },
+        &LetLinesThrough);
     Add(work, size, "_vsnwprintf (msvcrt)",
         [size]
         {

@@ -49,9 +49,13 @@ unsigned long Highest(PointRange range)
     return std::max(range.first, range.last);
 }
 
-// The highest point of the last item, which is mostly that of the text; 0 when it is none that is read in one step.
-unsigned long HighestOfLastItem(const wchar_t* text, std::size_t length)
+// The highest point of the last item, which is that of most texts; 0 when it is not read in one step, or would be far
+// above what a text of that length holds.
+unsigned long LikelyHighest(const wchar_t* text, std::size_t length)
 {
+    constexpr std::uint64_t kPointsPerCharacter = 64;
+    constexpr std::uint64_t kSmall = 8 * 1024 * 1024;
+
     const wchar_t* const end = text + length;
     const wchar_t* start = end;
     while (start != text && start[-1] != L',')
@@ -60,10 +64,12 @@ unsigned long HighestOfLastItem(const wchar_t* text, std::size_t length)
     }
     PointTextReader reader = PointTextReader::Start(start, static_cast<std::size_t>(end - start));
     PointItem item;
-    return reader.ReadPlainItem(item) ? Highest(item.range) : 0;
+    const unsigned long highest = reader.ReadPlainItem(item) ? Highest(item.range) : 0;
+    return highest <= kPointsPerCharacter * length + kSmall ? highest : 0;
 }
 
-// Marks ranges of a text. The room for them grows to its likely end at once, and by an eighth where it goes on.
+// Marks ranges. Room for them is made up to the likely highest point at once, and an eighth more than needed where they
+// go on beyond it; the first range gets what it needs.
 class RangeMarker
 {
 public:
@@ -72,8 +78,8 @@ public:
     void operator()(PointRange range) const
     {
         const unsigned long highest = Highest(range);
-        const unsigned long more = highest + std::min(highest / 8, ULONG_MAX - highest);
-        Access::MarkRange(m_marker, Lowest(range), highest, highest <= m_highest ? m_highest : more);
+        const unsigned long more = Access::CountBits(m_marker) != 0 ? std::min(highest / 8, ULONG_MAX - highest) : 0;
+        Access::MarkRange(m_marker, Lowest(range), highest, highest <= m_highest ? m_highest : highest + more);
     }
 
 private:
@@ -84,7 +90,7 @@ private:
 void MarkText(QuonPointMarker& marker, const CString& text)
 {
     const auto length = static_cast<std::size_t>(text.GetLength());
-    ForEachRange(text, length, RangeMarker(marker, HighestOfLastItem(text, length)));
+    ForEachRange(text, length, RangeMarker(marker, LikelyHighest(text, length)));
 }
 
 // Adds the unmarked points of first, ..., last, which ascend and are none of 0.
@@ -188,12 +194,11 @@ void WriteUnsortedDifference(const CString& text, const ParsedPoints& removed, P
 void WriteUnsortedUnique(const CString& text, PointTextWriter& writer)
 {
     QuonPointMarker seen;
-    const auto length = static_cast<std::size_t>(text.GetLength());
-    const RangeMarker mark(seen, HighestOfLastItem(text, length));
+    const RangeMarker mark(seen, 0);
     UnsortedPointLayout layout(writer);
     // A range is marked when another one follows: the last one needs no room.
     PointRange previous{0, 0};
-    ForEachRange(text, length,
+    ForEachRange(text, static_cast<std::size_t>(text.GetLength()),
                  [&](PointRange range)
                  {
                      mark(previous);

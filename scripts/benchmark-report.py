@@ -23,14 +23,18 @@ def picture_name(area):
     return f"performance-{area}.svg"
 
 
+def without_clock(name):
+    return name.removesuffix("/real_time").removesuffix("/manual_time")
+
+
 def read_times(raw):
     """{work: {size: {contender: [nanoseconds an item, one for each repeat]}}}, in the order of the program."""
     times = {}
     runs = [run for run in raw["benchmarks"] if run.get("run_type", "iteration") == "iteration"]
     # The contenders took turns; their family numbers tell in which order the program entered them.
     for run in sorted(runs, key=lambda run: run["family_index"]):
-        name = run["name"].removesuffix("/real_time").split("/repeats:")[0]
-        work, size, contender = name.removesuffix("/real_time").split("/", 2)
+        name = without_clock(run["name"]).split("/repeats:")[0]
+        work, size, contender = without_clock(name).split("/", 2)
         nanoseconds = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}[run["time_unit"]] * run["real_time"]
         times.setdefault(work, {}).setdefault(int(size), {}).setdefault(contender, []).append(nanoseconds / int(size))
     return times
@@ -54,7 +58,7 @@ def summarise(area, raw):
     context = raw["context"]
     notes = {key.removeprefix("note: "): float(value) for key, value in context.items() if key.startswith("note: ")}
     goals = [judge(goal, works) for goal in json.loads(GOALS.read_text()).get(area, [])]
-    return {"area": area, "date": context["date"][:10], "processors": context["num_cpus"], "works": works,
+    return {"area": area, "date": context["date"][:10], "wine": context["wine"], "processors": context["num_cpus"], "works": works,
             "notes": notes, "goals": goals}
 
 
@@ -97,7 +101,7 @@ def time_text(nanoseconds):
 
 def table(result):
     """The result as Markdown, with its chart if there is one."""
-    lines = [f"Wine, {result['processors']} processors, {result['date']}; time of one item, smallest of the repeats.", ""]
+    lines = [f"Wine {result['wine']}, {result['processors']} processors, {result['date']}; time of one item, smallest of the repeats.", ""]
     if (PICTURES / picture_name(result["area"])).exists():
         lines += [f"![{result['area']}](pictures/{picture_name(result['area'])})", ""]
     for work in result["works"]:

@@ -10,6 +10,7 @@
 
 #include <malloc.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -230,6 +231,41 @@ TEST(PointSets, WithLittleMemoryOnlyTheMarksBeyondItAreDropped)
     QuonPointString range(L"1-6,100,2000000000");
     range.RemovePoints(L"2-2000000000", FALSE);
     EXPECT_EQ(TextOf(range), L"1,2000000000") << "as much of a range as there is memory for";
+}
+
+std::size_t g_mostMemory = 0;
+
+void* MeasuredRealloc(void* block, std::size_t size)
+{
+    g_mostMemory = (std::max)(g_mostMemory, size);
+    return std::realloc(block, size);
+}
+
+// Room is made ahead for the text's last number, but not where that may never be marked or is marked by nobody.
+TEST(PointSets, TheMemoryIsThatOfTheNumbersThatAreMarked)
+{
+    struct Row
+    {
+        const wchar_t* text;
+        bool sorted;
+        std::size_t atMost;
+    };
+    for (const Row& row : {
+             Row{L"1,x,2000000000", true, 1'200},
+             Row{L"1,x,2000000000", false, 1'200},
+             Row{L"5,2000000000", false, 1'200},
+             Row{L"2000000000", false, 0},
+             Row{L"2000000000", true, 250'001'000},
+             Row{L"7,1-1000000", true, 126'000},
+         })
+    {
+        SCOPED_TRACE(Shown(row.text));
+        g_mostMemory = 0;
+        const ImportPatch<void* (*)(void*, std::size_t)> patch(L"QuonWin32Utils.dll", "realloc", &MeasuredRealloc);
+        QuonPointString string(row.text);
+        string.RemoveDuplicates(row.sorted);
+        EXPECT_LE(g_mostMemory, row.atMost);
+    }
 }
 
 int g_refusals = 0;
