@@ -414,6 +414,28 @@ TEST(FileEventServerLife, TerminatesAThreadThatDoesNotEnd)
     ExpectPartPasses(L"ShutdownOfAHangingThread");
 }
 
+// Only a wait that runs out terminates the thread. It was told to end, and does.
+TEST(Part, DISABLED_ShutdownWithAWaitThatFails)
+{
+    QuonFileEventServer* const server = TheServer();
+    EXPECT_EQ(TrySubscribe(), S_OK);
+    {
+        const OneFailure wait("WaitForSingleObject", WAIT_FAILED, ERROR_INVALID_HANDLE);
+        const Patch<decltype(&::TerminateThread)> terminate(kLibrary, "TerminateThread", &RecordingTerminate);
+        const Patch<decltype(&::CloseHandle)> close(kLibrary, "CloseHandle", &RecordingCloseHandle);
+        server->Shutdown();
+        EXPECT_TRUE(wait.WasCalled());
+    }
+    EXPECT_THAT(calls, ElementsAre("close"));
+    EXPECT_EQ(::WaitForSingleObject(TheWatcherThread().handle, kPatience), WAIT_OBJECT_0);
+    EXPECT_EQ(TrySubscribe(), E_FAIL);
+}
+
+TEST(FileEventServerLife, LetsAThreadGoThatItCannotWaitFor)
+{
+    ExpectPartPasses(L"ShutdownWithAWaitThatFails");
+}
+
 // It is let go, and the server is as stopped as ever.
 TEST(Part, DISABLED_ShutdownOfAThreadThatStays)
 {

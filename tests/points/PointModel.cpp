@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cwchar>
 #include <cwctype>
+#include <string_view>
 
 namespace quon_test
 {
@@ -36,10 +37,10 @@ public:
     explicit TokenReader(const std::wstring& token) : m_token(token) {}
 
     /// @return how many of the characters of `set` stand here, up to `most`
-    std::size_t Take(const wchar_t* set, std::size_t most = std::wstring::npos)
+    std::size_t Take(std::wstring_view set, std::size_t most = std::wstring::npos)
     {
         const std::size_t begin = m_at;
-        while (m_at < m_token.size() && m_at - begin < most && std::wcschr(set, m_token[m_at]) != nullptr)
+        while (m_at < m_token.size() && m_at - begin < most && set.find(m_token[m_at]) != set.npos)
         {
             ++m_at;
         }

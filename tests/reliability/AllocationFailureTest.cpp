@@ -47,6 +47,15 @@ TEST(AllocationFailure, ALeakIsNoticed)
     }
 }
 
+TEST(AllocationFailure, AHandleThatStaysOpenIsNoticed)
+{
+    const std::size_t before = HandlesOpen();
+    const HANDLE leaked = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    EXPECT_EQ(HandlesOpen(), before + 1);
+    ::CloseHandle(leaked);
+    EXPECT_EQ(HandlesOpen(), before);
+}
+
 TEST(AllocationFailure, Paths)
 {
     const int places = ExpectSurvives(
@@ -98,7 +107,7 @@ TEST(AllocationFailure, TreesOfFolders)
     folder.WriteFile(L"source\\a\\file", "x");
     const std::wstring source = folder / L"source";
     const std::wstring target = folder / L"target\\deep";
-    ExpectSurvives(
+    const int places = ExpectSurvives(
         [&]
         {
             const unsigned int result = MoveFolderTree(source.c_str(), target.c_str(), FALSE);
@@ -108,7 +117,8 @@ TEST(AllocationFailure, TreesOfFolders)
             }
             RemoveFolderTree(target.c_str());
         },
-        kPlain | kOther);
+        kPlain);
+    EXPECT_GT(places, 10);
 }
 
 template <typename Walk>
@@ -182,7 +192,7 @@ TEST(AllocationFailure, TimerWithALog)
 {
     const TemporaryFolder folder;
     const std::wstring path = folder / L"logs\\run.log";
-    ExpectSurvives(
+    const int places = ExpectSurvives(
         [&]
         {
             QuonTimer timer(path.c_str(), TRUE, FALSE);
@@ -190,12 +200,13 @@ TEST(AllocationFailure, TimerWithALog)
             timer.WriteReport(L"step", TRUE);
             timer.WriteElapsed(TRUE);
         },
-        kPlain | kOther);
+        kPlain);
+    EXPECT_GT(places, 10);
 }
 
 TEST(AllocationFailure, PoolAllocator)
 {
-    ExpectSurvives(
+    const int places = ExpectSurvives(
         []
         {
             QuonPoolAllocator<double> numbers;
@@ -225,6 +236,8 @@ TEST(AllocationFailure, PoolAllocator)
             giveBack();
         },
         kPlain);
+    // Each region has its entry in the pool's table.
+    EXPECT_GT(places, 3);
 }
 
 TEST(AllocationFailure, PointStrings)
@@ -272,7 +285,7 @@ class Message final : public QuonMessage
 
 TEST(AllocationFailure, MessageQueue)
 {
-    ExpectSurvives(
+    const int places = ExpectSurvives(
         []
         {
             QuonMessageQueue queue(nullptr, nullptr);
@@ -288,7 +301,8 @@ TEST(AllocationFailure, MessageQueue)
                 queue.GetNext(&taken);
             }
         },
-        kReturned | kFrameworkMemory);
+        kReturned | kFrameworkMemory, 0, 1);  // the queue never closes its handle of the consumer
+    EXPECT_GT(places, 1);
 }
 
 class Listener final : public QuonWndMsgServer::Callback
@@ -333,7 +347,7 @@ constexpr char kDocument[] = "<r><a id='1' x='5'>one</a><a id='2'>two<b id='3'/>
 
 TEST_F(AllocationFailureXml, LoadingWalkingAndSaving)
 {
-    ExpectSurvives(
+    const int places = ExpectSurvives(
         []
         {
             QuonXml xml(L"none.xml", false, false, false);
@@ -346,6 +360,7 @@ TEST_F(AllocationFailureXml, LoadingWalkingAndSaving)
             delete[] buffer;
         },
         kXml);
+    EXPECT_GT(places, 10);
 }
 
 TEST_F(AllocationFailureXml, FindingAndReadingNodes)
@@ -371,7 +386,7 @@ TEST_F(AllocationFailureXml, FindingAndReadingNodes)
 
 TEST_F(AllocationFailureXml, BuildingADocument)
 {
-    ExpectSurvives(
+    const int places = ExpectSurvives(
         []
         {
             const MSXML2::IXMLDOMDocumentPtr document = quon_test::EmptyDocument();
@@ -381,6 +396,7 @@ TEST_F(AllocationFailureXml, BuildingADocument)
             SetXmlDouble(node, L"d", 2.5);
         },
         kXml);
+    EXPECT_GT(places, 10);
 }
 
 }  // namespace

@@ -89,4 +89,23 @@ TEST_F(FullDisk, ALogGoesOnWhenThereIsRoomAgain)
     EXPECT_NE(folder.ReadFile(L"run.log").find("Timer in kept"), std::string::npos);
 }
 
+// A stream asks the system at once: the failure is told, and the stream lives on.
+TEST_F(FullDisk, AStreamTellsThatItCouldNotWrite)
+{
+    const std::wstring path = folder / L"out";
+    auto* const stream = new QuonFileStream;
+    ASSERT_TRUE(stream->OpenForWrite(path.c_str()));
+    ULONG written = 7;
+    {
+        const ImportPatch<decltype(&::WriteFile)> patch(L"QuonWin32Utils.dll", "WriteFile", &RefuseToWrite);
+        EXPECT_EQ(stream->Write("lost", 4, &written), E_FAIL);
+        EXPECT_EQ(refusals, 1);
+        EXPECT_EQ(written, 0u);
+    }
+    EXPECT_EQ(stream->Write("kept", 4, &written), S_OK);
+    EXPECT_EQ(written, 4u);
+    EXPECT_EQ(stream->Release(), 0u);
+    EXPECT_EQ(folder.ReadFile(L"out"), "kept");
+}
+
 }  // namespace

@@ -180,17 +180,46 @@ TEST_P(LongPaths, ComponentsEnd)
     }
 }
 
+// A step up and the whole rest, while the path is one that the shell takes (259 characters); never a piece of it. The
+// length of a file's own name is no matter to what is relative to its folder.
+TEST_P(LongPaths, RelativePathsAreWholeOrEmpty)
+{
+    const QuonPath base(L"Q:\\a\\b", 0);
+    for (const std::wstring& text :
+         {Fill(L"Q:\\", L"n", GetParam()), Fill(L"Q:\\a.", L"e", GetParam()), Fill(L"Q:\\", L"\x0416 ", GetParam())})
+    {
+        SCOPED_TRACE(testing::PrintToString(text.substr(0, 20)));
+        const std::wstring expected = text.size() < MAX_PATH ? L"..\\" + text.substr(3) : L"";
+        EXPECT_TRUE(Text(QuonPath(text, 0).MakeRelativeTo(base)) == expected);
+        EXPECT_EQ(Text(base.MakeRelativeTo(QuonPath(text, 0))), L".\\a\\b");
+    }
+    const std::wstring deep = Fill(L"Q:", L"\\ab", GetParam());
+    const std::wstring expected = deep.size() < MAX_PATH ? L"..\\" + deep.substr(3) : L"";
+    EXPECT_TRUE(Text(QuonPath(deep, 0).MakeRelativeTo(base)) == expected);
+}
+
+TEST_P(LongPaths, NothingIsRelativeToAnotherDrive)
+{
+    for (const std::wstring& text : LongTexts(GetParam()))
+    {
+        SCOPED_TRACE(testing::PrintToString(text.substr(0, 20)));
+        for (const wchar_t* const base : {L"", L"C:\\x"})
+        {
+            EXPECT_EQ(Text(QuonPath(text, 0).MakeRelativeTo(QuonPath(base, 0))), L"");
+            EXPECT_EQ(Text(QuonPath(base, 0).MakeRelativeTo(QuonPath(text, 0))), L"");
+        }
+    }
+}
+
 TEST_P(LongPaths, RelativePathsAreShortOrEmpty)
 {
     for (const std::wstring& text : LongTexts(GetParam()))
     {
         SCOPED_TRACE(testing::PrintToString(text.substr(0, 20)));
         const QuonPath path(text, 0);
-        for (const wchar_t* const base : {L"Q:\\a\\b", L"", L"C:\\x"})
-        {
-            EXPECT_LE(Text(path.MakeRelativeTo(QuonPath(base, 0))).size(), 4 * kLongestPart);
-            EXPECT_LE(Text(QuonPath(base, 0).MakeRelativeTo(path)).size(), 4 * kLongestPart);
-        }
+        const QuonPath base(L"Q:\\a\\b", 0);
+        EXPECT_LE(Text(path.MakeRelativeTo(base)).size(), 4 * kLongestPart);
+        EXPECT_LE(Text(base.MakeRelativeTo(path)).size(), 4 * kLongestPart);
         EXPECT_LE(Text(path.MakeRelativeTo(path)).size(), 4 * kLongestPart);
     }
 }

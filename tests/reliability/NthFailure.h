@@ -1,4 +1,4 @@
-// Memory that runs out at one place of an operation, and a count of what is taken from the heap.
+// Memory that runs out at one place of an operation, and counts of what is taken from the heap and of open handles.
 #pragma once
 
 #include <windows.h>
@@ -6,6 +6,7 @@
 #include <malloc.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 
 #include "support/ImportPatch.h"
@@ -76,6 +77,20 @@ inline std::size_t BlocksInUse()
         count += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
     }
     ::HeapUnlock(heap);
+    return count;
+}
+
+/// The handles that this process has open, among the first thousand; new ones come from the low end. Wine does not
+/// count them for GetProcessHandleCount, so each is asked for.
+inline std::size_t HandlesOpen()
+{
+    constexpr std::uintptr_t kHandles = 1000;
+    std::size_t count = 0;
+    for (std::uintptr_t i = 1; i <= kHandles; ++i)
+    {
+        DWORD flags = 0;
+        count += ::GetHandleInformation(reinterpret_cast<HANDLE>(4 * i), &flags) != FALSE ? 1 : 0;
+    }
     return count;
 }
 

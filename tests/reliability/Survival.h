@@ -102,11 +102,17 @@ inline Attempt FailAt(int successes, const std::function<void()>& operation, std
 /// Each allocation of the operation fails in turn, until it gets through without a failure; it ends in an allowed way
 /// every time, and leaks nothing. Only what this thread allocates fails: what other threads do meanwhile comes in no
 /// order.
+/// @param keptHandles the handles that the operation keeps open each time
 /// @return how many different allocations failed
-inline int ExpectSurvives(const std::function<void()>& operation, unsigned allowed, std::size_t kept = 0)
+inline int ExpectSurvives(const std::function<void()>& operation, unsigned allowed, std::size_t kept = 0,
+                          std::size_t keptHandles = 0)
 {
     const HardLimit limit(280000);
     EXPECT_EQ(Run(operation), kReturned) << "the operation fails with memory";
+    // What the run-time opens for the first exception stays open.
+    FailAt(0, operation, kept);
+    // Once for all attempts: counting takes Wine tens of milliseconds.
+    const std::size_t handles = HandlesOpen();
     for (int successes = 0; successes < kTooMany; ++successes)
     {
         SCOPED_TRACE("after " + std::to_string(successes) + " allocations");
@@ -116,6 +122,8 @@ inline int ExpectSurvives(const std::function<void()>& operation, unsigned allow
         if (!attempt.failed)
         {
             EXPECT_EQ(attempt.outcome, kReturned);
+            EXPECT_LE(HandlesOpen(), handles + keptHandles * static_cast<std::size_t>(successes + 1))
+                << "a handle stays open";
             return successes;
         }
         if (testing::Test::HasFailure())

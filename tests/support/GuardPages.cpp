@@ -65,7 +65,7 @@ Byte* HeaderPage(void* block)
 {
     std::fprintf(stderr, "guard pages: %s\n", what);
     std::fflush(stderr);
-    ::TerminateProcess(::GetCurrentProcess(), 97);
+    ::TerminateProcess(::GetCurrentProcess(), quon_test::kStepDetected);
     std::abort();
 }
 

@@ -1,0 +1,93 @@
+#include "reliability/ImportFailure.h"
+
+#include <windows.h>
+
+#include <clocale>
+
+#include "support/BlockPool.h"
+#include "support/StringHelpers.h"
+#include "support/TraceLog.h"
+
+namespace quon_test::import_failure
+{
+
+namespace
+{
+
+// In a locale with a code page, the run-time asks the system how many characters of the text it has read.
+std::string ParseInALocale(const Folder&)
+{
+    std::setlocale(LC_ALL, "German");
+    double value = 0;
+    const bool parsed = ParseDouble(L"2,5", &value);
+    std::setlocale(LC_ALL, "C");
+    return std::to_string(parsed) + ' ' + std::to_string(value);
+}
+
+std::string TakePages(const Folder&)
+{
+    // At most a region and a page: then the pool has asked the system.
+    void* head = nullptr;
+    std::size_t size = 2000;
+    bool isRefused = false;
+    for (int page = 0; page < 33 && !isRefused; ++page)
+    {
+        isRefused = PoolAddPage(&head, &size) == nullptr;
+    }
+    while (head != nullptr)
+    {
+        void* const element = PoolAllocate(&head);
+        void* const other = head != nullptr ? PoolAllocate(&head) : nullptr;
+        PoolFree(&head, element);
+        if (other != nullptr)
+        {
+            PoolFree(&head, other);
+        }
+    }
+    return isRefused ? "refused" : "taken";
+}
+
+}  // namespace
+
+std::vector<Row> SupportRows()
+{
+    return
+    {
+        {"CharLowerBuffW", kZero, "AbC",
+         [](const Folder&)
+         {
+             return Narrow(ToLowerCopy(L"AbC"));
+         }},
+            {"CharUpperBuffW", kZero, "AbC",
+             [](const Folder&)
+             {
+                 return Narrow(ToUpperCopy(L"AbC"));
+             }},
+            {"FormatMessageW", kZero, "",
+             [](const Folder&)
+             {
+                 return Narrow(GetSystemErrorText(ERROR_FILE_NOT_FOUND));
+             }},
+            {"LocalFree", 1, "text",
+             [](const Folder&)
+             {
+                 return GetSystemErrorText(ERROR_FILE_NOT_FOUND).IsEmpty() ? "none" : "text";
+             }},
+            {"StringFromCLSID", kNoMemory, "",
+             [](const Folder&)
+             {
+                 return Narrow(ClsidToString(IID_IUnknown));
+             }},
+            {"MessageBoxW", kZero, "0",
+             [](const Folder&)
+             {
+                 return std::to_string(ShowErrorBox(ERROR_FILE_NOT_FOUND));
+             }},
+            {"VirtualAlloc", kZero, "refused", &TakePages},
+#if !defined(_MSC_VER)
+            {"MultiByteToWideChar", kZero, "0 2.500000", &ParseInALocale},
+#endif
+    };
+}
+
+}  // namespace quon_test::import_failure
