@@ -5,6 +5,7 @@
 
 #include <winsock2.h>
 
+#include "messaging/QuonCallback.h"
 #include "messaging/QuonMessageQueue.h"
 
 #include <asio.hpp>
@@ -24,7 +25,8 @@ struct Letter : QuonMessage
     int value;
 };
 
-/// The library's queue.
+/// The library's queue. Its callback tells of each message that was delivered, so that its reader waits only when there
+/// is none.
 class QuonMailbox
 {
 public:
@@ -32,16 +34,30 @@ public:
 
     Letter* Take()
     {
-        QuonMessage* message = nullptr;
-        while (m_queue.GetNext(&message) != kQuonServerOk)
+        while (m_delivered.count == 0)
         {
             ::SleepEx(INFINITE, TRUE);
         }
+        QuonMessage* message = nullptr;
+        m_queue.GetNext(&message);
+        --m_delivered.count;
         return static_cast<Letter*>(message);
     }
 
 private:
-    QuonMessageQueue m_queue{nullptr, nullptr};
+    struct Delivered final : QuonCallback
+    {
+        BOOL Invoke() override
+        {
+            ++count;
+            return TRUE;
+        }
+
+        int count = 0;
+    };
+
+    Delivered m_delivered;
+    QuonMessageQueue m_queue{&m_delivered, nullptr};
 };
 
 /// A procedure call of the system for each message, which appends it to a list. Whether what was posted is delivered

@@ -82,6 +82,17 @@ static_assert(sizeof(QuonTimer) == sizeof(CStdioFile) + 24);
 
 static_assert(sizeof(QuonXml) == 32);
 static_assert(sizeof(QuonFileStream) == 24);
+#if defined(_MSC_VER)
+// Fields that callers touch. Other compilers warn of the question: these classes have virtual operations.
+static_assert(offsetof(QuonXml, m_pDoc) == 8);
+static_assert(offsetof(QuonXml, m_bAsync) == 16);
+static_assert(offsetof(QuonXml, m_bStream) == 17);
+static_assert(offsetof(QuonXml, m_bFileStream) == 18);
+static_assert(offsetof(QuonXml, m_strFileName) == 24);
+static_assert(offsetof(QuonFileStream, m_hFile) == 8);
+static_assert(offsetof(QuonFileStream, m_bRead) == 16);
+static_assert(offsetof(QuonFileStream, m_cRef) == 20);
+#endif
 
 static_assert(sizeof(QuonPointMarker) == 32);
 static_assert(sizeof(QuonPointString) == 336);

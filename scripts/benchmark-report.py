@@ -101,7 +101,7 @@ def time_text(nanoseconds):
 
 def table(result):
     """The result as Markdown, with its chart if there is one."""
-    lines = [f"Wine {result['wine']}, {result['processors']} processors, {result['date']}; time of one item, smallest of the repeats.", ""]
+    lines = [f"Wine {result['wine']}, one of {result['processors']} processors, {result['date']}; time of one item, smallest of the repeats.", ""]
     if (PICTURES / picture_name(result["area"])).exists():
         lines += [f"![{result['area']}](pictures/{picture_name(result['area'])})", ""]
     for work in result["works"]:
