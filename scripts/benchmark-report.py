@@ -154,19 +154,31 @@ def plot(result, path):
     figure.savefig(path, metadata={"Date": None})
 
 
+def require_goals(area, goals, result):
+    """Ends the program when the kept result is older than a goal or than the work that a goal is about."""
+    measured = {entry["work"] for entry in result["works"]}
+    missing = [goal["work"] for goal in goals if goal["work"] not in measured]
+    if missing or len(goals) != len(result["goals"]):
+        sys.exit(f"{area}: not measured since its goals changed: {', '.join(missing) or 'run scripts/bench.sh ' + area}")
+
+
 def fill_page(page, check):
     """Puts each kept result between its markers, <!-- results: AREA --> and <!-- end -->."""
     text = page.read_text()
     filled = text
     results = {path.stem: path for path in RESULTS.glob("*.json")}
-    for area in sorted(set(results) | set(json.loads(GOALS.read_text()))):
+    goals = json.loads(GOALS.read_text())
+    for area in sorted(set(results) | set(goals)):
         begin, end = f"<!-- results: {area} -->\n", "<!-- end -->"
         if begin not in filled:
             sys.exit(f"{page}: no place for the results of {area}")
         if area not in results:
             continue
+        result = json.loads(results[area].read_text())
+        if check:
+            require_goals(area, goals.get(area, []), result)
         head, rest = filled.split(begin, 1)
-        filled = head + begin + table(json.loads(results[area].read_text())) + rest[rest.index(end):]
+        filled = head + begin + table(result) + rest[rest.index(end):]
     if check and filled != text:
         sys.exit(f"{page} differs from benchmarks/results: run scripts/benchmark-report.py --page {page}")
     if not check:
