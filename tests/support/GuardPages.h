@@ -5,8 +5,8 @@
 namespace quon_test
 {
 
-/// The exit code of a program in which a freed block shows that it was written past its end. A step onto the unmapped page
-/// is an access violation.
+/// The exit code of a program in which a freed block shows that it was written past its end. A step onto the unmapped
+/// page is an access violation.
 inline constexpr unsigned long kStepDetected = 97;
 
 /// @return how many blocks of the library lie before an unmapped page, or lay there until they were freed. 0 when the
