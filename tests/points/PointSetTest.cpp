@@ -253,6 +253,8 @@ TEST(PointSets, TheMemoryIsThatOfTheNumbersThatAreMarked)
     for (const Row& row : {
              Row{L"1,x,2000000000", true, 1'200},
              Row{L"1,x,2000000000", false, 1'200},
+             Row{L"1,x,900000000", true, 1'200},
+             Row{L"1,x,900000000", false, 1'200},
              Row{L"5,2000000000", false, 1'200},
              Row{L"2000000000", false, 0},
              Row{L"2000000000", true, 250'001'000},

@@ -339,20 +339,25 @@ TEST_F(XmlNodesFind, CollectingAppends)
 
 TEST_F(XmlNodesFind, FindsAnyNumberOfNodesInTheirOrder)
 {
-    for (const int count : {0, 1, 15, 16, 17, 32, 33, 1000})
+    // The last ones lie around the size from which an array that grows node by node doubles.
+    for (const int count : {0, 1, 15, 16, 17, 32, 33, 1000, 1023, 1024, 1025, 2049})
     {
         SCOPED_TRACE(count);
         std::wstring text = L"<r>";
         std::wstring ids;
         for (int index = 0; index < count; ++index)
         {
-            text += L"<q><p id='" + std::to_wstring(index) + L"'/></q>";
+            text += L"<q><p c='x' id='" + std::to_wstring(index) + L"'/></q>";
             ids += std::to_wstring(index);
         }
         const IXMLDOMDocumentPtr document = Parse((text + L"</r>").c_str());
         const NodeArrayHolder found(FindNodesByName(GetDocumentChildNodes(document), L"p", true));
         EXPECT_EQ(found->GetSize(), count);
         EXPECT_EQ(Ids(*found), ids);
+        const NodeArrayHolder matching(new QuonNodeArray);
+        CollectNodesWithAttributes(*matching, GetDocumentChildNodes(document), L"p", L"c", L"x", true);
+        EXPECT_EQ(matching->GetSize(), count);
+        EXPECT_EQ(Ids(*matching), ids);
     }
 }
 
