@@ -9,7 +9,7 @@
 #include "messaging/QuonMessageQueue.h"
 #include "messaging/QuonServerThread.h"
 #include "messaging/QuonWndMsgServerInternal.h"
-#include "module/QuonEllipsis.h"
+#include "base/QuonEllipsis.h"
 #include "monitoring/FileSubscriptionInternal.h"
 #include "monitoring/QuonBrowseForDirectory.h"
 #include "monitoring/QuonFileEventServer.h"

@@ -1,8 +1,8 @@
 #include "BenchmarkSupport.h"
 
-#include <benchmark/benchmark.h>
+#include <afx.h>
 
-#include <windows.h>
+#include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <chrono>

@@ -2,6 +2,8 @@
 /// What the benchmark programs share: contenders for a piece of work, at growing sizes.
 #pragma once
 
+#include <afx.h>
+
 #include <functional>
 #include <string>
 #include <vector>

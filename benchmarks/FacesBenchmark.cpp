@@ -1,5 +1,8 @@
 // A terrain of 1,000,000 triangles: read face by face, and its extents.
+#include <afx.h>
+
 #include "BenchmarkSupport.h"
+
 #include "geometry/QuonFaceReader.h"
 #include "geometry/QuonPointReader.h"
 

@@ -3,16 +3,15 @@
 /// thread that made the mailbox. A message is made with `new` by who posts it and deleted by who takes it.
 #pragma once
 
-#include <winsock2.h>
+#include <afx.h>
 
 #include "messaging/QuonCallback.h"
 #include "messaging/QuonMessageQueue.h"
 
-#include <asio.hpp>
+#include <winsock2.h>
 #include <concurrentqueue/concurrentqueue.h>
 
-#include <windows.h>
-
+#include <asio.hpp>
 #include <deque>
 
 namespace quon_benchmark

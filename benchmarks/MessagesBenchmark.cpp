@@ -1,4 +1,8 @@
 // Messages from thread to thread: 10,000 at once, and one there and one back.
+// asio brings the current sockets, which exclude the old ones of the full <windows.h>.
+#define WIN32_LEAN_AND_MEAN
+#include <afx.h>
+
 #include "Mailboxes.h"
 
 #include "BenchmarkSupport.h"

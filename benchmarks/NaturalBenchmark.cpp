@@ -1,11 +1,11 @@
 // Names in the order in which people count: 100,000 file names sorted.
+#include <afx.h>
+
 #include "BenchmarkSupport.h"
+
 #include "support/NaturalCompare.h"
 
 #include <benchmark/benchmark.h>
-
-#include <windows.h>
-
 #include <shlwapi.h>
 
 #include <algorithm>

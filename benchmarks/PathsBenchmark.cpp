@@ -1,11 +1,11 @@
 // Path values: put into normal form, joined, taken apart; 1,000 paths as a project has them.
+#include <afx.h>
+
 #include "BenchmarkSupport.h"
+
 #include "paths/QuonPath.h"
 
 #include <benchmark/benchmark.h>
-
-#include <windows.h>
-
 #include <pathcch.h>
 #include <shlwapi.h>
 

@@ -3,11 +3,13 @@
 /// sets that a user would pick, each with the same operations.
 #pragma once
 
+#include <afx.h>
+
 #include "points/QuonPointMarker.h"
 
-#include <boost/icl/interval_set.hpp>
 #include <roaring/roaring.h>
 
+#include <boost/icl/interval_set.hpp>
 #include <charconv>
 #include <cstdint>
 #include <cwchar>

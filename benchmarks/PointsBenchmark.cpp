@@ -1,6 +1,9 @@
 // Texts of point numbers: walked, cleared of duplicates and of other points, written. 20,000 groups, over 200,000
 // characters, as the point list of a large survey has them.
+#include <afx.h>
+
 #include "BenchmarkSupport.h"
+
 #include "PointSets.h"
 #include "points/QuonPointString.h"
 #include "points/QuonSortedPointString.h"

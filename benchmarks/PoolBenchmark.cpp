@@ -1,14 +1,16 @@
 // Elements of a fixed size: taken and returned one at a time, in bulk, and in random order.
+#include <afx.h>
+
 #include "BenchmarkSupport.h"
+
 #include "support/BlockPool.h"
 #include "support/QuonPoolAllocator.h"
-
-#include <boost/pool/pool.hpp>
-#include <boost/pool/pool_alloc.hpp>
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <boost/pool/pool.hpp>
+#include <boost/pool/pool_alloc.hpp>
 #include <cstdlib>
 #include <memory>
 #include <memory_resource>

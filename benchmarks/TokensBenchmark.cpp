@@ -1,12 +1,14 @@
 // Lists of 100,000 items with commas between them: taken apart into strings, and walked token by token.
-#include "BenchmarkSupport.h"
-#include "support/StringHelpers.h"
+#include <afx.h>
 
-#include <boost/token_functions.hpp>
-#include <boost/tokenizer.hpp>
+#include "BenchmarkSupport.h"
+
+#include "support/StringHelpers.h"
 
 #include <benchmark/benchmark.h>
 
+#include <boost/token_functions.hpp>
+#include <boost/tokenizer.hpp>
 #include <cwchar>
 #include <memory>
 #include <random>

@@ -2,11 +2,10 @@
 #include <afx.h>
 
 #include "BenchmarkSupport.h"
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 #include "support/TraceLog.h"
 
 #include <benchmark/benchmark.h>
-
 #include <fmt/xchar.h>
 #include <spdlog/details/log_msg.h>
 #include <spdlog/pattern_formatter.h>

@@ -3,7 +3,7 @@
 #include <afx.h>
 
 #include "BenchmarkSupport.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/TemporaryFolder.h"
 #include "traversal/QuonFileTrees.h"
 
 #include <benchmark/benchmark.h>

@@ -2,8 +2,8 @@
 #include <afx.h>
 
 #include "BenchmarkSupport.h"
+#include "helpers/TemporaryFolder.h"
 #include "monitoring/QuonFileEventServer.h"
-#include "support/TemporaryFolder.h"
 
 #include <benchmark/benchmark.h>
 

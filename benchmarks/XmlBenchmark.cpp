@@ -4,7 +4,7 @@
 #include "BenchmarkSupport.h"
 #include "XmlDom.h"
 #include "XmlPeers.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/TemporaryFolder.h"
 #include "xml/QuonXml.h"
 #include "xml/XmlNodes.h"
 

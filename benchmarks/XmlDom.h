@@ -2,10 +2,10 @@
 /// The same work on an XML document by bare calls of the platform's DOM: no checks, nothing raised, names made once.
 #pragma once
 
-#include "xml/Msxml2.h"
-
 #include <afx.h>
 #include <afxcoll.h>
+
+#include "xml/Msxml2.h"
 
 #include <cwchar>
 #include <memory>

@@ -2,14 +2,13 @@
 /// The same work on an XML document by parsers that have trees of their own. They show what leaving the DOM would give.
 #pragma once
 
-#include <windows.h>
-
-#include <pugixml.hpp>
-#include <rapidxml/rapidxml.hpp>
+#include <afx.h>
 
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <pugixml.hpp>
+#include <rapidxml/rapidxml.hpp>
 #include <string>
 #include <vector>
 

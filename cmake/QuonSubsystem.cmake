@@ -19,12 +19,15 @@ function(quon_expose target name)
 endfunction()
 
 # quon_subsystem(<name> FOLDER <folder> [SOURCES ...] [HEADERS ...] [USES <subsystem> ...])
-# HEADERS are the public ones: they are installed. A subsystem without sources yet is allowed.
+# HEADERS are the public ones: they are installed. A subsystem without sources is allowed. Every subsystem may use base.
 function(quon_subsystem name)
   cmake_parse_arguments(arg "" "FOLDER" "SOURCES;HEADERS;USES" ${ARGN})
   add_library(${name}_headers INTERFACE)
   quon_expose(${name}_headers ${arg_FOLDER})
-  target_link_libraries(${name}_headers INTERFACE Quon::Framework quon_export_header)
+  target_link_libraries(${name}_headers INTERFACE Quon::Framework)
+  if(NOT name STREQUAL "base")
+    target_link_libraries(${name}_headers INTERFACE base_headers)
+  endif()
   foreach(used IN LISTS arg_USES)
     target_link_libraries(${name}_headers INTERFACE ${used}_headers)
   endforeach()
@@ -38,10 +41,3 @@ function(quon_subsystem name)
   endforeach()
   set_property(GLOBAL APPEND PROPERTY QUON_HEADER_TARGETS ${name}_headers)
 endfunction()
-
-# The headers of module/ that every subsystem may include.
-add_library(quon_export_header INTERFACE)
-foreach(header module/Export.h module/QuonEllipsis.h)
-  quon_expose(quon_export_header ${header})
-  set_property(GLOBAL APPEND PROPERTY QUON_PUBLIC_HEADERS ${header})
-endforeach()

@@ -24,7 +24,7 @@ add_test(NAME wine-prefix COMMAND ${CMAKE_SOURCE_DIR}/scripts/wine-prefix.sh)
 set_tests_properties(wine-prefix PROPERTIES FIXTURES_SETUP wine-prefix)
 
 # What a thorough run puts in the place of the library's allocator.
-add_library(quon_guard_pages OBJECT ${CMAKE_SOURCE_DIR}/tests/support/GuardPages.cpp)
+add_library(quon_guard_pages OBJECT ${CMAKE_SOURCE_DIR}/tests/helpers/GuardPages.cpp)
 target_link_libraries(quon_guard_pages PRIVATE quon_compile_options)
 target_include_directories(quon_guard_pages PRIVATE ${CMAKE_SOURCE_DIR}/tests)
 

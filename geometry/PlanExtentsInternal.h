@@ -1,6 +1,8 @@
 // The plan extents of runs of points, shared by the face readers.
 #pragma once
 
+#include <afx.h>
+
 #include "geometry/VxGe.h"
 
 #include <cstddef>

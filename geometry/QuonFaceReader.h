@@ -13,8 +13,10 @@
 /// A reader is for one thread at a time. The only exception is std::bad_alloc, when memory is exhausted.
 #pragma once
 
+#include <afx.h>
+
+#include "base/Export.h"
 #include "geometry/VxGe.h"
-#include "module/Export.h"
 
 #include <vector>
 

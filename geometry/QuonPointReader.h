@@ -11,8 +11,10 @@
 /// A reader is for one thread at a time and throws nothing.
 #pragma once
 
+#include <afx.h>
+
+#include "base/Export.h"
 #include "geometry/VxGe.h"
-#include "module/Export.h"
 
 /// A set of points, however it is held.
 class QUON_API QuonPointReader

@@ -8,13 +8,15 @@
 /// assignment as told below (where the library spells them otherwise, a small adapter header does).
 #pragma once
 
+#include <afx.h>
+
 #if defined(QUON_USE_HOST_VXGE)
 
 #include QUON_VXGE_HEADER
 
 #else
 
-#include "module/Export.h"
+#include "base/Export.h"
 
 /// A point in space.
 struct VxGePoint3d

@@ -1,7 +1,7 @@
 #include "host/Commands.h"
+
 #include "host/Console.h"
 #include "host/Report.h"
-
 #include "support/Angles.h"
 #include "support/StringHelpers.h"
 

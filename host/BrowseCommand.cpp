@@ -1,7 +1,7 @@
 #include "host/Commands.h"
+
 #include "host/Console.h"
 #include "host/Report.h"
-
 #include "monitoring/QuonBrowseForDirectory.h"
 #include "paths/QuonPath.h"
 

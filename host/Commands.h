@@ -1,6 +1,8 @@
 // The commands of the host. Each adds itself, with its options, to the command line; its callback does the work.
 #pragma once
 
+#include <afx.h>
+
 #include <CLI/CLI.hpp>
 
 namespace quonhost

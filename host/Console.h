@@ -1,6 +1,8 @@
 // Text in and out of the console: UTF-8 outside, UTF-16 inside.
 #pragma once
 
+#include <afx.h>
+
 #include <stdexcept>
 #include <string>
 #include <string_view>

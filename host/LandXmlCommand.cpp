@@ -1,4 +1,5 @@
 #include "host/Commands.h"
+
 #include "host/Console.h"
 #include "host/LandXmlRun.h"
 #include "host/ProgressBar.h"
@@ -13,7 +14,6 @@
 #include "host/landxml/Steps.h"
 #include "host/landxml/SurveyCsv.h"
 #include "host/landxml/XmlText.h"
-
 #include "xml/ComHelpers.h"
 
 #include <algorithm>

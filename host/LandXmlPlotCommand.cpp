@@ -1,4 +1,5 @@
 #include "host/Console.h"
+
 #include "host/LandXmlRun.h"
 #include "host/landxml/LandXmlFile.h"
 #include "host/landxml/NumberText.h"
@@ -6,7 +7,6 @@
 #include "host/landxml/ReplacementFile.h"
 #include "host/landxml/Steps.h"
 #include "host/plot/SurveyPlot.h"
-
 #include "paths/QuonPath.h"
 
 #include <filesystem>

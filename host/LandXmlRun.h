@@ -1,8 +1,9 @@
 // How every LandXML command runs.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <afx.h>
 
+#include <CLI/CLI.hpp>
 #include <functional>
 #include <memory>
 

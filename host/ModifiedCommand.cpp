@@ -1,8 +1,8 @@
 #include "host/Commands.h"
+
 #include "host/Console.h"
 #include "host/ProgressBar.h"
 #include "host/Report.h"
-
 #include "monitoring/QuonFileModifiedManager.h"
 #include "support/Progress.h"
 

@@ -1,7 +1,7 @@
 #include "host/Commands.h"
+
 #include "host/Console.h"
 #include "host/Report.h"
-
 #include "points/QuonPointString.h"
 #include "points/QuonSortedPointString.h"
 #include "points/QuonUnsortedPointString.h"

@@ -1,9 +1,10 @@
 // What a command reports to programs: JSON, printed in one way by all commands.
 #pragma once
 
+#include <afx.h>
+
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
-
 #include <string_view>
 
 namespace quonhost

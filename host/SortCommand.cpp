@@ -1,12 +1,12 @@
 #include "host/Commands.h"
+
 #include "host/Console.h"
 #include "host/Report.h"
-
 #include "support/NaturalCompare.h"
 
 #include <algorithm>
-#include <fstream>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>

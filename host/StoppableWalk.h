@@ -1,8 +1,9 @@
 // A walk that the user can stop.
 #pragma once
 
-#include "host/Console.h"
+#include <afx.h>
 
+#include "host/Console.h"
 #include "support/Progress.h"
 
 namespace quonhost

@@ -1,9 +1,10 @@
 // quonhost: a small application around the library, for trying it on real folders and files.
 
 #include "host/Commands.h"
-#include "host/Console.h"
 
 #include <afxwin.h>
+
+#include "host/Console.h"
 
 #include <algorithm>
 #include <vector>

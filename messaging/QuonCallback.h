@@ -4,7 +4,7 @@
 
 #include <afx.h>
 
-#include "module/Export.h"
+#include "base/Export.h"
 
 /// Something to be told that has happened. The message queue calls one when a message arrives.
 class QUON_API QuonCallback

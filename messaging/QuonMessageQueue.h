@@ -5,8 +5,8 @@
 #include <afx.h>
 #include <afxtempl.h>
 
+#include "base/Export.h"
 #include "messaging/QuonServerResult.h"
-#include "module/Export.h"
 
 class QuonCallback;
 

@@ -1,6 +1,6 @@
 #include "messaging/QuonServerThread.h"
 
-#include "module/QuonEllipsis.h"
+#include "base/QuonEllipsis.h"
 
 #include <memory>
 #include <new>

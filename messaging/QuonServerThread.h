@@ -4,10 +4,10 @@
 
 #include <afx.h>
 
+#include "base/Export.h"
 #include "messaging/QuonServerEventHandler.h"
 #include "messaging/QuonServerResult.h"
 #include "messaging/QuonSynchronizedSelector.h"
-#include "module/Export.h"
 
 /// A thread that sleeps in alertable waits on a set of handles and calls a handler when one is signalled. Changes of
 /// the set, from any thread, travel to it as asynchronous procedure calls, so that its table needs no lock; they take

@@ -1,6 +1,6 @@
 #include "messaging/QuonWndMsgServerInternal.h"
 
-#include "module/QuonEllipsis.h"
+#include "base/QuonEllipsis.h"
 
 #include <algorithm>
 #include <new>

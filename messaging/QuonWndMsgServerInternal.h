@@ -2,6 +2,8 @@
 /// The window message server itself.
 #pragma once
 
+#include <afx.h>
+
 #include "messaging/QuonWndMsgServer.h"
 
 #include <list>

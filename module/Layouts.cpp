@@ -1,10 +1,6 @@
 // What callers were built for, asserted for every compiler that builds the library: no code, no data. The table with
 // all fields and virtual operations is abi/layout.txt.
 
-#include <cstddef>
-#include <list>
-#include <memory>
-
 #include "geometry/QuonFaceReader.h"
 #include "geometry/QuonPointReader.h"
 #include "geometry/VxGe.h"
@@ -24,6 +20,10 @@
 #include "traversal/QuonFileTrees.h"
 #include "xml/QuonFileStream.h"
 #include "xml/QuonXml.h"
+
+#include <cstddef>
+#include <list>
+#include <memory>
 
 #if defined(_WIN64)
 

@@ -2,6 +2,8 @@
 /// What the window's thread and the watcher thread tell each other.
 #pragma once
 
+#include <afx.h>
+
 #include "paths/QuonPath.h"
 
 namespace QuonFileEventServer_details

@@ -2,6 +2,8 @@
 /// The thread that watches folders for the file event server.
 #pragma once
 
+#include <afx.h>
+
 #include "monitoring/WatchedFoldersInternal.h"
 
 namespace QuonFileEventServer_details

@@ -4,10 +4,10 @@
 
 #include <afx.h>
 
-#include <shlobj.h>
-
-#include "module/Export.h"
+#include "base/Export.h"
 #include "paths/QuonPath.h"
+
+#include <shlobj.h>
 
 /// Lets the user choose a folder. A derived class may refuse folders.
 ///

@@ -4,9 +4,9 @@
 
 #include <afx.h>
 
-#include <cstdint>
+#include "base/Export.h"
 
-#include "module/Export.h"
+#include <cstdint>
 
 /// Names a subscription. Nothing is promised about its value, but that it is not 0; it may be given out again once the
 /// subscription was removed.

@@ -2,6 +2,8 @@
 /// The file event server itself.
 #pragma once
 
+#include <afx.h>
+
 #include "messaging/QuonWndMsgServer.h"
 #include "monitoring/FileWatcherThreadInternal.h"
 #include "monitoring/QuonFileEventServer.h"

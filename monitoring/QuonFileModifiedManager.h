@@ -4,7 +4,7 @@
 
 #include <afx.h>
 
-#include "module/Export.h"
+#include "base/Export.h"
 
 /// The state of a file as it was once read.
 class QUON_API QuonFileModifiedStatus : public CFileStatus

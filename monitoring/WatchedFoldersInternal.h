@@ -2,6 +2,8 @@
 /// The folders that the watcher thread watches, and who wants to hear of them.
 #pragma once
 
+#include <afx.h>
+
 #include "messaging/QuonWndMsgServer.h"
 #include "monitoring/FileSubscriptionInternal.h"
 

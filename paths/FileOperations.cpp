@@ -1,13 +1,13 @@
 #include "paths/FileOperations.h"
 
+#include "traversal/QuonDirectoryTrees.h"
+#include "traversal/QuonFileTrees.h"
+
 #include <direct.h>
 #include <io.h>
 #include <wchar.h>
 
 #include <list>
-
-#include "traversal/QuonDirectoryTrees.h"
-#include "traversal/QuonFileTrees.h"
 
 namespace
 {

@@ -6,7 +6,9 @@
 /// and junctions below a folder are followed, not copied or removed as such.
 #pragma once
 
-#include "module/Export.h"
+#include <afx.h>
+
+#include "base/Export.h"
 #include "paths/QuonPath.h"
 #include "traversal/QuonFileMatch.h"
 

@@ -1,9 +1,9 @@
 #include "paths/PathStringInternal.h"
 
+#include "paths/PathTextInternal.h"
+
 #include <algorithm>
 #include <cwchar>
-
-#include "paths/PathTextInternal.h"
 
 namespace QuonPathText
 {

@@ -1,9 +1,9 @@
 #include "paths/QuonPath.h"
 
-#include <algorithm>
-
 #include "paths/PathStringInternal.h"
 #include "paths/PathTextInternal.h"
+
+#include <algorithm>
 
 namespace
 {

@@ -4,12 +4,12 @@
 
 #include <afx.h>
 
+#include "base/Export.h"
+#include "paths/WellKnownFolders.h"
+
 #include <cstdint>
 #include <list>
 #include <string>
-
-#include "module/Export.h"
-#include "paths/WellKnownFolders.h"
 
 /// Flags for the constructors of QuonPath, QuonPath::Assign() and QuonPath::ApplyFlags(): any combination of the
 /// constants below by "or". Of each pair (slashes, trailing separator, case) only one counts: both bits of the trailing

@@ -1,4 +1,5 @@
 #include "paths/PathStringInternal.h"
+
 #include "paths/PathTextInternal.h"
 #include "paths/QuonPath.h"
 

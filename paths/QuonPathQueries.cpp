@@ -1,10 +1,10 @@
 // What asks the operating system about paths: the file queries, and the two joins that the shell does.
+#include "paths/QuonPath.h"
+
 #include <io.h>
 #include <shlwapi.h>
 
 #include <cstddef>
-
-#include "paths/QuonPath.h"
 
 static_assert(sizeof(QuonFileInfo) == sizeof(WIN32_FILE_ATTRIBUTE_DATA));
 static_assert(offsetof(QuonFileInfo, attributes) == offsetof(WIN32_FILE_ATTRIBUTE_DATA, dwFileAttributes));

@@ -1,12 +1,12 @@
 #include "paths/WellKnownFolders.h"
 
+#include "paths/QuonPath.h"
+
 #include <stdlib.h>
 #include <wchar.h>
 
 #include <algorithm>
 #include <memory>
-
-#include "paths/QuonPath.h"
 
 namespace
 {

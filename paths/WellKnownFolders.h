@@ -4,7 +4,7 @@
 
 #include <afx.h>
 
-#include "module/Export.h"
+#include "base/Export.h"
 
 /// Selects a well-known folder for the constructors of QuonPath, QuonPath::Assign() and QuonPath::SetToFolder().
 /// Any number is allowed: what is not one of the names below selects nothing and leaves the path's text as it is.

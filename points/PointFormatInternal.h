@@ -1,10 +1,10 @@
 // The layout of point strings: numbers in, text out.
 #pragma once
 
+#include <afx.h>
+
 #include "points/PointTextInternal.h"
 #include "points/QuonPointMarker.h"
-
-#include <afx.h>
 
 #include <cstddef>
 

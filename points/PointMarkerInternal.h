@@ -1,6 +1,8 @@
 // Whole ranges of point numbers in a marker: what the set operations of the point strings need, at memory speed.
 #pragma once
 
+#include <afx.h>
+
 #include "points/QuonPointMarker.h"
 
 #include <cstdint>

@@ -2,9 +2,9 @@
 // taken for a single point.
 #pragma once
 
-#include "points/PointTextInternal.h"
-
 #include <afx.h>
+
+#include "points/PointTextInternal.h"
 
 #include <cstddef>
 #include <vector>

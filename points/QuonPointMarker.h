@@ -2,9 +2,9 @@
 /// A growable set of point numbers, one bit each.
 #pragma once
 
-#include "module/Export.h"
-
 #include <afx.h>
+
+#include "base/Export.h"
 
 struct QuonPointMarkerAccess;
 

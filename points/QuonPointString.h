@@ -2,9 +2,9 @@
 /// The text form in which sets of survey point numbers are named, such as "1-5, 9, 20-12".
 #pragma once
 
-#include "module/Export.h"
-
 #include <afx.h>
+
+#include "base/Export.h"
 
 #include <cstddef>
 

@@ -2,6 +2,8 @@
 /// A point string that is built from point numbers and written in ascending order.
 #pragma once
 
+#include <afx.h>
+
 #include "points/QuonPointMarker.h"
 #include "points/QuonPointString.h"
 

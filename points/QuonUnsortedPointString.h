@@ -2,9 +2,9 @@
 /// A point string that is built from point numbers and written in the order in which they were added.
 #pragma once
 
-#include "points/QuonPointString.h"
-
 #include <afxtempl.h>
+
+#include "points/QuonPointString.h"
 
 #if defined(_MSC_VER)
 #pragma warning(push)

@@ -21,7 +21,7 @@ from pathlib import Path
 import exports
 
 TOP = Path(__file__).resolve().parent.parent
-FOLDERS = "paths traversal support points geometry xml messaging monitoring module".split()
+FOLDERS = "base paths traversal support points geometry xml messaging monitoring module".split()
 EXPORT_LIST = TOP / "module/QuonWin32Utils.def"
 MSVC_LIST = TOP / "module/QuonWin32Utils.msvc.def"
 LIST_HEAD = """\

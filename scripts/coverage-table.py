@@ -12,7 +12,7 @@ import sys
 
 BEGIN = "<!-- coverage -->"
 END = "<!-- /coverage -->"
-SUBSYSTEMS = ("geometry", "messaging", "module", "monitoring", "paths", "points", "support", "traversal", "xml")
+SUBSYSTEMS = ("base", "geometry", "messaging", "module", "monitoring", "paths", "points", "support", "traversal", "xml")
 
 
 class Line:

@@ -24,7 +24,7 @@ cd "$top"
 # A configuration that does not parse would be passed over with a warning, and everything would pass.
 configuration=$(clang-tidy-14 --dump-config 2>&1)
 grep -q 'WarningsAsErrors: *.\*' <<<"$configuration" || die ".clang-tidy does not parse"
-project_files {paths,traversal,support,points,geometry,xml,messaging,monitoring,module}/'*.cpp' |
+project_files {base,paths,traversal,support,points,geometry,xml,messaging,monitoring,module}/'*.cpp' |
   xargs -0 -r -n 2 -P 2 clang-tidy-14 --quiet -p "$commands" \
     --extra-arg-before=--target=x86_64-w64-windows-gnu --extra-arg-before=--sysroot="$sysroot" \
     --extra-arg=-Wno-unknown-warning-option --extra-arg=-Wno-unused-command-line-argument

@@ -9,7 +9,9 @@
 /// operation in the order given; infinities and NaN go through as that arithmetic has it.
 #pragma once
 
-#include "module/Export.h"
+#include <afx.h>
+
+#include "base/Export.h"
 
 /// @param degrees decimal degrees.
 /// @return radians: pi * degrees / 180.

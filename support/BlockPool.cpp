@@ -1,8 +1,5 @@
 #include "support/BlockPool.h"
-
 #include "support/BlockPoolInternal.h"
-
-#include <windows.h>
 
 #include <algorithm>
 #include <cstring>

@@ -20,9 +20,9 @@
 /// heads together.
 #pragma once
 
-#include "module/Export.h"
+#include <afx.h>
 
-#include <windows.h>
+#include "base/Export.h"
 
 #include <cstddef>
 

@@ -1,6 +1,6 @@
-#include "support/BlockPoolInternal.h"
+#include <afx.h>
 
-#include <windows.h>
+#include "support/BlockPoolInternal.h"
 
 #include <map>
 

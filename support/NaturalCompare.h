@@ -2,7 +2,9 @@
 /// Comparison of texts in the order in which people count: "file2" before "file10".
 #pragma once
 
-#include "module/Export.h"
+#include <afx.h>
+
+#include "base/Export.h"
 
 /// Compares two texts, taking each run of decimal digits as a number and the text between the runs by the collation of
 /// the C run-time's current locale, upper and lower case being different.

@@ -14,7 +14,7 @@
 
 #include <afx.h>
 
-#include "module/Export.h"
+#include "base/Export.h"
 
 /// What the host installs: gets the number of a command and the command's two arguments. What it does for each command
 /// is the host's affair. Only the result for command 2, the poll, has a meaning: anything but 0 asks to stop.

@@ -2,6 +2,8 @@
 /// The block pool for elements of one type.
 #pragma once
 
+#include <afx.h>
+
 #include "support/BlockPool.h"
 
 #include <cassert>

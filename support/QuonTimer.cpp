@@ -1,9 +1,9 @@
 #include "support/QuonTimer.h"
 
-#include <ctime>
-
 #include "paths/FileOperations.h"
 #include "paths/QuonPath.h"
+
+#include <ctime>
 
 namespace
 {

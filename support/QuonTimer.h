@@ -4,7 +4,7 @@
 
 #include <afx.h>
 
-#include "module/Export.h"
+#include "base/Export.h"
 
 /// A text file that opens at construction. Nothing is reported when that fails: the object stays closed and everything
 /// that `QuonTimer` writes into it is dropped. The destructor closes the file.

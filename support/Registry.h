@@ -4,7 +4,7 @@
 
 #include <afx.h>
 
-#include "module/Export.h"
+#include "base/Export.h"
 
 /// Reads a value of up to 4 bytes below `HKEY_LOCAL_MACHINE`.
 ///

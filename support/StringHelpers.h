@@ -10,7 +10,7 @@
 #include <afx.h>
 #include <afxcoll.h>
 
-#include "module/Export.h"
+#include "base/Export.h"
 #include "support/NaturalCompare.h"
 
 class _com_error;

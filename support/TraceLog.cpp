@@ -1,5 +1,8 @@
 #include "support/TraceLog.h"
 
+#include "support/StringHelpers.h"
+#include "support/TraceLineInternal.h"
+
 #include <comdef.h>
 
 #include <cstdarg>
@@ -7,9 +10,6 @@
 #include <cwchar>
 #include <memory>
 #include <set>
-
-#include "support/StringHelpers.h"
-#include "support/TraceLineInternal.h"
 
 namespace
 {

@@ -2,6 +2,8 @@
 /// Enumerates the entries of one folder.
 #pragma once
 
+#include <afx.h>
+
 #include "traversal/QuonFileMatch.h"
 
 /// The entries of one folder that match a wildcard pattern and an attribute filter, in the order in which the system

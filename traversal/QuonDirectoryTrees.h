@@ -4,9 +4,9 @@
 
 #include <afxtempl.h>
 
-#include <list>
-
 #include "traversal/QuonBasicFileMatcher.h"
+
+#include <list>
 
 #if defined(_MSC_VER)
 #pragma warning(push)

@@ -2,7 +2,9 @@
 /// The common interface of everything that hands out folders or files one at a time, and the attribute filter codes.
 #pragma once
 
-#include "module/Export.h"
+#include <afx.h>
+
+#include "base/Export.h"
 #include "paths/QuonPath.h"
 
 /// @name Attribute filter codes

@@ -2,6 +2,8 @@
 /// Walks over the files of a tree.
 #pragma once
 
+#include <afx.h>
+
 #include "traversal/QuonDirectoryTrees.h"
 
 /// The files of a tree, folder by folder in the order of QuonBFSDirectoryTree: the root's files first. Within a folder

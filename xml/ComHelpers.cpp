@@ -1,8 +1,8 @@
 #include "xml/ComHelpers.h"
 
-#include <ctime>
-
 #include "xml/UniqueStringsInternal.h"
+
+#include <ctime>
 
 namespace
 {

@@ -5,7 +5,7 @@
 #include <afx.h>
 #include <afxcoll.h>
 
-#include "module/Export.h"
+#include "base/Export.h"
 #include "xml/Msxml2.h"
 
 /// The text for a result code: "HRESULT = 0x%08X " with the code, then ".\n", a tab and the system's own text for it.

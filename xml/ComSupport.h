@@ -4,8 +4,8 @@
 #pragma once
 
 #include <afx.h>
-#include <ole2.h>
 
+#include <ole2.h>
 #include <comdef.h>
 
 #if !defined(_MSC_VER)

@@ -3,9 +3,10 @@
 #pragma once
 
 #include <afx.h>
-#include <objidl.h>
 
-#include "module/Export.h"
+#include "base/Export.h"
+
+#include <objidl.h>
 
 #if defined(_MSC_VER)
 #pragma warning(push)

@@ -1,11 +1,11 @@
 #include "xml/QuonXml.h"
 
+#include "xml/QuonFileStream.h"
+#include "xml/XmlInternal.h"
+
 #include <cstring>
 #include <cwchar>
 #include <new>
-
-#include "xml/QuonFileStream.h"
-#include "xml/XmlInternal.h"
 
 namespace
 {

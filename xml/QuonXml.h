@@ -4,7 +4,7 @@
 
 #include <afx.h>
 
-#include "module/Export.h"
+#include "base/Export.h"
 #include "xml/Msxml2.h"
 
 /// Called for a node during a walk: its name, the node, and the caller's own value. @return true to go on

@@ -1,12 +1,13 @@
 #include "xml/XmlDocument.h"
 
-#include <ctime>
-#include <io.h>
-
 #include "xml/ComHelpers.h"
 #include "xml/XmlInternal.h"
 #include "xml/XmlNodes.h"
 #include "xml/XmlValues.h"
+
+#include <io.h>
+
+#include <ctime>
 
 namespace
 {

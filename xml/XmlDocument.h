@@ -9,7 +9,7 @@
 #include <afx.h>
 #include <afxcoll.h>
 
-#include "module/Export.h"
+#include "base/Export.h"
 #include "xml/Msxml2.h"
 
 /// Creates an element and appends it to `parent`, or without a parent to the document.

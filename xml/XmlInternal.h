@@ -5,15 +5,15 @@
 #include <afx.h>
 #include <afxcoll.h>
 
+#include "base/QuonEllipsis.h"
+#include "xml/Msxml2.h"
+#include "xml/XmlNodes.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cwchar>
 #include <memory>
 #include <new>
-
-#include "module/QuonEllipsis.h"
-#include "xml/Msxml2.h"
-#include "xml/XmlNodes.h"
 
 namespace xml_internal
 {

@@ -1,12 +1,12 @@
 #include "xml/XmlNodes.h"
 
+#include "xml/ComHelpers.h"
+#include "xml/XmlInternal.h"
+
 #include <cwchar>
 #include <string>
 #include <unordered_set>
 #include <vector>
-
-#include "xml/ComHelpers.h"
-#include "xml/XmlInternal.h"
 
 namespace
 {

@@ -15,7 +15,7 @@
 #include <afxcoll.h>
 #include <afxtempl.h>
 
-#include "module/Export.h"
+#include "base/Export.h"
 #include "xml/Msxml2.h"
 
 /// Nodes, with one reference per entry.

@@ -1,8 +1,8 @@
 #include "xml/XmlValues.h"
 
-#include <cwchar>
-
 #include "xml/XmlInternal.h"
+
+#include <cwchar>
 
 namespace
 {

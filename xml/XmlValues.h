@@ -11,7 +11,7 @@
 
 #include <afx.h>
 
-#include "module/Export.h"
+#include "base/Export.h"
 #include "xml/Msxml2.h"
 
 /// @return the text when the typed value is a text already, otherwise ""; nothing is converted

@@ -1,5 +1,6 @@
 // Writes a LandXML document with three points, loads it again and reads them.
 #include "paths/QuonPath.h"
+
 #include "xml/QuonXml.h"
 #include "xml/XmlDocument.h"
 #include "xml/XmlNodes.h"

@@ -1,5 +1,6 @@
 // Names in natural order, numbers from text, angles as surveyors write them, elements from a pool, a log with times.
 #include "support/Angles.h"
+
 #include "support/QuonPoolAllocator.h"
 #include "support/QuonTimer.h"
 #include "support/StringHelpers.h"

@@ -1,5 +1,6 @@
 // Makes a small project folder, counts its drawings, mirrors it and removes it again.
 #include "paths/FileOperations.h"
+
 #include "traversal/QuonFileTrees.h"
 
 #include <cstdio>

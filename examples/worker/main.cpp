@@ -1,5 +1,6 @@
 // A worker thread that serves two events and sends what it finds back to the main thread.
 #include "messaging/QuonCallback.h"
+
 #include "messaging/QuonMessageQueue.h"
 #include "messaging/QuonServerEventHandler.h"
 #include "messaging/QuonServerThread.h"

@@ -3,6 +3,10 @@
 /// @file afx.h
 /// The framework's core: strings, exceptions, assertions.
 
+#if defined(_WINDOWS_)
+#error windows.h was included before afx.h, which the framework refuses: include <afx.h> first
+#endif
+
 #include <windows.h>
 #include <tchar.h>
 #include "afxver_.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 /// What a call was given, as far as a journal tells.
 struct CallDetails

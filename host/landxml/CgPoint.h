@@ -1,6 +1,8 @@
 // The coordinate geometry points of a LandXML document.
 #pragma once
 
+#include <afx.h>
+
 #include "host/landxml/PointFilter.h"
 #include "host/landxml/Survey.h"
 

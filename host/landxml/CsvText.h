@@ -1,6 +1,8 @@
 // Comma-separated values whose columns have names: what must be seen to before the parser is given the text.
 #pragma once
 
+#include <afx.h>
+
 #include "host/Console.h"
 
 #include <string>

@@ -1,6 +1,8 @@
 // An element of a new document and what is put into it, each child on a line of its own.
 #pragma once
 
+#include <afx.h>
+
 #include "xml/XmlDocument.h"
 #include "xml/XmlNodes.h"
 #include "xml/XmlValues.h"

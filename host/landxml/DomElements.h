@@ -1,6 +1,8 @@
 // A walk over the elements of a loaded document by their local names.
 #pragma once
 
+#include <afx.h>
+
 #include "xml/Msxml2.h"
 #include "xml/XmlNodes.h"
 

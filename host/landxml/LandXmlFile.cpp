@@ -1,12 +1,11 @@
 #include "host/landxml/LandXmlFile.h"
 
+#include "geometry/QuonFaceReader.h"
 #include "host/Console.h"
 #include "host/landxml/CsvText.h"
 #include "host/landxml/DomElements.h"
 #include "host/landxml/NumberText.h"
 #include "host/landxml/Steps.h"
-
-#include "geometry/QuonFaceReader.h"
 #include "xml/QuonXml.h"
 #include "xml/XmlNodes.h"
 

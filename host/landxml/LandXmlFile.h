@@ -1,8 +1,9 @@
 // Reads what a LandXML document of versions 1.0 to 1.2 holds.
 #pragma once
 
-#include "host/landxml/CgPoint.h"
+#include <afx.h>
 
+#include "host/landxml/CgPoint.h"
 #include "xml/Msxml2.h"
 
 #include <array>

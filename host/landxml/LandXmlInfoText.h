@@ -1,10 +1,11 @@
 // What `quonhost landxml info` prints.
 #pragma once
 
+#include <afx.h>
+
 #include "host/landxml/LandXmlFile.h"
 
 #include <nlohmann/json_fwd.hpp>
-
 #include <string>
 #include <vector>
 

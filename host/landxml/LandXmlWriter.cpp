@@ -1,12 +1,11 @@
 #include "host/landxml/LandXmlWriter.h"
 
+#include "geometry/QuonFaceReader.h"
+#include "geometry/QuonPointReader.h"
 #include "host/Console.h"
 #include "host/landxml/DomBranch.h"
 #include "host/landxml/NumberText.h"
 #include "host/landxml/Steps.h"
-
-#include "geometry/QuonFaceReader.h"
-#include "geometry/QuonPointReader.h"
 #include "xml/QuonXml.h"
 
 #include <algorithm>

@@ -1,8 +1,9 @@
 // Writes a survey as a LandXML 1.0 document.
 #pragma once
 
-#include "host/landxml/Survey.h"
+#include <afx.h>
 
+#include "host/landxml/Survey.h"
 #include "paths/QuonPath.h"
 
 #include <string>

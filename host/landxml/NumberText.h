@@ -1,6 +1,8 @@
 // Numbers as the text of survey files carries them: a point as decimal separator whatever the locale, no digit lost.
 #pragma once
 
+#include <afx.h>
+
 #include <optional>
 #include <string>
 #include <string_view>

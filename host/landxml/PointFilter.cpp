@@ -1,7 +1,6 @@
 #include "host/landxml/PointFilter.h"
 
 #include "host/Console.h"
-
 #include "points/QuonPointString.h"
 
 #include <algorithm>

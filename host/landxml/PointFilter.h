@@ -1,6 +1,8 @@
 // Which point numbers a list of points names.
 #pragma once
 
+#include <afx.h>
+
 #include <string>
 #include <utility>
 #include <vector>

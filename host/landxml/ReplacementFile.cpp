@@ -1,8 +1,8 @@
 #include "host/landxml/ReplacementFile.h"
 
-#include "host/Console.h"
-
 #include <afx.h>
+
+#include "host/Console.h"
 
 #include <string>
 

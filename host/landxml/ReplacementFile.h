@@ -1,6 +1,8 @@
 // A file that takes the place of another only when it is whole.
 #pragma once
 
+#include <afx.h>
+
 #include "paths/QuonPath.h"
 
 namespace quonhost

@@ -1,8 +1,9 @@
 // The steps of a long piece of work, told to whoever watches.
 #pragma once
 
-#include "host/Console.h"
+#include <afx.h>
 
+#include "host/Console.h"
 #include "support/Progress.h"
 
 namespace quonhost

@@ -1,6 +1,8 @@
 // What a survey is made of.
 #pragma once
 
+#include <afx.h>
+
 #include <array>
 #include <optional>
 #include <string>

@@ -5,6 +5,8 @@
 // is known in the plan only), code may be empty or, as the last column, missing.
 #pragma once
 
+#include <afx.h>
+
 #include "host/landxml/Survey.h"
 
 #include <string>

@@ -1,6 +1,8 @@
 // What an XML document can hold.
 #pragma once
 
+#include <afx.h>
+
 #include <string>
 
 namespace quonhost

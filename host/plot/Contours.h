@@ -1,6 +1,8 @@
 // Lines of one elevation on a surface of triangles.
 #pragma once
 
+#include <afx.h>
+
 #include "host/plot/PlotModel.h"
 
 namespace quonhost

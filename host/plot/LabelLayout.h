@@ -1,6 +1,8 @@
 // Places for texts that do not cover each other.
 #pragma once
 
+#include <afx.h>
+
 #include <cstddef>
 #include <unordered_map>
 #include <vector>

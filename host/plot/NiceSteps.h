@@ -1,6 +1,8 @@
 // Round numbers for scales, grids and contours.
 #pragma once
 
+#include <afx.h>
+
 #include <string>
 #include <vector>
 

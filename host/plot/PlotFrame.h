@@ -1,6 +1,8 @@
 // From places of the ground to places of the picture.
 #pragma once
 
+#include <afx.h>
+
 #include "host/plot/PlotModel.h"
 
 #include <optional>

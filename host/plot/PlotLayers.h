@@ -1,6 +1,8 @@
 // The layers of a plot, each drawn over those before it.
 #pragma once
 
+#include <afx.h>
+
 #include "host/plot/LabelLayout.h"
 #include "host/plot/PlotFrame.h"
 #include "host/plot/PlotLevels.h"

@@ -1,6 +1,8 @@
 // The elevations at which a surface gets contours and changes its tint.
 #pragma once
 
+#include <afx.h>
+
 #include "host/plot/PlotModel.h"
 #include "host/plot/Relief.h"
 

@@ -1,6 +1,8 @@
 // What a plot shows.
 #pragma once
 
+#include <afx.h>
+
 #include <array>
 #include <optional>
 #include <string>

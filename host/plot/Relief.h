@@ -1,6 +1,8 @@
 // The colours of a surface: by elevation, and lighter or darker as the light falls on it.
 #pragma once
 
+#include <afx.h>
+
 #include "host/plot/PlotModel.h"
 
 namespace quonhost

@@ -1,6 +1,8 @@
 // A site drawn to scale: relief, contours, points and what a reader needs to read them.
 #pragma once
 
+#include <afx.h>
+
 #include "host/plot/PlotModel.h"
 
 namespace quonhost

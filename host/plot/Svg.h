@@ -1,6 +1,8 @@
 // The text of an SVG picture.
 #pragma once
 
+#include <afx.h>
+
 #include <string>
 #include <string_view>
 

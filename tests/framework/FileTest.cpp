@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "framework/ThrowsPointer.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/TemporaryFolder.h"
 
 namespace
 {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "framework/ThrowsPointer.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/TemporaryFolder.h"
 
 namespace
 {

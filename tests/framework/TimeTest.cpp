@@ -10,8 +10,8 @@
 #include <type_traits>
 
 #include "framework/ThrowsPointer.h"
-#include "support/ImportPatch.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/ImportPatch.h"
+#include "helpers/TemporaryFolder.h"
 
 namespace
 {

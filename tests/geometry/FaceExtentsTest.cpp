@@ -1,7 +1,7 @@
 #include "geometry/QuonFaceReader.h"
 
 #include "geometry/Points.h"
-#include "support/Thorough.h"
+#include "helpers/Thorough.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "geometry/QuonFaceReader.h"
 
 #include "geometry/Faces.h"
-#include "support/AllocationCounter.h"
+#include "helpers/AllocationCounter.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 #include "geometry/QuonFaceReader.h"
 
 #include "geometry/Faces.h"
-#include "support/AllocationCounter.h"
-#include "support/Thorough.h"
+#include "helpers/AllocationCounter.h"
+#include "helpers/Thorough.h"
 
 #include <gtest/gtest.h>
 

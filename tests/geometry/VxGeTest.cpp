@@ -1,8 +1,8 @@
 #include "geometry/VxGe.h"
 
 #include "geometry/Points.h"
-#include "support/AllocationCounter.h"
-#include "support/Thorough.h"
+#include "helpers/AllocationCounter.h"
+#include "helpers/Thorough.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 #include "host/landxml/LandXmlWriter.h"
 #include "host/landxml/ReplacementFile.h"
 #include "support/Progress.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/TemporaryFolder.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "messaging/QuonCallback.h"
 
 #include "messaging/MessagingTestSupport.h"
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 
 #include <gtest/gtest.h>
 

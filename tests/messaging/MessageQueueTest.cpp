@@ -2,11 +2,11 @@
 
 #include "messaging/MessagingTestSupport.h"
 #include "messaging/QuonCallback.h"
-#include "support/AllocationCounter.h"
-#include "support/FailingAllocation.h"
-#include "support/HardLimit.h"
-#include "support/ImportPatch.h"
-#include "support/Thorough.h"
+#include "helpers/AllocationCounter.h"
+#include "helpers/FailingAllocation.h"
+#include "helpers/HardLimit.h"
+#include "helpers/ImportPatch.h"
+#include "helpers/Thorough.h"
 
 #include <gtest/gtest.h>
 

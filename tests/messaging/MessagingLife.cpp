@@ -1,6 +1,6 @@
 // A host whose plug-in uses the window server, a worker and a queue, and which then ends in the way that its argument
 // tells.
-#include "support/PluginHost.h"
+#include "helpers/PluginHost.h"
 
 int main()
 {

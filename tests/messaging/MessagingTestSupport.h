@@ -1,7 +1,7 @@
 // What the tests of threads and messages share: an event, a journal, and where a virtual function stands.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 #include <cstddef>
 #include <cstring>

@@ -1,10 +1,10 @@
 // How a server thread starts, ends and fails.
 #include "messaging/ServerThreadTestSupport.h"
-#include "module/QuonEllipsis.h"
-#include "support/AllocationCounter.h"
-#include "support/FailingAllocation.h"
-#include "support/HardLimit.h"
-#include "support/ImportPatch.h"
+#include "base/QuonEllipsis.h"
+#include "helpers/AllocationCounter.h"
+#include "helpers/FailingAllocation.h"
+#include "helpers/HardLimit.h"
+#include "helpers/ImportPatch.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

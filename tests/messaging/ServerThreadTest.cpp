@@ -1,7 +1,7 @@
 // What a server thread does with its handlers.
 #include "messaging/ServerThreadTestSupport.h"
-#include "support/HardLimit.h"
-#include "support/ImportPatch.h"
+#include "helpers/HardLimit.h"
+#include "helpers/ImportPatch.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "messaging/QuonSynchronizedSelector.h"
 
 #include "messaging/MessagingTestSupport.h"
-#include "support/AllocationCounter.h"
-#include "support/Thorough.h"
+#include "helpers/AllocationCounter.h"
+#include "helpers/Thorough.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -3,8 +3,8 @@
 #include "messaging/QuonWndMsgServer.h"
 
 #include "messaging/MessagingTestSupport.h"
-#include "support/ChildProcess.h"
-#include "support/ImportPatch.h"
+#include "helpers/ChildProcess.h"
+#include "helpers/ImportPatch.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -3,10 +3,10 @@
 #include "messaging/QuonWndMsgServer.h"
 
 #include "messaging/MessagingTestSupport.h"
-#include "module/QuonEllipsis.h"
-#include "support/AllocationCounter.h"
-#include "support/FailingAllocation.h"
-#include "support/ImportPatch.h"
+#include "base/QuonEllipsis.h"
+#include "helpers/AllocationCounter.h"
+#include "helpers/FailingAllocation.h"
+#include "helpers/ImportPatch.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

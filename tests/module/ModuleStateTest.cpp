@@ -2,7 +2,7 @@
 
 #include "module/ModuleStateInternal.h"
 
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 
 #include <gtest/gtest.h>
 

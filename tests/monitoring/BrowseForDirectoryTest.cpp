@@ -2,8 +2,8 @@
 
 #include "messaging/MessagingTestSupport.h"
 #include "reliability/Survival.h"
-#include "support/ImportPatch.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/ImportPatch.h"
+#include "helpers/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

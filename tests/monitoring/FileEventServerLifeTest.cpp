@@ -2,10 +2,10 @@
 // parts that are disabled otherwise.
 #include "monitoring/FakeFolders.h"
 
-#include "support/ChildProcess.h"
-#include "support/FailingAllocation.h"
-#include "support/OneFailure.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/ChildProcess.h"
+#include "helpers/FailingAllocation.h"
+#include "helpers/OneFailure.h"
+#include "helpers/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // Subscribing and unsubscribing, as callers see it.
 #include "monitoring/FakeFolders.h"
 
-#include "support/FailingAllocation.h"
+#include "helpers/FailingAllocation.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

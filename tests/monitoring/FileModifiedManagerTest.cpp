@@ -1,8 +1,8 @@
 #include "monitoring/QuonFileModifiedManager.h"
 
-#include "support/AllocationCounter.h"
-#include "support/ImportPatch.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/AllocationCounter.h"
+#include "helpers/ImportPatch.h"
+#include "helpers/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // A host whose plug-in watches a file, and which then ends in the way that its argument tells.
-#include "support/PluginHost.h"
+#include "helpers/PluginHost.h"
 
 int main()
 {

@@ -5,7 +5,7 @@
 #include "monitoring/QuonFileEventServer.h"
 
 #include "messaging/MessagingTestSupport.h"
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 
 #include <process.h>
 

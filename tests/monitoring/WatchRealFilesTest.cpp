@@ -1,7 +1,7 @@
 // The watcher on real folders. Each change takes it half a second, so these are few.
 #include "monitoring/MonitoringTestSupport.h"
 
-#include "support/TemporaryFolder.h"
+#include "helpers/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

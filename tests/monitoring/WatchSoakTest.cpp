@@ -2,9 +2,9 @@
 // stays open.
 #include "monitoring/MonitoringTestSupport.h"
 
-#include "support/HardLimit.h"
-#include "support/TemporaryFolder.h"
-#include "support/Thorough.h"
+#include "helpers/HardLimit.h"
+#include "helpers/TemporaryFolder.h"
+#include "helpers/Thorough.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

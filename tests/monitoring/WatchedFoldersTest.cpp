@@ -1,7 +1,7 @@
 // What the watcher thread does with subscriptions and changes, over folders that the test makes up.
 #include "monitoring/FakeFolders.h"
 
-#include "support/OneFailure.h"
+#include "helpers/OneFailure.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

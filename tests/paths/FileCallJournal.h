@@ -1,7 +1,7 @@
 // Watches the calls by which the library changes the file system, and makes chosen ones fail.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 #include <direct.h>
 #include <io.h>
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 
 namespace quon_test
 {

@@ -9,8 +9,8 @@
 
 #include "paths/FileCallJournal.h"
 #include "paths/FileOperations.h"
-#include "support/FolderListing.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/FolderListing.h"
+#include "helpers/TemporaryFolder.h"
 
 namespace
 {

@@ -8,10 +8,10 @@
 
 #include "paths/FileCallJournal.h"
 #include "paths/FileOperations.h"
-#include "support/FolderListing.h"
-#include "support/RandomTree.h"
-#include "support/SearchJournal.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/FolderListing.h"
+#include "helpers/RandomTree.h"
+#include "helpers/SearchJournal.h"
+#include "helpers/TemporaryFolder.h"
 
 namespace
 {

@@ -8,7 +8,7 @@
 
 #include "paths/PathTestSupport.h"
 #include "paths/QuonPath.h"
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 
 using quon_test::MakeForward;
 using quon_test::Repeated;

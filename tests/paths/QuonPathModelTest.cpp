@@ -7,7 +7,7 @@
 
 #include "paths/PathTestSupport.h"
 #include "paths/QuonPath.h"
-#include "support/Thorough.h"
+#include "helpers/Thorough.h"
 
 using quon_test::MakeForward;
 using quon_test::RandomTexts;

@@ -9,8 +9,8 @@
 
 #include "paths/PathTestSupport.h"
 #include "paths/QuonPath.h"
-#include "support/ImportPatch.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/ImportPatch.h"
+#include "helpers/TemporaryFolder.h"
 
 using quon_test::ImportPatch;
 using quon_test::TemporaryFolder;

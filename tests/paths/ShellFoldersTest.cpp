@@ -10,7 +10,7 @@
 #include "paths/PathTestSupport.h"
 #include "paths/QuonPath.h"
 #include "paths/WellKnownFolders.h"
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 
 using quon_test::ImportPatch;
 using quon_test::Repeated;

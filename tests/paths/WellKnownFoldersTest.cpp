@@ -13,7 +13,7 @@
 
 #include "paths/PathTestSupport.h"
 #include "paths/QuonPath.h"
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 
 using quon_test::ImportPatch;
 using quon_test::MakeForward;

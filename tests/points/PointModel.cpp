@@ -1,6 +1,6 @@
 #include "points/PointModel.h"
 
-#include <windows.h>
+#include <afx.h>
 
 #include <algorithm>
 #include <cstdio>

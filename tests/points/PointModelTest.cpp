@@ -5,7 +5,7 @@
 #include "points/QuonPointString.h"
 #include "points/QuonSortedPointString.h"
 #include "points/QuonUnsortedPointString.h"
-#include "support/Thorough.h"
+#include "helpers/Thorough.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include "points/QuonPointString.h"
 #include "points/QuonSortedPointString.h"
 
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 
 #include <gtest/gtest.h>
 

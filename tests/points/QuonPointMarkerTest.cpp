@@ -1,7 +1,7 @@
 #include "points/QuonPointMarker.h"
 
-#include "support/ImportPatch.h"
-#include "support/Thorough.h"
+#include "helpers/ImportPatch.h"
+#include "helpers/Thorough.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "points/PointTestSupport.h"
 
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 
 #include <gtest/gtest.h>
 

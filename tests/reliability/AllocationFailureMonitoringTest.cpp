@@ -8,7 +8,7 @@
 #include "monitoring/QuonFileEventServer.h"
 #include "monitoring/QuonFileModifiedManager.h"
 #include "reliability/Survival.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/TemporaryFolder.h"
 
 #include <string>
 #include <utility>

@@ -20,7 +20,7 @@
 #include "support/QuonPoolAllocator.h"
 #include "support/QuonTimer.h"
 #include "support/StringHelpers.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/TemporaryFolder.h"
 #include "support/TraceLog.h"
 #include "traversal/QuonFileTrees.h"
 #include "xml/NodeTestSupport.h"

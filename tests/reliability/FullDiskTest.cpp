@@ -5,9 +5,9 @@
 
 #include <string>
 
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 #include "support/QuonTimer.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/TemporaryFolder.h"
 #include "xml/QuonFileStream.h"
 
 namespace

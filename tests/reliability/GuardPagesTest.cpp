@@ -1,12 +1,12 @@
 // That the guard pages of a thorough run notice what they are there for.
-#include "support/GuardPages.h"
+#include <afx.h>
 
-#include <windows.h>
+#include "helpers/GuardPages.h"
 
 #include <gtest/gtest.h>
 
 #include "points/QuonPointMarker.h"
-#include "support/ChildProcess.h"
+#include "helpers/ChildProcess.h"
 
 namespace
 {

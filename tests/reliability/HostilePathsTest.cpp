@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "paths/FileOperations.h"
-#include "support/HardLimit.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/HardLimit.h"
+#include "helpers/TemporaryFolder.h"
 #include "traversal/QuonFileTrees.h"
 
 namespace

@@ -7,7 +7,7 @@
 
 #include "points/QuonSortedPointString.h"
 #include "points/QuonUnsortedPointString.h"
-#include "support/HardLimit.h"
+#include "helpers/HardLimit.h"
 
 namespace
 {

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "paths/FileOperations.h"
-#include "support/HardLimit.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/HardLimit.h"
+#include "helpers/TemporaryFolder.h"
 
 namespace
 {

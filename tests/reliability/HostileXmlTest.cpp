@@ -1,8 +1,8 @@
 // Documents that are large, deep or built to explode. What the parser makes of them is its own affair; the library must
 // hand its answer on, within bounds of time and memory, and must walk what was loaded.
-#include "xml/QuonXml.h"
+#include <afx.h>
 
-#include <windows.h>
+#include "xml/QuonXml.h"
 
 #include <psapi.h>
 
@@ -13,10 +13,10 @@
 #include <memory>
 #include <string>
 
-#include "support/HardLimit.h"
-#include "support/ImportPatch.h"
-#include "support/TemporaryFolder.h"
-#include "support/Thorough.h"
+#include "helpers/HardLimit.h"
+#include "helpers/ImportPatch.h"
+#include "helpers/TemporaryFolder.h"
+#include "helpers/Thorough.h"
 #include "xml/NodeTestSupport.h"
 #include "xml/XmlDocument.h"
 

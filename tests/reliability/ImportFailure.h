@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "support/TemporaryFolder.h"
+#include "helpers/TemporaryFolder.h"
 
 namespace quon_test::import_failure
 {

@@ -1,6 +1,6 @@
-#include "reliability/ImportFailure.h"
+#include <afx.h>
 
-#include <windows.h>
+#include "reliability/ImportFailure.h"
 
 #include "paths/FileOperations.h"
 #include "traversal/QuonBasicFileMatcher.h"

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "reliability/ImportFailure.h"
-#include "support/HardLimit.h"
-#include "support/OneFailure.h"
+#include "helpers/HardLimit.h"
+#include "helpers/OneFailure.h"
 #include "xml/XmlTestSupport.h"
 
 namespace

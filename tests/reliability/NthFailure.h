@@ -1,7 +1,7 @@
 // Memory that runs out at one place of an operation, and counts of what is taken from the heap and of open handles.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 #include <malloc.h>
 
@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 
 namespace quon_test
 {

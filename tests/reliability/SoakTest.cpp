@@ -11,10 +11,10 @@
 #include "messaging/QuonMessageQueue.h"
 #include "messaging/ServerThreadTestSupport.h"
 #include "reliability/NthFailure.h"
-#include "support/HardLimit.h"
-#include "support/ImportPatch.h"
+#include "helpers/HardLimit.h"
+#include "helpers/ImportPatch.h"
 #include "support/QuonPoolAllocator.h"
-#include "support/Thorough.h"
+#include "helpers/Thorough.h"
 
 namespace
 {

@@ -12,7 +12,7 @@
 #include <string>
 
 #include "reliability/NthFailure.h"
-#include "support/HardLimit.h"
+#include "helpers/HardLimit.h"
 
 namespace quon_test
 {

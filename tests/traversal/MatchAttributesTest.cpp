@@ -5,7 +5,7 @@
 #include <random>
 
 #include "traversal/QuonBasicFileMatcher.h"
-#include "support/Thorough.h"
+#include "helpers/Thorough.h"
 
 namespace
 {

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "support/TemporaryFolder.h"
+#include "helpers/TemporaryFolder.h"
 #include "traversal/QuonBasicFileMatcher.h"
 #include "traversal/Walk.h"
 

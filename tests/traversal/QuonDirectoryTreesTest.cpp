@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <memory>
 
-#include "support/FolderListing.h"
-#include "support/RandomTree.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/FolderListing.h"
+#include "helpers/RandomTree.h"
+#include "helpers/TemporaryFolder.h"
 #include "traversal/QuonDirectoryTrees.h"
 #include "traversal/Walk.h"
 

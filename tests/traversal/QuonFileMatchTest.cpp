@@ -9,8 +9,8 @@
 #include <new>
 #include <type_traits>
 
-#include "support/SearchJournal.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/SearchJournal.h"
+#include "helpers/TemporaryFolder.h"
 #include "traversal/QuonFileTrees.h"
 #include "traversal/Walk.h"
 

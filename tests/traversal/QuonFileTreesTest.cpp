@@ -4,10 +4,10 @@
 
 #include <algorithm>
 
-#include "support/FolderListing.h"
-#include "support/RandomTree.h"
-#include "support/SearchJournal.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/FolderListing.h"
+#include "helpers/RandomTree.h"
+#include "helpers/SearchJournal.h"
+#include "helpers/TemporaryFolder.h"
 #include "traversal/QuonFileTrees.h"
 #include "traversal/Walk.h"
 

@@ -7,9 +7,9 @@
 #include <memory>
 #include <new>
 
-#include "support/FailingAllocation.h"
-#include "support/SearchJournal.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/FailingAllocation.h"
+#include "helpers/SearchJournal.h"
+#include "helpers/TemporaryFolder.h"
 #include "traversal/QuonFileTrees.h"
 #include "traversal/Walk.h"
 

@@ -1,9 +1,9 @@
 #include "xml/ComHelpers.h"
 
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 #include "xml/DomFakes.h"
 #include "xml/XmlTestSupport.h"
-#include "support/Thorough.h"
+#include "helpers/Thorough.h"
 
 #include <ctime>
 #include <random>

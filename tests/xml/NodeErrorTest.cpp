@@ -1,8 +1,8 @@
 // The status texts for calls that fail, and the errors that pass through.
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 #include "xml/NodeFailureTestSupport.h"
 
-#include "module/QuonEllipsis.h"
+#include "base/QuonEllipsis.h"
 
 #include <cstdlib>
 #include <utility>

@@ -7,8 +7,8 @@
 #include <string>
 #include <type_traits>
 
-#include "support/ImportPatch.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/ImportPatch.h"
+#include "helpers/TemporaryFolder.h"
 
 namespace
 {

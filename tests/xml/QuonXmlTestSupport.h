@@ -1,8 +1,8 @@
 // The fixture of the tests of QuonXml: documents that forward, a parse error, message boxes answered at once.
 #pragma once
 
-#include "support/ImportPatch.h"
-#include "support/TemporaryFolder.h"
+#include "helpers/ImportPatch.h"
+#include "helpers/TemporaryFolder.h"
 #include "xml/DomFakes.h"
 #include "xml/QuonXml.h"
 #include "xml/XmlTestSupport.h"

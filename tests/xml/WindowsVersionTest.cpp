@@ -1,5 +1,5 @@
 // The version of the system, and 64-bit values on systems that have no variant for them.
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 #include "xml/DomFakes.h"
 #include "xml/XmlTestSupport.h"
 #include "xml/XmlValues.h"

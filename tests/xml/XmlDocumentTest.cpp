@@ -1,7 +1,7 @@
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 #include "xml/XmlDocumentTestSupport.h"
 
-#include "module/QuonEllipsis.h"
+#include "base/QuonEllipsis.h"
 #include "xml/ComHelpers.h"
 
 #include <ctime>

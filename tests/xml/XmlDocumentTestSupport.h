@@ -1,7 +1,7 @@
 // The fixture of the tests of documents as a whole.
 #pragma once
 
-#include "support/TemporaryFolder.h"
+#include "helpers/TemporaryFolder.h"
 #include "xml/DomFakes.h"
 #include "xml/XmlDocument.h"
 #include "xml/XmlTestSupport.h"

@@ -1,6 +1,6 @@
 // What the XML functions are given and what they make is given back, also when they fail half-way: every BSTR, and
 // every reference to the objects that they are handed.
-#include "support/ImportPatch.h"
+#include "helpers/ImportPatch.h"
 #include "xml/NodeTestSupport.h"
 #include "xml/QuonXml.h"
 #include "xml/XmlDocument.h"

@@ -1,7 +1,7 @@
 #include "xml/XmlValues.h"
 
-#include "support/ImportPatch.h"
-#include "support/Thorough.h"
+#include "helpers/ImportPatch.h"
+#include "helpers/Thorough.h"
 #include "xml/DomFakes.h"
 #include "xml/XmlTestSupport.h"
 
