@@ -50,8 +50,7 @@ void AddPrepared(const std::string& work, int size, const std::string& contender
                  std::function<void()> once)
 {
     // The library's way to stop its clock takes a tenth of a millisecond under Wine, which would count as work.
-    const auto body = [prepare = std::move(prepare), once = std::move(once), size](benchmark::State& state)
-    {
+    const auto body = [prepare = std::move(prepare), once = std::move(once), size](benchmark::State& state) {
         for (auto _ : state)
         {
             prepare();
@@ -68,9 +67,8 @@ void AddPrepared(const std::string& work, int size, const std::string& contender
 void AddWithin(const std::string& work, int size, const std::string& contender, std::function<void()> begin,
                std::function<void()> once, std::function<void()> end)
 {
-    const auto body =
-        [begin = std::move(begin), once = std::move(once), end = std::move(end), size](benchmark::State& state)
-    {
+    const auto body = [begin = std::move(begin), once = std::move(once), end = std::move(end),
+                       size](benchmark::State& state) {
         if (begin)
         {
             begin();

@@ -86,8 +86,7 @@ void AddOrder(const Work& work, const Names& names, int size, const std::string&
     const auto pointers = std::make_shared<std::vector<const wchar_t*>>();
     AddPrepared(
         work.name, size, contender,
-        [names, pointers, locale = work.locale]
-        {
+        [names, pointers, locale = work.locale] {
             // The contenders take turns: each brings its locale.
             std::setlocale(LC_COLLATE, locale);
             *pointers = Pointers(names);

@@ -33,10 +33,7 @@ std::vector<std::wstring> MakePaths(int count)
     static constexpr const wchar_t* kSeparators[] = {L"\\", L"\\", L"\\", L"/", L"\\\\"};
     static constexpr const wchar_t* kExtensions[] = {L".xml", L".csv", L".dwg", L".txt", L""};
     std::mt19937 random(42);
-    const auto pick = [&random](const auto& table)
-    {
-        return table[random() % std::size(table)];
-    };
+    const auto pick = [&random](const auto& table) { return table[random() % std::size(table)]; };
     std::vector<std::wstring> paths;
     for (int index = 0; index < count; ++index)
     {
@@ -62,48 +59,40 @@ void AddNormalize(const Texts& texts, int size)
         paths->emplace_back(text, 0);
     }
     // What is measured makes a path and puts it into normal form.
-    Add("Normalize", size, "quon",
-        [texts]
+    Add("Normalize", size, "quon", [texts] {
+        for (const std::wstring& text : *texts)
         {
-            for (const std::wstring& text : *texts)
-            {
-                QuonPath path(text, 0);
-                path.Normalize();
-                benchmark::DoNotOptimize(path);
-            }
-        });
-    Add("Normalize", size, "std::filesystem::path, lexically_normal",
-        [texts]
+            QuonPath path(text, 0);
+            path.Normalize();
+            benchmark::DoNotOptimize(path);
+        }
+    });
+    Add("Normalize", size, "std::filesystem::path, lexically_normal", [texts] {
+        for (const std::wstring& text : *texts)
         {
-            for (const std::wstring& text : *texts)
-            {
-                std::filesystem::path path = std::filesystem::path(text).lexically_normal();
-                benchmark::DoNotOptimize(path);
-            }
-        });
-    Add("Normalize", size, "PathCanonicalizeW (Wine)",
-        [texts]
+            std::filesystem::path path = std::filesystem::path(text).lexically_normal();
+            benchmark::DoNotOptimize(path);
+        }
+    });
+    Add("Normalize", size, "PathCanonicalizeW (Wine)", [texts] {
+        for (const std::wstring& text : *texts)
         {
-            for (const std::wstring& text : *texts)
-            {
-                wchar_t buffer[MAX_PATH];
-                benchmark::DoNotOptimize(::PathCanonicalizeW(buffer, text.c_str()));
-            }
-        });
+            wchar_t buffer[MAX_PATH];
+            benchmark::DoNotOptimize(::PathCanonicalizeW(buffer, text.c_str()));
+        }
+    });
     // Not in the import libraries of every compiler.
     const auto canonicalize = reinterpret_cast<PathCchCanonicalizeExFunction>(
         reinterpret_cast<void*>(::GetProcAddress(::LoadLibraryW(L"kernelbase.dll"), "PathCchCanonicalizeEx")));
     if (canonicalize != nullptr)
     {
-        Add("Normalize", size, "PathCchCanonicalizeEx (Wine)",
-            [texts, canonicalize]
+        Add("Normalize", size, "PathCchCanonicalizeEx (Wine)", [texts, canonicalize] {
+            for (const std::wstring& text : *texts)
             {
-                for (const std::wstring& text : *texts)
-                {
-                    wchar_t buffer[MAX_PATH];
-                    benchmark::DoNotOptimize(canonicalize(buffer, MAX_PATH, text.c_str(), 0));
-                }
-            });
+                wchar_t buffer[MAX_PATH];
+                benchmark::DoNotOptimize(canonicalize(buffer, MAX_PATH, text.c_str(), 0));
+            }
+        });
     }
 }
 
@@ -116,33 +105,27 @@ void AddAppend(const Texts& texts, int size)
         quonPaths->emplace_back(text, 0);
         stdPaths->emplace_back(text);
     }
-    Add("Append", size, "quon",
-        [quonPaths]
+    Add("Append", size, "quon", [quonPaths] {
+        for (const QuonPath& path : *quonPaths)
         {
-            for (const QuonPath& path : *quonPaths)
-            {
-                QuonPath joined = path + kTail;
-                benchmark::DoNotOptimize(joined);
-            }
-        });
-    Add("Append", size, "std::filesystem::path, operator/",
-        [stdPaths]
+            QuonPath joined = path + kTail;
+            benchmark::DoNotOptimize(joined);
+        }
+    });
+    Add("Append", size, "std::filesystem::path, operator/", [stdPaths] {
+        for (const std::filesystem::path& path : *stdPaths)
         {
-            for (const std::filesystem::path& path : *stdPaths)
-            {
-                std::filesystem::path joined = path / kTail;
-                benchmark::DoNotOptimize(joined);
-            }
-        });
-    Add("Append", size, "PathCombineW (Wine)",
-        [texts]
+            std::filesystem::path joined = path / kTail;
+            benchmark::DoNotOptimize(joined);
+        }
+    });
+    Add("Append", size, "PathCombineW (Wine)", [texts] {
+        for (const std::wstring& text : *texts)
         {
-            for (const std::wstring& text : *texts)
-            {
-                wchar_t buffer[MAX_PATH];
-                benchmark::DoNotOptimize(::PathCombineW(buffer, text.c_str(), kTail));
-            }
-        });
+            wchar_t buffer[MAX_PATH];
+            benchmark::DoNotOptimize(::PathCombineW(buffer, text.c_str(), kTail));
+        }
+    });
 }
 
 void AddSplit(const Texts& texts, int size)
@@ -155,52 +138,44 @@ void AddSplit(const Texts& texts, int size)
         stdPaths->emplace_back(text);
     }
     // Four parts of each path, into values that live on from path to path, as a loop over files has them.
-    Add("Split", size, "quon",
-        [quonPaths]
+    Add("Split", size, "quon", [quonPaths] {
+        QuonPath drive, directory, name, extension;
+        for (const QuonPath& path : *quonPaths)
+        {
+            path.Split(drive, directory, name, extension);
+            benchmark::DoNotOptimize(extension);
+        }
+    });
+    Add("Split", size, "std::filesystem::path, four parts", [stdPaths] {
+        std::filesystem::path drive, directory, name, extension;
+        for (const std::filesystem::path& path : *stdPaths)
+        {
+            drive = path.root_name();
+            directory = path.parent_path();
+            name = path.stem();
+            extension = path.extension();
+            benchmark::DoNotOptimize(extension);
+        }
+    });
+    Add("Split, into four fresh values", size, "quon", [quonPaths] {
+        for (const QuonPath& path : *quonPaths)
         {
             QuonPath drive, directory, name, extension;
-            for (const QuonPath& path : *quonPaths)
-            {
-                path.Split(drive, directory, name, extension);
-                benchmark::DoNotOptimize(extension);
-            }
-        });
-    Add("Split", size, "std::filesystem::path, four parts",
-        [stdPaths]
+            path.Split(drive, directory, name, extension);
+            benchmark::DoNotOptimize(extension);
+        }
+    });
+    Add("Split, into four fresh values", size, "std::filesystem::path, four parts", [stdPaths] {
+        for (const std::filesystem::path& path : *stdPaths)
         {
-            std::filesystem::path drive, directory, name, extension;
-            for (const std::filesystem::path& path : *stdPaths)
-            {
-                drive = path.root_name();
-                directory = path.parent_path();
-                name = path.stem();
-                extension = path.extension();
-                benchmark::DoNotOptimize(extension);
-            }
-        });
-    Add("Split, into four fresh values", size, "quon",
-        [quonPaths]
-        {
-            for (const QuonPath& path : *quonPaths)
-            {
-                QuonPath drive, directory, name, extension;
-                path.Split(drive, directory, name, extension);
-                benchmark::DoNotOptimize(extension);
-            }
-        });
-    Add("Split, into four fresh values", size, "std::filesystem::path, four parts",
-        [stdPaths]
-        {
-            for (const std::filesystem::path& path : *stdPaths)
-            {
-                std::filesystem::path drive = path.root_name(), directory = path.parent_path();
-                std::filesystem::path name = path.stem(), extension = path.extension();
-                benchmark::DoNotOptimize(drive);
-                benchmark::DoNotOptimize(directory);
-                benchmark::DoNotOptimize(name);
-                benchmark::DoNotOptimize(extension);
-            }
-        });
+            std::filesystem::path drive = path.root_name(), directory = path.parent_path();
+            std::filesystem::path name = path.stem(), extension = path.extension();
+            benchmark::DoNotOptimize(drive);
+            benchmark::DoNotOptimize(directory);
+            benchmark::DoNotOptimize(name);
+            benchmark::DoNotOptimize(extension);
+        }
+    });
 }
 
 bool HasDots(const std::wstring& text)

@@ -31,8 +31,7 @@ struct PointGroup
 /// Reads the group at `position` and moves behind it and its comma. Nothing is checked.
 inline PointGroup ReadGroup(const wchar_t*& position)
 {
-    const auto readNumber = [&position]
-    {
+    const auto readNumber = [&position] {
         unsigned long number = 0;
         for (; *position >= L'0' && *position <= L'9'; ++position)
         {

@@ -183,38 +183,30 @@ void AddSetPeer(const SharedInput& input, int size, const std::string& order, co
     Require(RemovePointsBy<Set>(input->text, none) == RemovePoints(input->text, none), "unique points by " + peer);
     Require(RemovePointsBy<Set>(input->text, input->removed) == RemovePoints(input->text, input->removed),
             "points left by " + peer);
-    Add("remove duplicates, " + order, size, peer,
-        [input]
-        {
-            std::wstring text = RemovePointsBy<Set>(input->text, {});
-            benchmark::DoNotOptimize(text);
-        });
-    Add("remove points, " + order, size, peer,
-        [input]
-        {
-            std::wstring text = RemovePointsBy<Set>(input->text, input->removed);
-            benchmark::DoNotOptimize(text);
-        });
+    Add("remove duplicates, " + order, size, peer, [input] {
+        std::wstring text = RemovePointsBy<Set>(input->text, {});
+        benchmark::DoNotOptimize(text);
+    });
+    Add("remove points, " + order, size, peer, [input] {
+        std::wstring text = RemovePointsBy<Set>(input->text, input->removed);
+        benchmark::DoNotOptimize(text);
+    });
 }
 
 void AddSetOperations(const SharedInput& input, int size, const std::string& order)
 {
     // A copy shares the text, so that what is measured begins with a text that is there, as it does for the peers.
     const auto source = std::make_shared<const QuonPointString>(input->text.c_str());
-    Add("remove duplicates, " + order, size, "quon",
-        [source]
-        {
-            QuonPointString points(*source);
-            points.RemoveDuplicates(TRUE);
-            benchmark::DoNotOptimize(points);
-        });
-    Add("remove points, " + order, size, "quon",
-        [source, input]
-        {
-            QuonPointString points(*source);
-            points.RemovePoints(input->removed.c_str(), TRUE);
-            benchmark::DoNotOptimize(points);
-        });
+    Add("remove duplicates, " + order, size, "quon", [source] {
+        QuonPointString points(*source);
+        points.RemoveDuplicates(TRUE);
+        benchmark::DoNotOptimize(points);
+    });
+    Add("remove points, " + order, size, "quon", [source, input] {
+        QuonPointString points(*source);
+        points.RemovePoints(input->removed.c_str(), TRUE);
+        benchmark::DoNotOptimize(points);
+    });
     AddSetPeer<RoaringSet>(input, size, order, "CRoaring 0.2.66");
     AddSetPeer<VectorBoolSet>(input, size, order, "std::vector<bool>");
     AddSetPeer<IntervalSet>(input, size, order, "boost::icl::interval_set 1.81");
@@ -226,8 +218,7 @@ template <typename Set>
 void AddSetOfPoints(const std::shared_ptr<const std::vector<unsigned long>>& numbers, int size,
                     const std::string& order, const std::string& contender)
 {
-    const auto markAll = [](const std::vector<unsigned long>& points)
-    {
+    const auto markAll = [](const std::vector<unsigned long>& points) {
         Set set;
         for (const unsigned long point : points)
         {
@@ -241,8 +232,7 @@ void AddSetOfPoints(const std::shared_ptr<const std::vector<unsigned long>>& num
         }
         return found;
     };
-    const auto expected = [](const std::vector<unsigned long>& points)
-    {
+    const auto expected = [](const std::vector<unsigned long>& points) {
         const std::set<unsigned long> set(points.begin(), points.end());
         std::size_t found = 0;
         for (const unsigned long point : points)
@@ -303,18 +293,14 @@ void AddFormat(const SharedInput& input, int size)
     Require(input->text == WriteByRunTime(input->groups), "a text written by the run-time");
     // The library finds the runs among its points; its peers have them.
     Add("format", size, "quon", [points] { points->UpdateText(); });
-    Add("format", size, "std::to_chars loop",
-        [input]
-        {
-            std::wstring text = Write(input->groups);
-            benchmark::DoNotOptimize(text);
-        });
-    Add("format", size, "swprintf loop (msvcrt)",
-        [input]
-        {
-            std::wstring text = WriteByRunTime(input->groups);
-            benchmark::DoNotOptimize(text);
-        });
+    Add("format", size, "std::to_chars loop", [input] {
+        std::wstring text = Write(input->groups);
+        benchmark::DoNotOptimize(text);
+    });
+    Add("format", size, "swprintf loop (msvcrt)", [input] {
+        std::wstring text = WriteByRunTime(input->groups);
+        benchmark::DoNotOptimize(text);
+    });
 }
 
 // One bit a point. The memory is fresh each time and given back, as it is for a set that lives for one operation.
@@ -323,29 +309,23 @@ void AddOneRange(int size)
     const std::wstring text = L"1-" + std::to_wstring(size);
     const auto bytes = static_cast<std::size_t>(size) / 8;
     Require(RemovePoints(text, {}) == text, "one range");
-    Add("remove duplicates, one range", size, "quon",
-        [text]
-        {
-            QuonPointString points(text.c_str());
-            points.RemoveDuplicates(TRUE);
-            benchmark::DoNotOptimize(points);
-        });
-    Add("remove duplicates, one range", size, "limit: memset of its bits",
-        [bytes]
-        {
-            void* const bits = std::malloc(bytes);
-            Require(bits != nullptr, "memory for one range");
-            std::memset(bits, 0xFF, bytes);
-            benchmark::DoNotOptimize(*static_cast<unsigned char*>(bits));
-            benchmark::ClobberMemory();
-            std::free(bits);
-        });
-    Add("remove duplicates, one range", size, "std::vector<bool>",
-        [text]
-        {
-            std::wstring written = RemovePointsBy<VectorBoolSet>(text, {});
-            benchmark::DoNotOptimize(written);
-        });
+    Add("remove duplicates, one range", size, "quon", [text] {
+        QuonPointString points(text.c_str());
+        points.RemoveDuplicates(TRUE);
+        benchmark::DoNotOptimize(points);
+    });
+    Add("remove duplicates, one range", size, "limit: memset of its bits", [bytes] {
+        void* const bits = std::malloc(bytes);
+        Require(bits != nullptr, "memory for one range");
+        std::memset(bits, 0xFF, bytes);
+        benchmark::DoNotOptimize(*static_cast<unsigned char*>(bits));
+        benchmark::ClobberMemory();
+        std::free(bits);
+    });
+    Add("remove duplicates, one range", size, "std::vector<bool>", [text] {
+        std::wstring written = RemovePointsBy<VectorBoolSet>(text, {});
+        benchmark::DoNotOptimize(written);
+    });
 }
 
 void AddContenders(const Sizes& sizes)

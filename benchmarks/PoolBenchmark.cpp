@@ -286,14 +286,8 @@ void AddPool(const std::string& bytes, int size, const std::string& contender)
     Add("bulk, " + bytes, size, contender, [crowd] { crowd->Bulk(); });
     Add("shuffled, " + bytes, size, contender, [crowd] { crowd->Shuffled(); });
 
-    const auto begin = [crowd]
-    {
-        crowd->KeepSome();
-    };
-    const auto end = [crowd]
-    {
-        crowd->ReturnKept();
-    };
+    const auto begin = [crowd] { crowd->KeepSome(); };
+    const auto end = [crowd] { crowd->ReturnKept(); };
     const std::string crowded = ", " + bytes + ", others in use";
     AddWithin(
         "bulk" + crowded, size, contender, begin, [crowd] { crowd->Bulk(); }, end);
@@ -348,8 +342,9 @@ void AddAll(const Sizes& sizes)
     EachPool<Bytes>([](const std::string& contender, auto type) { Check<typename decltype(type)::Pool>(contender); });
     for (const int size : sizes.UpTo(100000))
     {
-        EachPool<Bytes>([&](const std::string& contender, auto type)
-                        { AddPool<typename decltype(type)::Pool>(bytes, size, contender); });
+        EachPool<Bytes>([&](const std::string& contender, auto type) {
+            AddPool<typename decltype(type)::Pool>(bytes, size, contender);
+        });
     }
     // A page holds what is left behind its header.
     std::size_t elementSize = Bytes;

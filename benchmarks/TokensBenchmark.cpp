@@ -126,13 +126,11 @@ void AddContenders(const Sizes& sizes)
         const Text text = MakeList(size);
         Check(*text, size);
         const auto list = std::make_shared<const CString>(ToCString(*text));
-        Add("comma list", size, "quon",
-            [list]
-            {
-                CStringArray strings;
-                SplitByQuon(*list, strings);
-                benchmark::DoNotOptimize(strings);
-            });
+        Add("comma list", size, "quon", [list] {
+            CStringArray strings;
+            SplitByQuon(*list, strings);
+            benchmark::DoNotOptimize(strings);
+        });
         Add("comma list", size, kBoost, [text] { benchmark::DoNotOptimize(SplitByBoost(*text)); });
         Add("comma list", size, kRunTime, [text] { benchmark::DoNotOptimize(SplitByRunTime(*text)); });
 

@@ -118,24 +118,20 @@ void Check()
 
 void AddOutput(int size)
 {
-    Add("write one line", size, "quon",
-        [size]
+    Add("write one line", size, "quon", [size] {
+        for (int index = 0; index < size; ++index)
         {
-            for (int index = 0; index < size; ++index)
-            {
-                Trace(index);
-            }
-        });
+            Trace(index);
+        }
+    });
     wchar_t text[kLineSize];
     FormatByRunTime(text, L"%d points of layer %s", 12, kLayer);
-    Add("write one line", size, "limit: bare OutputDebugStringW, no formatting",
-        [size, line = std::wstring(text)]
+    Add("write one line", size, "limit: bare OutputDebugStringW, no formatting", [size, line = std::wstring(text)] {
+        for (int index = 0; index < size; ++index)
         {
-            for (int index = 0; index < size; ++index)
-            {
-                ::OutputDebugStringW(line.c_str());
-            }
-        });
+            ::OutputDebugStringW(line.c_str());
+        }
+    });
 }
 
 void AddFormatting(int size)
@@ -143,42 +139,35 @@ void AddFormatting(int size)
     const std::string work = "format one line";
     AddWithin(
         work, size, "quon", &SwallowLines,
-        [size]
-        {
+        [size] {
             for (int index = 0; index < size; ++index)
             {
                 Trace(index);
             }
         },
         &LetLinesThrough);
-    Add(work, size, "_vsnwprintf (msvcrt)",
-        [size]
+    Add(work, size, "_vsnwprintf (msvcrt)", [size] {
+        wchar_t line[kLineSize];
+        for (int index = 0; index < size; ++index)
         {
-            wchar_t line[kLineSize];
-            for (int index = 0; index < size; ++index)
-            {
-                benchmark::DoNotOptimize(FormatByRunTime(line, L"%d points of layer %s", index, kLayer));
-            }
-        });
-    Add(work, size, "fmt 9.1.0",
-        [size]
+            benchmark::DoNotOptimize(FormatByRunTime(line, L"%d points of layer %s", index, kLayer));
+        }
+    });
+    Add(work, size, "fmt 9.1.0", [size] {
+        fmt::wmemory_buffer line;
+        for (int index = 0; index < size; ++index)
         {
-            fmt::wmemory_buffer line;
-            for (int index = 0; index < size; ++index)
-            {
-                benchmark::DoNotOptimize(FormatByFmt(line, index));
-            }
-        });
-    Add(work, size, "spdlog 1.10.0, narrow and without the dots",
-        [size]
+            benchmark::DoNotOptimize(FormatByFmt(line, index));
+        }
+    });
+    Add(work, size, "spdlog 1.10.0, narrow and without the dots", [size] {
+        spdlog::pattern_formatter formatter("%g(%#): LOG TID=%t %v", spdlog::pattern_time_type::local, "\n");
+        spdlog::memory_buf_t line;
+        for (int index = 0; index < size; ++index)
         {
-            spdlog::pattern_formatter formatter("%g(%#): LOG TID=%t %v", spdlog::pattern_time_type::local, "\n");
-            spdlog::memory_buf_t line;
-            for (int index = 0; index < size; ++index)
-            {
-                benchmark::DoNotOptimize(FormatBySpdlog(formatter, line, index));
-            }
-        });
+            benchmark::DoNotOptimize(FormatBySpdlog(formatter, line, index));
+        }
+    });
 }
 
 void AddContenders(const Sizes& sizes)

@@ -96,14 +96,12 @@ public:
     {
         m_path[m_length] = L'\0';
         visit(m_path);
-        Search(FindExSearchLimitToDirectories,
-               [&](const WIN32_FIND_DATAW& data)
-               {
-                   if (IsFolder(data))
-                   {
-                       Enter(data.cFileName, [&] { VisitFolders(visit); });
-                   }
-               });
+        Search(FindExSearchLimitToDirectories, [&](const WIN32_FIND_DATAW& data) {
+            if (IsFolder(data))
+            {
+                Enter(data.cFileName, [&] { VisitFolders(visit); });
+            }
+        });
     }
 
     // Two searches a folder: the walk over the folders is ahead of the search for files, which may come to an end
@@ -112,32 +110,28 @@ public:
     void VisitFiles(DWORD attributes, const Visit& visit)
     {
         VisitFilesHere(attributes, visit);
-        Search(FindExSearchLimitToDirectories,
-               [&](const WIN32_FIND_DATAW& data)
-               {
-                   if (IsFolder(data))
-                   {
-                       Enter(data.cFileName, [&] { VisitFiles(attributes, visit); });
-                   }
-               });
+        Search(FindExSearchLimitToDirectories, [&](const WIN32_FIND_DATAW& data) {
+            if (IsFolder(data))
+            {
+                Enter(data.cFileName, [&] { VisitFiles(attributes, visit); });
+            }
+        });
     }
 
     // One search a folder, for both.
     template <typename Visit>
     void VisitFilesAtOnce(DWORD attributes, const Visit& visit)
     {
-        Search(FindExSearchNameMatch,
-               [&](const WIN32_FIND_DATAW& data)
-               {
-                   if (IsFolder(data))
-                   {
-                       Enter(data.cFileName, [&] { VisitFilesAtOnce(attributes, visit); });
-                   }
-                   else
-                   {
-                       VisitFile(data, attributes, visit);
-                   }
-               });
+        Search(FindExSearchNameMatch, [&](const WIN32_FIND_DATAW& data) {
+            if (IsFolder(data))
+            {
+                Enter(data.cFileName, [&] { VisitFilesAtOnce(attributes, visit); });
+            }
+            else
+            {
+                VisitFile(data, attributes, visit);
+            }
+        });
     }
 
 private:
@@ -242,47 +236,48 @@ void AddWalk(const std::string& work, int size, const std::string& contender, Pa
         expected = paths;
     }
     Require(!paths.empty() && paths == expected, work + " by " + contender);
-    Add(work, size, contender,
-        [tree, walk]
-        {
-            std::size_t length = 0;
-            walk(tree->root.Path(), CountLength{length});
-            benchmark::DoNotOptimize(length);
-        });
+    Add(work, size, contender, [tree, walk] {
+        std::size_t length = 0;
+        walk(tree->root.Path(), CountLength{length});
+        benchmark::DoNotOptimize(length);
+    });
 }
 
 void AddFolders(const SharedTree& tree, int size)
 {
     Paths expected;
-    const auto add = [&](const std::string& contender, const auto& walk)
-    {
+    const auto add = [&](const std::string& contender, const auto& walk) {
         AddWalk("folders", size, contender, expected, tree, walk);
     };
-    add("quon", [](const std::wstring& root, const auto& visit)
-        { VisitMatches<QuonBFSDirectoryTree>(root, kQuonMatchFolders, visit); });
+    add("quon", [](const std::wstring& root, const auto& visit) {
+        VisitMatches<QuonBFSDirectoryTree>(root, kQuonMatchFolders, visit);
+    });
     add("limit: bare loop", [](const std::wstring& root, const auto& visit) { BareLoop(root).VisitFolders(visit); });
-    add("std::filesystem", [](const std::wstring& root, const auto& visit)
-        { VisitByStandard<Facts::NameAndType>(root, true, false, visit); });
+    add("std::filesystem", [](const std::wstring& root, const auto& visit) {
+        VisitByStandard<Facts::NameAndType>(root, true, false, visit);
+    });
 }
 
 void AddFiles(const SharedTree& tree, int size, const std::string& work, unsigned int filter, DWORD attributes)
 {
     const bool readOnly = attributes != 0;
     Paths expected;
-    const auto add = [&](const std::string& contender, const auto& walk)
-    {
+    const auto add = [&](const std::string& contender, const auto& walk) {
         AddWalk(work, size, contender, expected, tree, walk);
     };
     add("quon",
         [filter](const std::wstring& root, const auto& visit) { VisitMatches<QuonBFSFileTree>(root, filter, visit); });
     add("limit: bare loop, two searches a folder",
         [attributes](const std::wstring& root, const auto& visit) { BareLoop(root).VisitFiles(attributes, visit); });
-    add("bare loop, one search a folder", [attributes](const std::wstring& root, const auto& visit)
-        { BareLoop(root).VisitFilesAtOnce(attributes, visit); });
-    add("std::filesystem, name and type", [readOnly](const std::wstring& root, const auto& visit)
-        { VisitByStandard<Facts::NameAndType>(root, false, readOnly, visit); });
-    add("std::filesystem, name, type and size", [readOnly](const std::wstring& root, const auto& visit)
-        { VisitByStandard<Facts::NameTypeAndSize>(root, false, readOnly, visit); });
+    add("bare loop, one search a folder", [attributes](const std::wstring& root, const auto& visit) {
+        BareLoop(root).VisitFilesAtOnce(attributes, visit);
+    });
+    add("std::filesystem, name and type", [readOnly](const std::wstring& root, const auto& visit) {
+        VisitByStandard<Facts::NameAndType>(root, false, readOnly, visit);
+    });
+    add("std::filesystem, name, type and size", [readOnly](const std::wstring& root, const auto& visit) {
+        VisitByStandard<Facts::NameTypeAndSize>(root, false, readOnly, visit);
+    });
 }
 
 void AddContenders(const Sizes& sizes)

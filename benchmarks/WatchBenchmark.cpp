@@ -125,10 +125,7 @@ public:
     // told. A run in which that happens is a slow one, and only the fastest counts.
     void Change()
     {
-        const auto areTold = [this]
-        {
-            return m_sink.sizes >= m_files.Paths().size();
-        };
+        const auto areTold = [this] { return m_sink.sizes >= m_files.Paths().size(); };
         for (int attempt = 0; attempt < kAttempts; ++attempt)
         {
             m_files.Grow();

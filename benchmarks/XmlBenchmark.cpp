@@ -155,18 +155,14 @@ void AddLoad(const SharedSurface& surface, int size)
 void AddFind(const SharedSurface& surface, int size)
 {
     Add("find by name", size, "quon", [surface] { benchmark::DoNotOptimize(surface->FindNodes()); });
-    Add("find by name", size, kBare,
-        [surface]
-        {
-            DomNodes found = FindByNameBare(surface->xml.m_pDoc, kPoint);
-            ReleaseAll(found);
-        });
-    Add("find by name", size, "getElementsByTagName",
-        [surface]
-        {
-            DomNodes found = FindByTagName(surface->xml.m_pDoc, surface->point);
-            ReleaseAll(found);
-        });
+    Add("find by name", size, kBare, [surface] {
+        DomNodes found = FindByNameBare(surface->xml.m_pDoc, kPoint);
+        ReleaseAll(found);
+    });
+    Add("find by name", size, "getElementsByTagName", [surface] {
+        DomNodes found = FindByTagName(surface->xml.m_pDoc, surface->point);
+        ReleaseAll(found);
+    });
     Add("find by name", size, kPugi, [surface] { benchmark::DoNotOptimize(surface->pugi.Find(kPoint)); });
     Add("find by name", size, kRapid, [surface] { benchmark::DoNotOptimize(surface->rapid.Find(kPoint)); });
 }

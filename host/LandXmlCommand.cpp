@@ -61,12 +61,10 @@ Survey ReadSurvey(const LandXmlOptions& options)
     }
     std::erase_if(survey.points, [&filter](const SurveyPoint& point) { return !filter.Contains(point.number); });
     // A face stays only with all of its points.
-    std::erase_if(survey.faces,
-                  [&filter](const SurveyFace& face)
-                  {
-                      return !std::all_of(face.begin(), face.end(),
-                                          [&filter](unsigned long number) { return filter.Contains(number); });
-                  });
+    std::erase_if(survey.faces, [&filter](const SurveyFace& face) {
+        return !std::all_of(face.begin(), face.end(),
+                            [&filter](unsigned long number) { return filter.Contains(number); });
+    });
     RequirePoints(survey.points, options);
     return survey;
 }
@@ -203,23 +201,21 @@ void SetLandXmlWork(CLI::App& command, const std::function<void()>& run)
 {
     auto progress = std::make_shared<bool>(false);
     command.add_flag("--progress", *progress, kProgressHelp);
-    command.callback(
-        [progress, run]
+    command.callback([progress, run] {
+        const ProgressBar bar(*progress || IsProgressVisible());
+        try
         {
-            const ProgressBar bar(*progress || IsProgressVisible());
-            try
-            {
-                run();
-            }
-            catch (const CString& status)
-            {
-                throw CommandError(std::wstring_view(status.GetString()));
-            }
-            catch (const _com_error& error)
-            {
-                throw CommandError(L"the XML parser failed: " + std::wstring(error.ErrorMessage()));
-            }
-        });
+            run();
+        }
+        catch (const CString& status)
+        {
+            throw CommandError(std::wstring_view(status.GetString()));
+        }
+        catch (const _com_error& error)
+        {
+            throw CommandError(L"the XML parser failed: " + std::wstring(error.ErrorMessage()));
+        }
+    });
 }
 
 void AddLandXmlCommand(CLI::App& app)

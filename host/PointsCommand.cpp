@@ -80,10 +80,9 @@ void PrintRanges(QuonPointString& points, const PointsOptions& options)
     if (options.json)
     {
         Json list = Json::array();
-        ForEachRange(points,
-                     [&list](unsigned long first, unsigned long last) {
-                         list.push_back(Json{{"first", first}, {"last", last}});
-                     });
+        ForEachRange(points, [&list](unsigned long first, unsigned long last) {
+            list.push_back(Json{{"first", first}, {"last", last}});
+        });
         PrintJson({{"ranges", std::move(list)}});
         return;
     }
@@ -92,16 +91,18 @@ void PrintRanges(QuonPointString& points, const PointsOptions& options)
         PrintLine(L"first,last");
     }
     const std::wstring gap = options.csv ? L"," : L" ";
-    ForEachRange(points, [&gap](unsigned long first, unsigned long last)
-                 { PrintLine(std::to_wstring(first) + gap + std::to_wstring(last)); });
+    ForEachRange(points, [&gap](unsigned long first, unsigned long last) {
+        PrintLine(std::to_wstring(first) + gap + std::to_wstring(last));
+    });
 }
 
 // The number of points that the walk hands out, descending ranges included, which GetPointCount is not made for.
 unsigned long long CountPoints(QuonPointString& points)
 {
     unsigned long long count = 0;
-    ForEachRange(points, [&count](unsigned long first, unsigned long last)
-                 { count += static_cast<unsigned long long>(first > last ? first - last : last - first) + 1; });
+    ForEachRange(points, [&count](unsigned long first, unsigned long last) {
+        count += static_cast<unsigned long long>(first > last ? first - last : last - first) + 1;
+    });
     return count;
 }
 
@@ -194,12 +195,10 @@ void AddPointsCommand(CLI::App& app)
         "--csv", options->csv, "Print comma-separated values with a header: every point, or with --ranges first,last");
     csv->excludes(valid)->excludes(count);
     AddJsonFlag(*command, options->json)->excludes(csv);
-    command->callback(
-        [options, remove]
-        {
-            options->hasRemove = remove->count() > 0;
-            RunPoints(*options);
-        });
+    command->callback([options, remove] {
+        options->hasRemove = remove->count() > 0;
+        RunPoints(*options);
+    });
 }
 
 }  // namespace quonhost

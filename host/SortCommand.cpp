@@ -67,9 +67,9 @@ void PrintSorted(const SortOptions& options)
     const auto compare = options.ignoreCase ? &CompareNaturalNoCase : &CompareNatural;
     // Linguistic collation and the digits of other scripts can make natural order no strict order; a merge sort stays
     // within its bounds even then.
-    std::stable_sort(lines.begin(), lines.end(),
-                     [compare](const std::wstring& a, const std::wstring& b)
-                     { return compare(a.c_str(), b.c_str()) < 0; });
+    std::stable_sort(lines.begin(), lines.end(), [compare](const std::wstring& a, const std::wstring& b) {
+        return compare(a.c_str(), b.c_str()) < 0;
+    });
     if (options.json)
     {
         PrintLinesAsJson(lines);

@@ -74,10 +74,7 @@ void PrintAsText(const SplitOptions& options, const Parts& parts)
 
 void PrintAsJson(const SplitOptions& options, const Parts& parts)
 {
-    const auto textOf = [](const QuonPath& path)
-    {
-        return JsonText(static_cast<const wchar_t*>(path));
-    };
+    const auto textOf = [](const QuonPath& path) { return JsonText(static_cast<const wchar_t*>(path)); };
     Json report = {{"drive", textOf(parts.drive)}, {"directory", textOf(parts.directory)},
                    {"title", textOf(parts.title)}, {"extension", textOf(parts.extension)},
                    {"components", Json::array()},  {"normal", textOf(parts.normal)}};

@@ -202,12 +202,10 @@ void AddWatchCommand(CLI::App& app)
                                      ->check(CLI::Range(0.0, 1e9).description(""))
                                      ->type_name("SECONDS");
     AddJsonFlag(*command, options->json)->description("Print a JSON object a line");
-    command->callback(
-        [options, seconds]
-        {
-            options->hasEnd = seconds->count() != 0;
-            WatchPaths(*options);
-        });
+    command->callback([options, seconds] {
+        options->hasEnd = seconds->count() != 0;
+        WatchPaths(*options);
+    });
 }
 
 }  // namespace quonhost

@@ -111,42 +111,38 @@ void QuonFileEventServerImpl::UnregisterMessages()
 HRESULT QuonFileEventServerImpl::Subscribe(const wchar_t* path, DWORD mask, QuonFileEventSink* sink,
                                            QuonFileEventId* id)
 {
-    return Guarded(E_FAIL,
-                   [&]
-                   {
-                       if (!m_watcher.IsRunning())
-                       {
-                           return E_FAIL;
-                       }
-                       std::unique_ptr<FileSubscription> subscription = MakeSubscription(path, mask);
-                       if (subscription == nullptr)
-                       {
-                           return E_OUTOFMEMORY;
-                       }
-                       if (!PostToThread(m_watcher.ThreadId(), kAdd, reinterpret_cast<LPARAM>(subscription.get())))
-                       {
-                           return ToFailure(::GetLastError());
-                       }
-                       // Posted, the record is the watcher's: only its address is of use here.
-                       const auto newId = reinterpret_cast<QuonFileEventId>(subscription.release());
-                       m_sinks[newId] = sink;
-                       *id = newId;
-                       return S_OK;
-                   });
+    return Guarded(E_FAIL, [&] {
+        if (!m_watcher.IsRunning())
+        {
+            return E_FAIL;
+        }
+        std::unique_ptr<FileSubscription> subscription = MakeSubscription(path, mask);
+        if (subscription == nullptr)
+        {
+            return E_OUTOFMEMORY;
+        }
+        if (!PostToThread(m_watcher.ThreadId(), kAdd, reinterpret_cast<LPARAM>(subscription.get())))
+        {
+            return ToFailure(::GetLastError());
+        }
+        // Posted, the record is the watcher's: only its address is of use here.
+        const auto newId = reinterpret_cast<QuonFileEventId>(subscription.release());
+        m_sinks[newId] = sink;
+        *id = newId;
+        return S_OK;
+    });
 }
 
 HRESULT QuonFileEventServerImpl::Unsubscribe(QuonFileEventId id)
 {
-    return Guarded(E_FAIL,
-                   [this, id]
-                   {
-                       m_sinks.erase(id);
-                       if (m_watcher.IsRunning())
-                       {
-                           PostToThread(m_watcher.ThreadId(), kRemove, static_cast<LPARAM>(id));
-                       }
-                       return S_OK;
-                   });
+    return Guarded(E_FAIL, [this, id] {
+        m_sinks.erase(id);
+        if (m_watcher.IsRunning())
+        {
+            PostToThread(m_watcher.ThreadId(), kRemove, static_cast<LPARAM>(id));
+        }
+        return S_OK;
+    });
 }
 
 void QuonFileEventServerImpl::Shutdown()
@@ -163,31 +159,29 @@ void QuonFileEventServerImpl::OnMessage(const WndMsgRecord* message)
     {
         return;
     }
-    Guarded(0,
-            [&]
+    Guarded(0, [&] {
+        switch (message->message)
+        {
+            case kChanged:
+                CallForEachBit(id, message->wParam);
+                break;
+            case kReserved1:
+                sink->OnReservedEvent1(&id);
+                break;
+            case kReserved2:
+                sink->OnReservedEvent2(&id);
+                break;
+            case kWatchFailed:
             {
-                switch (message->message)
-                {
-                    case kChanged:
-                        CallForEachBit(id, message->wParam);
-                        break;
-                    case kReserved1:
-                        sink->OnReservedEvent1(&id);
-                        break;
-                    case kReserved2:
-                        sink->OnReservedEvent2(&id);
-                        break;
-                    case kWatchFailed:
-                    {
-                        const auto error = static_cast<DWORD>(message->wParam);
-                        sink->OnWatchFailed(&id, &error);
-                        break;
-                    }
-                    default:
-                        break;
-                }
-                return 0;
-            });
+                const auto error = static_cast<DWORD>(message->wParam);
+                sink->OnWatchFailed(&id, &error);
+                break;
+            }
+            default:
+                break;
+        }
+        return 0;
+    });
 }
 
 void QuonFileEventServerImpl::CallForEachBit(QuonFileEventId id, WPARAM changes) const

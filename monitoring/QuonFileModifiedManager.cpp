@@ -70,9 +70,9 @@ bool QuonFileModifiedManager::IsFileModified(CString path)
     }
     std::list<QuonFileModifiedStatus>& files = RememberedFiles();
     const QuonFileModifiedStatus status(read);
-    const auto known = std::find_if(files.begin(), files.end(),
-                                    [&path](const QuonFileModifiedStatus& file)
-                                    { return path.CompareNoCase(file.m_szFullName) == 0; });
+    const auto known = std::find_if(files.begin(), files.end(), [&path](const QuonFileModifiedStatus& file) {
+        return path.CompareNoCase(file.m_szFullName) == 0;
+    });
     if (known != files.end())
     {
         if (known->m_mtime == status.m_mtime)

@@ -180,8 +180,7 @@ void QuonPath::GetComponents(std::list<QuonPath>& components) const
     const CString text = m_path;
     const wchar_t separator = *m_separator;
     components.clear();
-    const auto add = [&components](std::wstring_view component)
-    {
+    const auto add = [&components](std::wstring_view component) {
         if (!component.empty())
         {
             SetText(components.emplace_back().m_path, component);

@@ -200,11 +200,9 @@ void WriteSortedPoints(const QuonPointMarker& points, PointTextWriter& writer)
     const unsigned char* const bits = QuonPointMarkerAccess::Bytes(points);
     const std::uint64_t count = QuonPointMarkerAccess::CountBits(points);
     const unsigned long first = points.GetFirstNumber();
-    ForEachRun(
-        bits, count,
-        [&writer, first](std::uint64_t from, std::uint64_t to) {
-            writer.WriteRange({first + static_cast<unsigned long>(from), first + static_cast<unsigned long>(to - 1)});
-        });
+    ForEachRun(bits, count, [&writer, first](std::uint64_t from, std::uint64_t to) {
+        writer.WriteRange({first + static_cast<unsigned long>(from), first + static_cast<unsigned long>(to - 1)});
+    });
 }
 
 void UnsortedPointLayout::Add(unsigned long point)

@@ -198,13 +198,11 @@ void WriteUnsortedUnique(const CString& text, PointTextWriter& writer)
     UnsortedPointLayout layout(writer);
     // A range is marked when another one follows: the last one needs no room.
     PointRange previous{0, 0};
-    ForEachRange(text, static_cast<std::size_t>(text.GetLength()),
-                 [&](PointRange range)
-                 {
-                     mark(previous);
-                     AddUnmarked(seen, range, layout);
-                     previous = range;
-                 });
+    ForEachRange(text, static_cast<std::size_t>(text.GetLength()), [&](PointRange range) {
+        mark(previous);
+        AddUnmarked(seen, range, layout);
+        previous = range;
+    });
     layout.Finish();
 }
 

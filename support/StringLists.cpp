@@ -190,8 +190,7 @@ void PutListItem(const CString& item, const CString& separator, int index, CStri
     bool placed = false;
     // Whether a separator is due is decided by the count of elements read, not by what was written: stray separators
     // are part of the result.
-    const auto append = [&](std::wstring_view text)
-    {
+    const auto append = [&](std::wstring_view text) {
         if (i != 0)
         {
             work += between;

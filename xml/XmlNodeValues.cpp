@@ -135,34 +135,24 @@ CStringArray* ReadValuePath(const IXMLDOMDocumentPtr& document, const CString& c
 
 auto RootByName(const CString& name)
 {
-    return [&name](const IXMLDOMNodeListPtr& nodes)
-    {
-        return FindFirstNodeByName(nodes, name, true);
-    };
+    return [&name](const IXMLDOMNodeListPtr& nodes) { return FindFirstNodeByName(nodes, name, true); };
 }
 
 auto RootByText(const CString& name, const CString& text)
 {
-    return [&name, &text](const IXMLDOMNodeListPtr& nodes)
-    {
-        return FindNodeByNameAndText(nodes, name, text, true);
-    };
+    return [&name, &text](const IXMLDOMNodeListPtr& nodes) { return FindNodeByNameAndText(nodes, name, text, true); };
 }
 
 auto RootByAttribute(const CString& name, const CString& attribute, const CString& value)
 {
-    return [&name, &attribute, &value](const IXMLDOMNodeListPtr& nodes)
-    {
+    return [&name, &attribute, &value](const IXMLDOMNodeListPtr& nodes) {
         return FirstNodeWithAttribute(nodes, name, attribute, value);
     };
 }
 
 auto ValuesOf(const CString& attribute)
 {
-    return [&attribute](const QuonNodeArray* nodes)
-    {
-        return GetAttributeValuesOfNodes(nodes, attribute);
-    };
+    return [&attribute](const QuonNodeArray* nodes) { return GetAttributeValuesOfNodes(nodes, attribute); };
 }
 
 }  // namespace
@@ -181,17 +171,15 @@ CStringArray* GetTextsOfNodes(const QuonNodeArray* nodes)
 {
     Require(nodes != nullptr, L"pDesiredChildNodes is NULL!");
     Require(nodes->GetSize() != 0, L"DesiredChildNodesLen = 0!");
-    return StringsOfNodes(*nodes,
-                          [](IXMLDOMNode* node, CString& string)
-                          {
-                              DomText text;
-                              const HRESULT result = node->get_text(text.Out());
-                              if (FAILED(result))
-                              {
-                                  throw L"Exception on CurNode->get_nodeValue():\n" + FormatHResultText(result);
-                              }
-                              string = text.Get();
-                          });
+    return StringsOfNodes(*nodes, [](IXMLDOMNode* node, CString& string) {
+        DomText text;
+        const HRESULT result = node->get_text(text.Out());
+        if (FAILED(result))
+        {
+            throw L"Exception on CurNode->get_nodeValue():\n" + FormatHResultText(result);
+        }
+        string = text.Get();
+    });
 }
 
 CStringArray* GetAttributeValuesOfNodes(const QuonNodeArray* nodes, const CString& attribute)

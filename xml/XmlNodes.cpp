@@ -39,19 +39,17 @@ template <typename Matches>
 IXMLDOMNodePtr FindFirst(IXMLDOMNodeList* nodes, bool recursive, const Matches& matches)
 {
     IXMLDOMNodePtr found;
-    ForEachNode(nodes,
-                [&](const IXMLDOMNodePtr& node)
-                {
-                    if (matches(node))
-                    {
-                        found = node;
-                    }
-                    else if (recursive)
-                    {
-                        found = FindFirst(ChildrenToSearch(node), recursive, matches);
-                    }
-                    return !found;
-                });
+    ForEachNode(nodes, [&](const IXMLDOMNodePtr& node) {
+        if (matches(node))
+        {
+            found = node;
+        }
+        else if (recursive)
+        {
+            found = FindFirst(ChildrenToSearch(node), recursive, matches);
+        }
+        return !found;
+    });
     return found;
 }
 
@@ -89,20 +87,18 @@ private:
 
 void CollectByName(IXMLDOMNodeList* nodes, const wchar_t* name, bool recursive, NodeFiller& found)
 {
-    ForEachNode(nodes,
-                [&](IXMLDOMNodePtr& held)
-                {
-                    IXMLDOMNode* const node = held;
-                    if (HasName(node, name))
-                    {
-                        found.Take(held);
-                    }
-                    if (recursive)
-                    {
-                        CollectByName(ChildrenToSearch(node), name, recursive, found);
-                    }
-                    return true;
-                });
+    ForEachNode(nodes, [&](IXMLDOMNodePtr& held) {
+        IXMLDOMNode* const node = held;
+        if (HasName(node, name))
+        {
+            found.Take(held);
+        }
+        if (recursive)
+        {
+            CollectByName(ChildrenToSearch(node), name, recursive, found);
+        }
+        return true;
+    });
 }
 
 struct AttributeCondition
@@ -153,21 +149,19 @@ bool MeetsAll(IXMLDOMNode* node, const std::vector<AttributeCondition>& conditio
 void CollectByAttributes(IXMLDOMNodeList* nodes, const wchar_t* name, const std::vector<AttributeCondition>& conditions,
                          bool recursive, QuonNodeArray& result)
 {
-    ForEachNode(nodes,
-                [&](const IXMLDOMNodePtr& node)
-                {
-                    DomText nodeName;
-                    RequireResult(node->get_nodeName(nodeName.Out()));
-                    if (std::wcscmp(nodeName.Get(), name) == 0 && MeetsAll(node, conditions))
-                    {
-                        AddWithReference(result, node);
-                    }
-                    if (recursive)
-                    {
-                        CollectByAttributes(ChildrenToSearch(node), name, conditions, recursive, result);
-                    }
-                    return true;
-                });
+    ForEachNode(nodes, [&](const IXMLDOMNodePtr& node) {
+        DomText nodeName;
+        RequireResult(node->get_nodeName(nodeName.Out()));
+        if (std::wcscmp(nodeName.Get(), name) == 0 && MeetsAll(node, conditions))
+        {
+            AddWithReference(result, node);
+        }
+        if (recursive)
+        {
+            CollectByAttributes(ChildrenToSearch(node), name, conditions, recursive, result);
+        }
+        return true;
+    });
 }
 
 // Appends what `growing` lacks. `readKey(node, key)` says what makes two nodes the same and returns false for a node
@@ -234,17 +228,15 @@ void ReleaseNodeArray(QuonNodeArray* nodes)
 
 IXMLDOMNodeListPtr GetDocumentChildNodes(const IXMLDOMDocumentPtr& document)
 {
-    return ReportingComErrors(
-        [&]
-        {
-            Require(document, L"pDoc is NULL!");
-            IXMLDOMNodeListPtr nodes;
-            document->get_childNodes(&nodes);
-            Require(nodes, L"get_childNodes failed!");
-            // The length tells whether the list can be read at all.
-            GetLength(nodes);
-            return nodes;
-        });
+    return ReportingComErrors([&] {
+        Require(document, L"pDoc is NULL!");
+        IXMLDOMNodeListPtr nodes;
+        document->get_childNodes(&nodes);
+        Require(nodes, L"get_childNodes failed!");
+        // The length tells whether the list can be read at all.
+        GetLength(nodes);
+        return nodes;
+    });
 }
 
 IXMLDOMNodePtr FindFirstNodeByName(const IXMLDOMNodeListPtr& nodes, const CString& name, bool recursive)
@@ -259,20 +251,18 @@ IXMLDOMNodePtr FindFirstNodeByName(const IXMLDOMNodeListPtr& nodes, const CStrin
 
 QuonNodeArray* FindNodesByName(const IXMLDOMNodeListPtr& nodes, const CString& name, bool recursive)
 {
-    return ReportingComErrors(
-        [&]
+    return ReportingComErrors([&] {
+        OwnedNodeArray found(MakeArray<QuonNodeArray>());
+        Require(found != nullptr, L"pFound is NULL!");
+        BeginSearch(nodes);
+        if (GetLength(nodes) > 0)
         {
-            OwnedNodeArray found(MakeArray<QuonNodeArray>());
-            Require(found != nullptr, L"pFound is NULL!");
-            BeginSearch(nodes);
-            if (GetLength(nodes) > 0)
-            {
-                NodeFiller filler(*found);
-                CollectByName(nodes, name, recursive, filler);
-                filler.Finish();
-            }
-            return found.release();
-        });
+            NodeFiller filler(*found);
+            CollectByName(nodes, name, recursive, filler);
+            filler.Finish();
+        }
+        return found.release();
+    });
 }
 
 IXMLDOMNodePtr FindNodeByNameAndText(const IXMLDOMNodeListPtr& nodes, const CString& name, const CString& text,
@@ -341,10 +331,8 @@ void AddNodesByAttribute(QuonNodeArray* growing, const QuonNodeArray* toAdd, con
     Require(growing != nullptr, L"pGrowingNodes is NULL!");
     Require(toAdd != nullptr, L"pNodesToAdd is NULL!");
     const DomArgument name(attribute);
-    AppendMissing(*growing, *toAdd,
-                  [&](IXMLDOMNode* node, std::wstring& key)
-                  {
-                      key.assign(AttributeText(node, name).GetString());
-                      return true;
-                  });
+    AppendMissing(*growing, *toAdd, [&](IXMLDOMNode* node, std::wstring& key) {
+        key.assign(AttributeText(node, name).GetString());
+        return true;
+    });
 }

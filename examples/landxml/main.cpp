@@ -34,8 +34,7 @@ void ReadSurvey(const CString& fileName)
     QuonXml xml(fileName, false, false, false);
     xml.Load();
     // The caller owns the arrays: the nodes hold references, and go before the array does.
-    const auto release = [](QuonNodeArray* nodes)
-    {
+    const auto release = [](QuonNodeArray* nodes) {
         ReleaseNodeArray(nodes);
         delete nodes;
     };

@@ -95,8 +95,7 @@ int CStringW::Replace(PCXSTR pszOld, PCXSTR pszNew)
     result.Preallocate(GetLength());
     int count = 0;
     PCXSTR from = m_pszData;
-    const auto copy = [&result](PCXSTR source, int length)
-    {
+    const auto copy = [&result](PCXSTR source, int length) {
         const int before = result.GetLength();
         wmemcpy(result.GetBuffer(before + length) + before, source, static_cast<size_t>(length));
         result.ReleaseBufferSetLength(before + length);

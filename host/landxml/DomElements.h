@@ -71,14 +71,12 @@ void ForEachElement(MSXML2::IXMLDOMNode* parent, std::wstring_view name, const V
 inline MSXML2::IXMLDOMNodePtr FirstElement(MSXML2::IXMLDOMNode* parent, std::wstring_view name)
 {
     MSXML2::IXMLDOMNodePtr first;
-    ForEachElement(parent, name,
-                   [&first](const MSXML2::IXMLDOMNodePtr& element)
-                   {
-                       if (!first)
-                       {
-                           first = element;
-                       }
-                   });
+    ForEachElement(parent, name, [&first](const MSXML2::IXMLDOMNodePtr& element) {
+        if (!first)
+        {
+            first = element;
+        }
+    });
     return first;
 }
 

@@ -92,51 +92,43 @@ std::wstring VersionOf(const IXMLDOMNodePtr& root)
 template <typename Visit>
 void ForEachPointGroup(const IXMLDOMNodePtr& parent, const Visit& visit)
 {
-    ForEachElement(parent, L"CgPoints",
-                   [&](const IXMLDOMNodePtr& group)
-                   {
-                       visit(group);
-                       ForEachPointGroup(group, visit);
-                   });
+    ForEachElement(parent, L"CgPoints", [&](const IXMLDOMNodePtr& group) {
+        visit(group);
+        ForEachPointGroup(group, visit);
+    });
     ForEachElement(parent, L"Survey", [&](const IXMLDOMNodePtr& survey) { ForEachPointGroup(survey, visit); });
 }
 
 template <typename Visit>
 void ForEachPoint(const IXMLDOMNodePtr& root, const Visit& visit)
 {
-    ForEachPointGroup(root,
-                      [&](const IXMLDOMNodePtr& group)
-                      {
-                          Steps steps(CountChildren(group));
-                          ForEachElement(group, L"CgPoint",
-                                         [&](const IXMLDOMNodePtr& point)
-                                         {
-                                             visit(point);
-                                             steps.Advance();
-                                         });
-                          steps.Finish();
-                      });
+    ForEachPointGroup(root, [&](const IXMLDOMNodePtr& group) {
+        Steps steps(CountChildren(group));
+        ForEachElement(group, L"CgPoint", [&](const IXMLDOMNodePtr& point) {
+            visit(point);
+            steps.Advance();
+        });
+        steps.Finish();
+    });
 }
 
 // Adds the places of a surface's points to `places`; x is the easting, y the northing.
 void ReadSurfacePoints(const IXMLDOMNodePtr& points, VxGePoint3dArray& places, SurfaceInfo& info)
 {
     Steps steps(CountChildren(points));
-    ForEachElement(points, L"P",
-                   [&](const IXMLDOMNodePtr& point)
-                   {
-                       const std::optional<CgPlace> place = ParsePlace(View(MSXML2::GetText(point)));
-                       ++info.points;
-                       if (place && place->elevation)
-                       {
-                           places.Append({place->easting, place->northing, *place->elevation});
-                       }
-                       else
-                       {
-                           ++info.lostPoints;
-                       }
-                       steps.Advance();
-                   });
+    ForEachElement(points, L"P", [&](const IXMLDOMNodePtr& point) {
+        const std::optional<CgPlace> place = ParsePlace(View(MSXML2::GetText(point)));
+        ++info.points;
+        if (place && place->elevation)
+        {
+            places.Append({place->easting, place->northing, *place->elevation});
+        }
+        else
+        {
+            ++info.lostPoints;
+        }
+        steps.Advance();
+    });
     steps.Finish();
 }
 
@@ -160,13 +152,11 @@ std::optional<SurfaceExtents> ExtentsOf(const VxGePoint3dArray& places)
 void CountFaces(const IXMLDOMNodePtr& faces, SurfaceInfo& info)
 {
     Steps steps(CountChildren(faces));
-    ForEachElement(faces, L"F",
-                   [&](const IXMLDOMNodePtr& face)
-                   {
-                       ++info.faces;
-                       info.invisibleFaces += AttributeOf(face, L"i") == L"1" ? 1 : 0;
-                       steps.Advance();
-                   });
+    ForEachElement(faces, L"F", [&](const IXMLDOMNodePtr& face) {
+        ++info.faces;
+        info.invisibleFaces += AttributeOf(face, L"i") == L"1" ? 1 : 0;
+        steps.Advance();
+    });
     steps.Finish();
 }
 
@@ -175,14 +165,11 @@ SurfaceInfo ReadSurface(const IXMLDOMNodePtr& surface)
     SurfaceInfo info;
     info.name = AttributeOf(surface, L"name");
     VxGePoint3dArray places;
-    ForEachElement(surface, L"Definition",
-                   [&](const IXMLDOMNodePtr& definition)
-                   {
-                       ForEachElement(definition, L"Pnts",
-                                      [&](const IXMLDOMNodePtr& points) { ReadSurfacePoints(points, places, info); });
-                       ForEachElement(definition, L"Faces",
-                                      [&](const IXMLDOMNodePtr& faces) { CountFaces(faces, info); });
-                   });
+    ForEachElement(surface, L"Definition", [&](const IXMLDOMNodePtr& definition) {
+        ForEachElement(definition, L"Pnts",
+                       [&](const IXMLDOMNodePtr& points) { ReadSurfacePoints(points, places, info); });
+        ForEachElement(definition, L"Faces", [&](const IXMLDOMNodePtr& faces) { CountFaces(faces, info); });
+    });
     info.extents = ExtentsOf(places);
     return info;
 }
@@ -238,39 +225,32 @@ LandXmlInfo LandXmlFile::GetInfo() const
     LandXmlInfo info;
     static_cast<LandXmlHeading&>(info) = GetHeading();
     ForEachPoint(m_root, [&info](const IXMLDOMNodePtr&) { ++info.points; });
-    ForEachElement(m_root, L"Surfaces",
-                   [&info](const IXMLDOMNodePtr& surfaces)
-                   {
-                       ForEachElement(surfaces, L"Surface",
-                                      [&info](const IXMLDOMNodePtr& surface)
-                                      { info.surfaces.push_back(ReadSurface(surface)); });
-                   });
-    ForEachElement(m_root, L"Alignments",
-                   [&info](const IXMLDOMNodePtr& alignments)
-                   {
-                       ForEachElement(alignments, L"Alignment",
-                                      [&info](const IXMLDOMNodePtr& alignment)
-                                      { info.alignments.push_back(ReadAlignment(alignment)); });
-                   });
+    ForEachElement(m_root, L"Surfaces", [&info](const IXMLDOMNodePtr& surfaces) {
+        ForEachElement(surfaces, L"Surface",
+                       [&info](const IXMLDOMNodePtr& surface) { info.surfaces.push_back(ReadSurface(surface)); });
+    });
+    ForEachElement(m_root, L"Alignments", [&info](const IXMLDOMNodePtr& alignments) {
+        ForEachElement(alignments, L"Alignment", [&info](const IXMLDOMNodePtr& alignment) {
+            info.alignments.push_back(ReadAlignment(alignment));
+        });
+    });
     return info;
 }
 
 std::vector<CgPoint> LandXmlFile::ReadPoints() const
 {
     std::vector<CgPoint> points;
-    ForEachPoint(m_root,
-                 [&points](const IXMLDOMNodePtr& node)
-                 {
-                     CgPoint point;
-                     point.name = AttributeOf(node, L"name");
-                     point.code = AttributeOf(node, L"code");
-                     point.text = View(MSXML2::GetText(node));
-                     if (point.text.empty())
-                     {
-                         point.reference = AttributeOf(node, L"pntRef");
-                     }
-                     points.push_back(std::move(point));
-                 });
+    ForEachPoint(m_root, [&points](const IXMLDOMNodePtr& node) {
+        CgPoint point;
+        point.name = AttributeOf(node, L"name");
+        point.code = AttributeOf(node, L"code");
+        point.text = View(MSXML2::GetText(node));
+        if (point.text.empty())
+        {
+            point.reference = AttributeOf(node, L"pntRef");
+        }
+        points.push_back(std::move(point));
+    });
     return points;
 }
 

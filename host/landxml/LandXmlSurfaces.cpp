@@ -46,15 +46,12 @@ private:
     static void ForEachPart(const IXMLDOMNodePtr& node, const wchar_t* listName, const wchar_t* name,
                             const Visit& visit)
     {
-        const auto visitList = [&](const IXMLDOMNodePtr& list)
-        {
+        const auto visitList = [&](const IXMLDOMNodePtr& list) {
             Steps steps(CountChildren(list));
-            ForEachElement(list, name,
-                           [&](const IXMLDOMNodePtr& part)
-                           {
-                               visit(part);
-                               steps.Advance();
-                           });
+            ForEachElement(list, name, [&](const IXMLDOMNodePtr& part) {
+                visit(part);
+                steps.Advance();
+            });
             steps.Finish();
         };
         ForEachElement(node, L"Definition",
@@ -113,13 +110,10 @@ private:
 std::vector<LandXmlSurface> LandXmlFile::ReadSurfaces() const
 {
     std::vector<LandXmlSurface> surfaces;
-    ForEachElement(m_root, L"Surfaces",
-                   [&surfaces](const IXMLDOMNodePtr& list)
-                   {
-                       ForEachElement(list, L"Surface",
-                                      [&surfaces](const IXMLDOMNodePtr& node)
-                                      { surfaces.push_back(SurfaceReader(node).Take()); });
-                   });
+    ForEachElement(m_root, L"Surfaces", [&surfaces](const IXMLDOMNodePtr& list) {
+        ForEachElement(list, L"Surface",
+                       [&surfaces](const IXMLDOMNodePtr& node) { surfaces.push_back(SurfaceReader(node).Take()); });
+    });
     return surfaces;
 }
 

@@ -24,8 +24,7 @@ using CsvParser = io::CSVReader<kColumns, io::trim_chars<' ', '\t'>, io::double_
 template <typename Parser, typename Work>
 auto Telling(const CsvText& csv, const Parser& parser, const Work& work)
 {
-    const auto complaint = [&](const std::string& what)
-    {
+    const auto complaint = [&](const std::string& what) {
         return LineError(csv.file, csv.LineOfFile(parser.get_file_line()), what);
     };
     try
@@ -185,15 +184,14 @@ std::vector<SurveyPoint> ParsePoints(const std::string& name, std::string text)
 {
     const CsvText csv = PrepareCsv(name, std::move(text), {"number", "northing", "easting", "elevation", "code"});
     CsvParser<5> parser(name, csv.text.data(), csv.text.data() + csv.text.size());
-    Telling(csv, parser,
-            [&]
-            { parser.read_header(io::ignore_missing_column, "number", "northing", "easting", "elevation", "code"); });
+    Telling(csv, parser, [&] {
+        parser.read_header(io::ignore_missing_column, "number", "northing", "easting", "elevation", "code");
+    });
     RequireColumns<5>(csv, parser, {"number", "northing", "easting", "elevation"});
     std::vector<SurveyPoint> points;
     std::unordered_map<unsigned long, unsigned int> lines;
     Steps steps(csv.CountRows());
-    const auto readRow = [&](PointRow& row)
-    {
+    const auto readRow = [&](PointRow& row) {
         return parser.read_row(row.number, row.northing, row.easting, row.elevation, row.code);
     };
     for (PointRow row; Telling(csv, parser, [&] { return readRow(row); }); steps.Advance())
@@ -224,17 +222,15 @@ std::vector<SurveyFace> ParseFaces(const std::string& name, std::string text, co
     std::array<const char*, 3> row = {};
     while (Telling(csv, parser, [&] { return parser.read_row(row[0], row[1], row[2]); }))
     {
-        faces.push_back(AtLine(csv, csv.LineOfFile(parser.get_file_line()),
-                               [&]
-                               {
-                                   const SurveyPoint& a = index.Corner(row[0]);
-                                   const SurveyPoint& b = index.Corner(row[1]);
-                                   const SurveyPoint& c = index.Corner(row[2]);
-                                   RequireApart(a, b);
-                                   RequireApart(b, c);
-                                   RequireApart(c, a);
-                                   return SurveyFace{a.number, b.number, c.number};
-                               }));
+        faces.push_back(AtLine(csv, csv.LineOfFile(parser.get_file_line()), [&] {
+            const SurveyPoint& a = index.Corner(row[0]);
+            const SurveyPoint& b = index.Corner(row[1]);
+            const SurveyPoint& c = index.Corner(row[2]);
+            RequireApart(a, b);
+            RequireApart(b, c);
+            RequireApart(c, a);
+            return SurveyFace{a.number, b.number, c.number};
+        }));
         steps.Advance();
     }
     steps.Finish();

@@ -83,10 +83,7 @@ private:
 // Lines that were begun in their middle are joined to those that end there.
 void JoinLines(std::vector<ContourLine>& lines)
 {
-    const auto less = [](const PlanPoint& a, const PlanPoint& b)
-    {
-        return a.x != b.x ? a.x < b.x : a.y < b.y;
-    };
+    const auto less = [](const PlanPoint& a, const PlanPoint& b) { return a.x != b.x ? a.x < b.x : a.y < b.y; };
     std::map<PlanPoint, size_t, decltype(less)> byStart(less);
     for (size_t index = 0; index < lines.size(); ++index)
     {
@@ -173,8 +170,9 @@ std::vector<ContourLine> TraceContours(const PlotSurface& surface, double level)
     }
     JoinLines(lines);
     // A piece without length says nothing: the level only touches a corner there.
-    std::erase_if(lines, [](const ContourLine& line)
-                  { return std::all_of(line.begin(), line.end(), [&](const PlanPoint& p) { return p == line[0]; }); });
+    std::erase_if(lines, [](const ContourLine& line) {
+        return std::all_of(line.begin(), line.end(), [&](const PlanPoint& p) { return p == line[0]; });
+    });
     return lines;
 }
 

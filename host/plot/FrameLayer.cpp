@@ -68,10 +68,7 @@ double DrawRamp(SvgWriter& svg, double left, double top, const PlotLevels& level
     svg.Text(left, top, unit.empty() ? "Elevation" : "Elevation (" + unit + ")", "font-weight=\"bold\"");
     const double rampTop = top + kLegendTitle - 6;
     const double scale = levels.high > levels.low ? kRampHeight / (levels.high - levels.low) : 0;
-    const auto toY = [&](double level)
-    {
-        return rampTop + (levels.high - level) * scale;
-    };
+    const auto toY = [&](double level) { return rampTop + (levels.high - level) * scale; };
     for (size_t band = 0; band < levels.CountBands(); ++band)
     {
         const double upper = scale > 0 ? toY(std::min(levels.tints[band + 1], levels.high)) : rampTop;

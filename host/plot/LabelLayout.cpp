@@ -26,10 +26,7 @@ template <typename Visit>
 void LabelLayout::ForEachCell(const LabelBox& box, const Visit& visit) const
 {
     constexpr long long kRow = 1LL << 32;
-    const auto cellOf = [](double place)
-    {
-        return static_cast<long long>(std::floor(place / kCell));
-    };
+    const auto cellOf = [](double place) { return static_cast<long long>(std::floor(place / kCell)); };
     for (long long y = cellOf(box.top); y <= cellOf(box.bottom); ++y)
     {
         for (long long x = cellOf(box.left); x <= cellOf(box.right); ++x)
@@ -42,15 +39,13 @@ void LabelLayout::ForEachCell(const LabelBox& box, const Visit& visit) const
 bool LabelLayout::Take(const LabelBox& box)
 {
     bool isFree = IsWithin(box, m_area);
-    ForEachCell(box,
-                [&](long long cell)
-                {
-                    const auto found = m_cells.find(cell);
-                    for (size_t index = 0; isFree && found != m_cells.end() && index < found->second.size(); ++index)
-                    {
-                        isFree = !IsOverlapping(box, m_boxes[found->second[index]]);
-                    }
-                });
+    ForEachCell(box, [&](long long cell) {
+        const auto found = m_cells.find(cell);
+        for (size_t index = 0; isFree && found != m_cells.end() && index < found->second.size(); ++index)
+        {
+            isFree = !IsOverlapping(box, m_boxes[found->second[index]]);
+        }
+    });
     if (isFree)
     {
         Block(box);

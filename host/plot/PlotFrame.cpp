@@ -50,8 +50,7 @@ double PlotExtents::Longest() const
 std::optional<PlotExtents> ExtentsOf(const PlotModel& model)
 {
     std::optional<PlotExtents> extents;
-    const auto add = [&extents](double x, double y)
-    {
+    const auto add = [&extents](double x, double y) {
         if (!extents)
         {
             extents = {x, y, x, y};

@@ -236,10 +236,7 @@ TEST(CPtrArrayTest, AnswersALackOfMemoryWithTheMemoryException)
 TEST(CPtrArrayTest, DoesAsAStandardVectorDoes)
 {
     std::mt19937 random(20240503);
-    const auto upTo = [&random](INT_PTR bound)
-    {
-        return std::uniform_int_distribution<INT_PTR>(0, bound)(random);
-    };
+    const auto upTo = [&random](INT_PTR bound) { return std::uniform_int_distribution<INT_PTR>(0, bound)(random); };
     OpenPtrArray array;
     std::vector<void*> model;
     for (int step = 0; step < 20000; ++step)
@@ -348,10 +345,7 @@ TEST(CStringArrayTest, CopiesAppendsAndInsertsAnother)
 TEST(CStringArrayTest, DoesAsAStandardVectorDoes)
 {
     std::mt19937 random(20240504);
-    const auto upTo = [&random](INT_PTR bound)
-    {
-        return std::uniform_int_distribution<INT_PTR>(0, bound)(random);
-    };
+    const auto upTo = [&random](INT_PTR bound) { return std::uniform_int_distribution<INT_PTR>(0, bound)(random); };
     CStringArray array;
     std::vector<std::wstring> model;
     for (int step = 0; step < 5000; ++step)

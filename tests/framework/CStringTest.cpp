@@ -470,25 +470,23 @@ TEST(CStringTest, CountsItsCopiesAcrossThreads)
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i)
     {
-        threads.emplace_back(
-            [copy = original]
+        threads.emplace_back([copy = original] {
+            for (int n = 0; n < 100000; ++n)
             {
-                for (int n = 0; n < 100000; ++n)
+                CString first(copy);
+                CString second;
+                second = first;
+                CString third(static_cast<CString&&>(first));
+                CString none;
+                none = CString();
+                ASSERT_EQ(second.GetString(), copy.GetString());
+                if (n % 100 == 0)
                 {
-                    CString first(copy);
-                    CString second;
-                    second = first;
-                    CString third(static_cast<CString&&>(first));
-                    CString none;
-                    none = CString();
-                    ASSERT_EQ(second.GetString(), copy.GetString());
-                    if (n % 100 == 0)
-                    {
-                        third += L'x';
-                        ASSERT_EQ(third.GetLength(), 14);
-                    }
+                    third += L'x';
+                    ASSERT_EQ(third.GetLength(), 14);
                 }
-            });
+            }
+        });
     }
     for (std::thread& thread : threads)
     {

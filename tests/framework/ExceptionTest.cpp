@@ -62,12 +62,10 @@ TEST(ExceptionTest, UnwindDestroysTheFrames)
 {
     CString outer(L"shared");
     const wchar_t* characters = outer.GetString();
-    EXPECT_TRUE(Throws<CMemoryException>(
-        [&]
-        {
-            const CString copy(outer);
-            AfxThrowMemoryException();
-        }));
+    EXPECT_TRUE(Throws<CMemoryException>([&] {
+        const CString copy(outer);
+        AfxThrowMemoryException();
+    }));
     EXPECT_EQ(static_cast<const wchar_t*>(outer.GetBuffer()), characters);
 }
 

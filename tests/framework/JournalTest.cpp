@@ -101,13 +101,10 @@ TEST_F(JournalTest, TellsThreadsApart)
 {
     DWORD other = 0;
     AfxWinTerm();
-    std::thread(
-        [&]
-        {
-            other = GetCurrentThreadId();
-            AfxTermThread();
-        })
-        .join();
+    std::thread([&] {
+        other = GetCurrentThreadId();
+        AfxTermThread();
+    }).join();
     EXPECT_STREQ(QuonFrameworkJournal(), L"AfxWinTerm\nAfxTermThread");
     EXPECT_STREQ(QuonFrameworkJournal(GetCurrentThreadId()), L"AfxWinTerm");
     EXPECT_STREQ(QuonFrameworkJournal(other), L"AfxTermThread");

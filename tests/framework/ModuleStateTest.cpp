@@ -141,19 +141,16 @@ TEST(ModuleStateTest, TempMapLocksBelongToTheModule)
 TEST(ModuleStateTest, TerminationToleratesWhatWasNeverBegun)
 {
     AFX_EXTENSION_MODULE record = {};
-    std::thread(
-        [&]
-        {
-            AfxTermExtensionModule(record);
-            AfxUnlockTempMaps();
-            AfxTermThread(Fake(16));
-            AfxTermThread();
-            AfxTermThread();
-            AfxWinTerm();
-            AfxTermExtensionModule(record, TRUE);
-            EXPECT_EQ(AfxGetModuleState(), AfxGetAppModuleState());
-        })
-        .join();
+    std::thread([&] {
+        AfxTermExtensionModule(record);
+        AfxUnlockTempMaps();
+        AfxTermThread(Fake(16));
+        AfxTermThread();
+        AfxTermThread();
+        AfxWinTerm();
+        AfxTermExtensionModule(record, TRUE);
+        EXPECT_EQ(AfxGetModuleState(), AfxGetAppModuleState());
+    }).join();
     EXPECT_FALSE(record.bInitialized);
 }
 

@@ -206,8 +206,7 @@ TEST(FaceExtents, AreThoseOfThePlainLoopToTheBit)
         // Mostly few different values, so that equal ones (both zeros too) meet in every place of a run.
         const auto kind = random() % 4;
         const std::size_t count = random() % (round % 100 == 0 ? 5000 : 200);
-        const auto draw = [&]() -> double
-        {
+        const auto draw = [&]() -> double {
             switch (kind)
             {
                 case 0:

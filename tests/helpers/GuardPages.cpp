@@ -211,17 +211,13 @@ void ReplaceImports(const wchar_t* module)
     }
 }
 
-const bool isInstalled = []
-{
+const bool isInstalled = [] {
     if (::GetEnvironmentVariableW(L"QUON_GUARD_PAGES", nullptr, 0) == 0)
     {
         return false;
     }
     const HMODULE runtime = ::GetModuleHandleW(L"msvcrt.dll");
-    const auto plain = [runtime](const char* name)
-    {
-        return reinterpret_cast<void*>(::GetProcAddress(runtime, name));
-    };
+    const auto plain = [runtime](const char* name) { return reinterpret_cast<void*>(::GetProcAddress(runtime, name)); };
     plainMalloc = reinterpret_cast<Malloc>(plain("malloc"));
     plainRealloc = reinterpret_cast<Realloc>(plain("realloc"));
     plainFree = reinterpret_cast<Free>(plain("free"));

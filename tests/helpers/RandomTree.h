@@ -27,18 +27,11 @@ inline void FillRandomly(const TemporaryFolder& root, unsigned int seed, unsigne
                                         FILE_ATTRIBUTE_READONLY,
                                         FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM};
     std::mt19937 random(seed);
-    const auto below = [&random](std::size_t bound)
-    {
-        return static_cast<std::size_t>(random()) % bound;
-    };
-    const auto name = [&]
-    {
-        return std::wstring(kNames[below(std::size(kNames))]);
-    };
+    const auto below = [&random](std::size_t bound) { return static_cast<std::size_t>(random()) % bound; };
+    const auto name = [&] { return std::wstring(kNames[below(std::size(kNames))]); };
 
     std::vector<std::wstring> made{L""};
-    const auto inAny = [&](const std::wstring& entry)
-    {
+    const auto inAny = [&](const std::wstring& entry) {
         const std::wstring& parent = made[below(made.size())];
         return parent.empty() ? entry : parent + L"\\" + entry;
     };

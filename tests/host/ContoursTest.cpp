@@ -146,10 +146,7 @@ TEST(TraceContours, OnRoughGroundEveryPieceIsInALineThatEndsAtTheBorder)
             crossed += ContourOfTriangle(CornersOf(surface, triangle), 5).empty() ? 0 : 1;
         }
         size_t pieces = 0;
-        const auto isAtBorder = [](const PlanPoint& p)
-        {
-            return p.x == 0 || p.y == 0 || p.x == kSize || p.y == kSize;
-        };
+        const auto isAtBorder = [](const PlanPoint& p) { return p.x == 0 || p.y == 0 || p.x == kSize || p.y == kSize; };
         for (const ContourLine& line : TraceContours(surface, 5))
         {
             pieces += line.size() - 1;

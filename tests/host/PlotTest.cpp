@@ -144,10 +144,7 @@ TEST(PlotLevels, FlatGroundHasOneBandAndNoContours)
 
 TEST(Relief, LightComesFromTheNorthWest)
 {
-    const auto lightOn = [](double a, double b, double c)
-    {
-        return LightOn(Triangle(a, b, c))[0];
-    };
+    const auto lightOn = [](double a, double b, double c) { return LightOn(Triangle(a, b, c))[0]; };
     EXPECT_DOUBLE_EQ(lightOn(5, 5, 5), 1);
     EXPECT_GT(lightOn(0, 5, 0), 1) << "rises to the east, looks to the west";
     EXPECT_LT(lightOn(5, 0, 5), 1) << "looks to the east";

@@ -403,14 +403,12 @@ TEST(MessageQueueSoak, DeliversTenThousandMessagesOfEachOfFourProducersInTheirOr
     std::vector<std::thread> producers;
     for (int producer = 0; producer < kProducers; ++producer)
     {
-        producers.emplace_back(
-            [&queue, producer]
+        producers.emplace_back([&queue, producer] {
+            for (int number = 0; number < kMessages; ++number)
             {
-                for (int number = 0; number < kMessages; ++number)
-                {
-                    ASSERT_EQ(queue.Post(new Message(producer, number)), 0u);
-                }
-            });
+                ASSERT_EQ(queue.Post(new Message(producer, number)), 0u);
+            }
+        });
     }
     int next[kProducers] = {};
     for (int received = 0; received < kProducers * kMessages;)

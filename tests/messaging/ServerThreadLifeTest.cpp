@@ -393,10 +393,7 @@ TEST_F(ServerThreadLife, FreesTheBlockBeforeItMakesTheChange)
     std::vector<std::size_t> live;
     // No other thread of the library takes memory meanwhile.
     const AllocationCounter counter;
-    server.onChange = [&]
-    {
-        live.push_back(counter.GetLiveCount());
-    };
+    server.onChange = [&] { live.push_back(counter.GetLiveCount()); };
     EXPECT_EQ(server.AddHandler(&handler), 0u);
     ASSERT_TRUE(server.Settle());
     const std::size_t table = counter.GetLiveCount();

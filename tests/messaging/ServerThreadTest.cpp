@@ -60,21 +60,17 @@ TEST_F(ServerThreadHandlers, CallsTheLowestHandleOfTheTableFirstAndAgainWhileItI
     ASSERT_EQ(table.GetHandles(order), 3u);
 
     int callsOfFirst = 0;
-    TestHandler first(order[0], m_journal, "first",
-                      [&]
-                      {
-                          if (++callsOfFirst == 3)
-                          {
-                              ::ResetEvent(order[0]);
-                          }
-                      });
+    TestHandler first(order[0], m_journal, "first", [&] {
+        if (++callsOfFirst == 3)
+        {
+            ::ResetEvent(order[0]);
+        }
+    });
     TestHandler second(order[1], m_journal, "second", [&] { ::ResetEvent(order[1]); });
-    TestHandler third(order[2], m_journal, "third",
-                      [&]
-                      {
-                          ::ResetEvent(order[2]);
-                          done.Set();
-                      });
+    TestHandler third(order[2], m_journal, "third", [&] {
+        ::ResetEvent(order[2]);
+        done.Set();
+    });
     TestServer server;
     ASSERT_EQ(server.Start(), 0u);
     for (const Event& event : events)
@@ -191,17 +187,15 @@ TEST_F(ServerThreadHandlers, AreAddedAndRemovedFromManyThreads)
     std::vector<std::thread> threads;
     for (int thread = 0; thread < kThreads; ++thread)
     {
-        threads.emplace_back(
-            [&, thread]
+        threads.emplace_back([&, thread] {
+            for (int i = 0; i < kPerThread; ++i)
             {
-                for (int i = 0; i < kPerThread; ++i)
-                {
-                    TestHandler* const handler = handlers[static_cast<std::size_t>(thread * kPerThread + i)].get();
-                    EXPECT_EQ(server.AddHandler(handler), 0u);
-                    EXPECT_EQ(server.RemoveHandler(handler), 0u);
-                    EXPECT_EQ(server.AddHandler(handler), 0u);
-                }
-            });
+                TestHandler* const handler = handlers[static_cast<std::size_t>(thread * kPerThread + i)].get();
+                EXPECT_EQ(server.AddHandler(handler), 0u);
+                EXPECT_EQ(server.RemoveHandler(handler), 0u);
+                EXPECT_EQ(server.AddHandler(handler), 0u);
+            }
+        });
     }
     for (std::thread& thread : threads)
     {
@@ -224,13 +218,11 @@ TEST_F(ServerThreadHandlers, AreAddedAndRemovedFromTheServerThreadAtItsNextWait)
     TestServer server;
     TestHandler added(addedEvent.Handle(), m_journal, "added", [&] { called.Set(); });
     std::unique_ptr<TestHandler> handler;
-    handler = std::make_unique<TestHandler>(event.Handle(), m_journal, "handler",
-                                            [&]
-                                            {
-                                                EXPECT_EQ(server.AddHandler(&added), 0u);
-                                                EXPECT_EQ(server.RemoveHandler(handler.get()), 0u);
-                                                changesWithin = server.Changes().size();
-                                            });
+    handler = std::make_unique<TestHandler>(event.Handle(), m_journal, "handler", [&] {
+        EXPECT_EQ(server.AddHandler(&added), 0u);
+        EXPECT_EQ(server.RemoveHandler(handler.get()), 0u);
+        changesWithin = server.Changes().size();
+    });
     ASSERT_EQ(server.Start(), 0u);
     EXPECT_EQ(server.AddHandler(handler.get()), 0u);
     event.Set();
@@ -260,12 +252,10 @@ TEST_F(ServerThreadHandlers, AreCalledForAnAbandonedMutexAsForASignalledOne)
     const Event called;
     TestServer server;
     // The wait takes the mutex for the thread, and would take it again and again.
-    TestHandler handler(mutex, m_journal, "mutex",
-                        [&]
-                        {
-                            EXPECT_EQ(server.DoRemoveHandler(mutex), 0u);
-                            called.Set();
-                        });
+    TestHandler handler(mutex, m_journal, "mutex", [&] {
+        EXPECT_EQ(server.DoRemoveHandler(mutex), 0u);
+        called.Set();
+    });
     Abandon(mutex);
     ASSERT_EQ(server.Start(), 0u);
     EXPECT_EQ(server.AddHandler(&handler), 0u);
@@ -284,20 +274,17 @@ TEST_F(ServerThreadHandlers, AreToldAndDeletedAtTheEndOnlyWhenSignalled)
     {
         TestServer server;
         ASSERT_EQ(server.Start(), 0u);
-        server.End(
-            [&]
+        server.End([&] {
+            for (QuonServerEventHandler* handler :
+                 {static_cast<QuonServerEventHandler*>(quietHandler.get()),
+                  static_cast<QuonServerEventHandler*>(new TestHandler(manual.Handle(), m_journal, "manual")),
+                  static_cast<QuonServerEventHandler*>(new TestHandler(automatic.Handle(), m_journal, "automatic"))})
             {
-                for (QuonServerEventHandler* handler :
-                     {static_cast<QuonServerEventHandler*>(quietHandler.get()),
-                      static_cast<QuonServerEventHandler*>(new TestHandler(manual.Handle(), m_journal, "manual")),
-                      static_cast<QuonServerEventHandler*>(
-                          new TestHandler(automatic.Handle(), m_journal, "automatic"))})
-                {
-                    server.DoAddHandler(handler);
-                }
-                manual.Set();
-                automatic.Set();
-            });
+                server.DoAddHandler(handler);
+            }
+            manual.Set();
+            automatic.Set();
+        });
         std::vector<std::string> lines = m_journal.Lines();
         ASSERT_EQ(lines.size(), 6u);
         for (const std::string name : {"manual", "automatic"})
@@ -423,12 +410,10 @@ TEST(ServerThreadWait, ReadsTheResultsOfTheWait)
         {
             TestServer server;
             ASSERT_EQ(server.Start(), 0u);
-            ASSERT_TRUE(server.Do(
-                [&]
-                {
-                    server.DoAddHandler(&first);
-                    server.DoAddHandler(&second);
-                }));
+            ASSERT_TRUE(server.Do([&] {
+                server.DoAddHandler(&first);
+                server.DoAddHandler(&second);
+            }));
             // Not Settle: its call may run together with the one before, without a wait between them.
             ASSERT_TRUE(ran.Wait());
         }

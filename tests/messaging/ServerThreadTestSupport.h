@@ -41,12 +41,10 @@ public:
     bool Do(const std::function<void()>& function)
     {
         const Event done;
-        Queue(
-            [&]
-            {
-                function();
-                done.Set();
-            });
+        Queue([&] {
+            function();
+            done.Set();
+        });
         return done.Wait();
     }
 
@@ -61,12 +59,10 @@ public:
     {
         if (GetThreadHandle() != nullptr)
         {
-            Queue(
-                [this, last]
-                {
-                    last();
-                    StopRunning();
-                });
+            Queue([this, last] {
+                last();
+                StopRunning();
+            });
             Stop(nullptr);
         }
     }
@@ -78,8 +74,7 @@ public:
     const std::vector<Change>& Changes() const { return m_changes; }
 
     /// Called at the start of each change, on the thread.
-    std::function<void()> onChange = [] {
-    };
+    std::function<void()> onChange = [] {};
 
     QuonServerResult DoAddHandler(QuonServerEventHandler* handler) override
     {

@@ -228,12 +228,10 @@ TEST_F(WndMsgServer, CallsOnTheWindowsThreadWhatAnotherThreadSends)
     Recorder recorder("recorder");
     Add(message, recorder);
     const Event sent;
-    std::thread sender(
-        [&]
-        {
-            m_server->SendToWindow(message, 1, 0);
-            sent.Set();
-        });
+    std::thread sender([&] {
+        m_server->SendToWindow(message, 1, 0);
+        sent.Set();
+    });
     // The sender waits until this thread looks for messages.
     EXPECT_EQ(::WaitForSingleObject(sent.Handle(), 200), static_cast<DWORD>(WAIT_TIMEOUT));
     EXPECT_THAT(recorder.Records(), IsEmpty());

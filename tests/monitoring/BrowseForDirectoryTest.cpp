@@ -251,10 +251,7 @@ TEST_F(BrowseForDirectory, TakesAFolderWithoutAPathForTheRoot)
 
 TEST_F(BrowseForDirectory, IgnoresAnInitialFolderThatDoesNotExist)
 {
-    shell.open = [](const BROWSEINFOW& dialog)
-    {
-        dialog.lpfn(kDialog, BFFM_INITIALIZED, 0, dialog.lParam);
-    };
+    shell.open = [](const BROWSEINFOW& dialog) { dialog.lpfn(kDialog, BFFM_INITIALIZED, 0, dialog.lParam); };
     for (const std::wstring& initial : {folder / L"missing", std::wstring()})
     {
         shell.calls.clear();
@@ -274,10 +271,7 @@ TEST_F(BrowseForDirectory, DoesNotAskWhetherTheRootExists)
 TEST_F(BrowseForDirectory, GoesOnWithoutFoldersThatCannotBeParsed)
 {
     shell.canParse = false;
-    shell.open = [](const BROWSEINFOW& dialog)
-    {
-        dialog.lpfn(kDialog, BFFM_INITIALIZED, 0, dialog.lParam);
-    };
+    shell.open = [](const BROWSEINFOW& dialog) { dialog.lpfn(kDialog, BFFM_INITIALIZED, 0, dialog.lParam); };
     EXPECT_FALSE(Browse(folder.Path().c_str(), L"c:\\root"));
     EXPECT_THAT(shell.calls,
                 ElementsAre("desktop", "parse " + Narrow(folder.Path()) + " for 77", "parse c:\\root for 77", "release",
@@ -304,10 +298,7 @@ TEST_F(BrowseForDirectory, FailsWithoutAnAllocatorEvenWhenAFolderWasChosen)
 
     shell.hasAllocator = true;
     shell.calls.clear();
-    shell.open = [](const BROWSEINFOW& dialog)
-    {
-        dialog.lpfn(kDialog, BFFM_INITIALIZED, 0, dialog.lParam);
-    };
+    shell.open = [](const BROWSEINFOW& dialog) { dialog.lpfn(kDialog, BFFM_INITIALIZED, 0, dialog.lParam); };
     EXPECT_TRUE(Browse());
     EXPECT_THAT(shell.calls, ElementsAre("desktop", "release", "dialog in (null)", "allocator", "path of c:\\a",
                                          "free c:\\a", "release"));
@@ -338,14 +329,12 @@ TEST_F(BrowseForDirectory, FreesItsListsWhenMemoryRunsOut)
     };
     const std::wstring initial = folder.Path();
     shell.chosen = ListOf(L"c:\\a");
-    shell.open = [](const BROWSEINFOW& dialog)
-    {
+    shell.open = [](const BROWSEINFOW& dialog) {
         dialog.lpfn(kDialog, BFFM_INITIALIZED, 0, dialog.lParam);
         dialog.lpfn(kDialog, BFFM_SELCHANGED, reinterpret_cast<LPARAM>(L"c:\\a"), dialog.lParam);
     };
     const int places = ExpectSurvives(
-        [&]
-        {
+        [&] {
             const ListAccount account(shell);
             QuonBrowseForDirectory fresh(nullptr);
             QuonPath chosen;
@@ -395,8 +384,7 @@ protected:
     template <typename Browser>
     void InDialog(Browser& shown, const wchar_t* initial, const std::function<void(const BROWSEINFOW&)>& act)
     {
-        shell.open = [&](const BROWSEINFOW& dialog)
-        {
+        shell.open = [&](const BROWSEINFOW& dialog) {
             shell.calls.clear();
             act(dialog);
             seen = shell.calls;
@@ -424,10 +412,9 @@ TEST_F(OwnCallback, SelectsNothingWithoutAnInitialFolder)
 
 TEST_F(OwnCallback, AllowsEveryFolderWithoutAStatusText)
 {
-    InDialog(
-        browser, nullptr,
-        [](const BROWSEINFOW& dialog)
-        { EXPECT_EQ(dialog.lpfn(kDialog, BFFM_SELCHANGED, reinterpret_cast<LPARAM>(L"c:\\no"), dialog.lParam), 0); });
+    InDialog(browser, nullptr, [](const BROWSEINFOW& dialog) {
+        EXPECT_EQ(dialog.lpfn(kDialog, BFFM_SELCHANGED, reinterpret_cast<LPARAM>(L"c:\\no"), dialog.lParam), 0);
+    });
     EXPECT_THAT(seen, ElementsAre("path of c:\\no", "send 9 104 0 "));
     CString text;
     EXPECT_TRUE(browser.ValidateFolder(L"c:\\no", text));
@@ -437,14 +424,12 @@ TEST_F(OwnCallback, AllowsEveryFolderWithoutAStatusText)
 TEST_F(OwnCallback, AsksADerivedClassAndShowsItsStatusText)
 {
     Choosy choosy;
-    InDialog(choosy, nullptr,
-             [](const BROWSEINFOW& dialog)
-             {
-                 for (const wchar_t* const path : {L"c:\\yes", L"c:\\no", L"c:\\yes"})
-                 {
-                     EXPECT_EQ(dialog.lpfn(kDialog, BFFM_SELCHANGED, reinterpret_cast<LPARAM>(path), dialog.lParam), 0);
-                 }
-             });
+    InDialog(choosy, nullptr, [](const BROWSEINFOW& dialog) {
+        for (const wchar_t* const path : {L"c:\\yes", L"c:\\no", L"c:\\yes"})
+        {
+            EXPECT_EQ(dialog.lpfn(kDialog, BFFM_SELCHANGED, reinterpret_cast<LPARAM>(path), dialog.lParam), 0);
+        }
+    });
     EXPECT_THAT(choosy.asked, ElementsAre("c:\\yes", "c:\\no", "c:\\yes"));
     EXPECT_FALSE(choosy.hasText);
     EXPECT_THAT(seen, ElementsAre("path of c:\\yes", "send 9 104 0 about c:\\yes", "path of c:\\no", "send 9 101 0 0",
@@ -457,12 +442,10 @@ TEST_F(OwnCallback, DoesNotAskAboutWhatHasNoPath)
 {
     Choosy choosy;
     shell.hasPath = false;
-    InDialog(choosy, nullptr,
-             [](const BROWSEINFOW& dialog)
-             {
-                 EXPECT_EQ(dialog.lpfn(kDialog, BFFM_SELCHANGED, 0, dialog.lParam), 0);
-                 EXPECT_EQ(dialog.lpfn(kDialog, BFFM_SELCHANGED, reinterpret_cast<LPARAM>(L"no"), dialog.lParam), 0);
-             });
+    InDialog(choosy, nullptr, [](const BROWSEINFOW& dialog) {
+        EXPECT_EQ(dialog.lpfn(kDialog, BFFM_SELCHANGED, 0, dialog.lParam), 0);
+        EXPECT_EQ(dialog.lpfn(kDialog, BFFM_SELCHANGED, reinterpret_cast<LPARAM>(L"no"), dialog.lParam), 0);
+    });
     EXPECT_THAT(choosy.asked, IsEmpty());
     EXPECT_THAT(seen, ElementsAre("send 9 104 0 ", "path of no", "send 9 104 0 "));
 }
@@ -470,14 +453,12 @@ TEST_F(OwnCallback, DoesNotAskAboutWhatHasNoPath)
 TEST_F(OwnCallback, IgnoresOtherMessages)
 {
     Choosy choosy;
-    InDialog(choosy, folder.Path().c_str(),
-             [](const BROWSEINFOW& dialog)
-             {
-                 for (const UINT message : {0u, UINT{BFFM_VALIDATEFAILEDA}, UINT{BFFM_VALIDATEFAILEDW}, 5u, 99u})
-                 {
-                     EXPECT_EQ(dialog.lpfn(kDialog, message, reinterpret_cast<LPARAM>(L"c:\\no"), dialog.lParam), 0);
-                 }
-             });
+    InDialog(choosy, folder.Path().c_str(), [](const BROWSEINFOW& dialog) {
+        for (const UINT message : {0u, UINT{BFFM_VALIDATEFAILEDA}, UINT{BFFM_VALIDATEFAILEDW}, 5u, 99u})
+        {
+            EXPECT_EQ(dialog.lpfn(kDialog, message, reinterpret_cast<LPARAM>(L"c:\\no"), dialog.lParam), 0);
+        }
+    });
     EXPECT_THAT(seen, IsEmpty());
 }
 
@@ -527,10 +508,7 @@ TEST_F(BrowseForDirectory, FreesItsTexts)
     const Patch<decltype(&::SysAllocString)> alloc(kLibrary, "SysAllocString", &CountingAlloc);
     const Patch<decltype(&::SysFreeString)> free(kLibrary, "SysFreeString", &CountingFree);
     int most = 0;
-    shell.open = [&](const BROWSEINFOW&)
-    {
-        most = liveStrings;
-    };
+    shell.open = [&](const BROWSEINFOW&) { most = liveStrings; };
     Browse(folder.Path().c_str(), L"c:\\root");
     EXPECT_EQ(most, 0);
     EXPECT_EQ(liveStrings, 0);
@@ -555,36 +533,33 @@ public:
     bool Show(QuonPath& result, const wchar_t* initial, WPARAM button)
     {
         const DWORD thread = ::GetCurrentThreadId();
-        std::thread presser(
-            [thread, button]
+        std::thread presser([thread, button] {
+            for (int attempt = 0; attempt < 2000; ++attempt)
             {
-                for (int attempt = 0; attempt < 2000; ++attempt)
-                {
-                    HWND found = nullptr;
-                    ::EnumThreadWindows(
-                        thread,
-                        [](HWND window, LPARAM wanted)
+                HWND found = nullptr;
+                ::EnumThreadWindows(
+                    thread,
+                    [](HWND window, LPARAM wanted) {
+                        wchar_t name[16] = {};
+                        ::GetClassNameW(window, name, 16);
+                        if (std::wstring(name) == L"#32770" && ::IsWindowVisible(window))
                         {
-                            wchar_t name[16] = {};
-                            ::GetClassNameW(window, name, 16);
-                            if (std::wstring(name) == L"#32770" && ::IsWindowVisible(window))
-                            {
-                                *reinterpret_cast<HWND*>(wanted) = window;
-                                return FALSE;
-                            }
-                            return TRUE;
-                        },
-                        reinterpret_cast<LPARAM>(&found));
-                    if (found != nullptr)
-                    {
-                        // Behind what the dialog has still to do for its selection.
-                        ::Sleep(300);
-                        ::PostMessageW(found, WM_COMMAND, button, 0);
-                        return;
-                    }
-                    ::Sleep(10);
+                            *reinterpret_cast<HWND*>(wanted) = window;
+                            return FALSE;
+                        }
+                        return TRUE;
+                    },
+                    reinterpret_cast<LPARAM>(&found));
+                if (found != nullptr)
+                {
+                    // Behind what the dialog has still to do for its selection.
+                    ::Sleep(300);
+                    ::PostMessageW(found, WM_COMMAND, button, 0);
+                    return;
                 }
-            });
+                ::Sleep(10);
+            }
+        });
         const bool isChosen = Browse(result, initial, L"Choose", nullptr, nullptr);
         presser.join();
         return isChosen;

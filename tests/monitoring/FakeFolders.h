@@ -264,11 +264,9 @@ public:
         // Its record is lost, as that of every failed watch.
         server->Unsubscribe(id);
         // Only its own message: the record may have got the address, and so the identifier, of one that was just freed.
-        std::erase_if(
-            journal.messages,
-            [id](const WindowMessage& message) {
-                return message == WindowMessage{kMsgWatchFailed, FakeFolders::kBarrierError, static_cast<LPARAM>(id)};
-            });
+        std::erase_if(journal.messages, [id](const WindowMessage& message) {
+            return message == WindowMessage{kMsgWatchFailed, FakeFolders::kBarrierError, static_cast<LPARAM>(id)};
+        });
         return isDone;
     }
 

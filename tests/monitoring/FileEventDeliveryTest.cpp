@@ -131,8 +131,7 @@ TEST_F(FileEventDelivery, ForgetsTheSinkAtOnceEvenWithEventsOnTheirWay)
 
 TEST_F(FileEventDelivery, StopsAtTheCallThatUnsubscribes)
 {
-    sink.then = [this]
-    {
+    sink.then = [this] {
         if (sink.calls.back() == "attributes")
         {
             watch.Unsubscribe(id);
@@ -145,8 +144,7 @@ TEST_F(FileEventDelivery, StopsAtTheCallThatUnsubscribes)
 // Who unsubscribes and makes a new subscription hears nothing of the old one's event through it.
 TEST_F(FileEventDelivery, DoesNotPassTheRestOfAnEventToANewSubscription)
 {
-    sink.then = [this]
-    {
+    sink.then = [this] {
         watch.Unsubscribe(id);
         watch.Subscribe(L"c:\\d\\f", 0x3F);
         sink.then = nullptr;
@@ -159,8 +157,7 @@ TEST_F(FileEventDelivery, DoesNotPassTheRestOfAnEventToANewSubscription)
 TEST_F(FileEventDelivery, LetsASinkSubscribeInItsCall)
 {
     QuonFileEventId second = 0;
-    sink.then = [&]
-    {
+    sink.then = [&] {
         if (second == 0)
         {
             second = watch.Subscribe(L"c:\\d\\g", 0x8);
@@ -177,10 +174,7 @@ TEST_F(FileEventDelivery, LetsASinkSubscribeInItsCall)
 TEST_F(FileEventDelivery, SwallowsEveryExceptionOfASink)
 {
     const std::function<void()> throwers[] = {[] { throw std::runtime_error("sink"); }, [] { throw 5; },
-                                              []
-                                              {
-                                                  AfxThrowMemoryException();
-                                              }};
+                                              [] { AfxThrowMemoryException(); }};
     for (const auto& thrower : throwers)
     {
         for (const UINT number : {kMsgChanged, kMsgReserved1, kMsgReserved2, kMsgWatchFailed})

@@ -272,10 +272,7 @@ TEST(Part, DISABLED_ThreadThatThrows)
     {
         TheServer();
         FakeFolders folders;
-        folders.onRead = [](const std::wstring&)
-        {
-            throw 5;
-        };
+        folders.onRead = [](const std::wstring&) { throw 5; };
         EXPECT_EQ(TrySubscribe(&sink), S_OK);
         EXPECT_EQ(::WaitForSingleObject(TheWatcherThread().handle, kPatience), WAIT_OBJECT_0);
     }
@@ -390,10 +387,7 @@ TEST(Part, DISABLED_ShutdownOfAHangingThread)
     QuonFileEventServer* const server = TheServer();
     // Patched for good: the thread ends in it.
     auto* const folders = new FakeFolders;
-    folders->onRead = [](const std::wstring&)
-    {
-        ::Sleep(INFINITE);
-    };
+    folders->onRead = [](const std::wstring&) { ::Sleep(INFINITE); };
     EXPECT_EQ(TrySubscribe(), S_OK);
     {
         const Patch<decltype(&::WaitForSingleObject)> wait(kLibrary, "WaitForSingleObject", &ImpatientWait);
@@ -442,10 +436,7 @@ TEST(Part, DISABLED_ShutdownOfAThreadThatStays)
     QuonFileEventServer* const server = TheServer();
     auto* const folders = new FakeFolders;
     const Event go;
-    folders->onRead = [&go](const std::wstring&)
-    {
-        go.Wait();
-    };
+    folders->onRead = [&go](const std::wstring&) { go.Wait(); };
     EXPECT_EQ(TrySubscribe(), S_OK);
     {
         const Patch<decltype(&::WaitForSingleObject)> wait(kLibrary, "WaitForSingleObject", &ImpatientWait);
@@ -557,10 +548,7 @@ TEST(Part, DISABLED_NoWindow)
     ASSERT_EQ(server->Subscribe(L"c:\\d", 0x1, nullptr, &id), S_OK);
     ASSERT_EQ(server->Subscribe(L"c:\\d", 0x1, nullptr, &other), S_OK);
     ASSERT_EQ(server->Subscribe(L"c:\\no", 0x1, nullptr, &failing), S_OK);
-    const auto waitFor = [&folders](size_t count)
-    {
-        return PumpUntil([&] { return folders.OpenCount() == count; });
-    };
+    const auto waitFor = [&folders](size_t count) { return PumpUntil([&] { return folders.OpenCount() == count; }); };
     EXPECT_TRUE(waitFor(1));
     ::PostThreadMessageW(TheWatcherThread().id, kMsgFolderSignaled, 0,
                          reinterpret_cast<LPARAM>(folders.Notification(L"c:\\d")));
@@ -579,8 +567,7 @@ TEST(FileEventServerLife, PostsNothingWithoutAWindow)
 // The first call makes all the registrations. Told on the thread's own time, since the machine may be busy.
 TEST(Part, DISABLED_Speed)
 {
-    const auto ownTime = []
-    {
+    const auto ownTime = [] {
         FILETIME created, ended, kernel, user;
         ::GetThreadTimes(::GetCurrentThread(), &created, &ended, &kernel, &user);
         return (kernel.dwLowDateTime + user.dwLowDateTime) / 10000;

@@ -83,10 +83,7 @@ TEST_F(FileEventServer, GivesEachSubscriptionItsOwnIdentifier)
 TEST_F(FileEventServer, CopiesThePath)
 {
     const Event go;
-    watch.folders.onRead = [&go](const std::wstring&)
-    {
-        go.Wait();
-    };
+    watch.folders.onRead = [&go](const std::wstring&) { go.Wait(); };
     wchar_t path[] = L"c:\\one";
     watch.Subscribe(path, 0x1);
     path[3] = L'X';
@@ -185,8 +182,7 @@ TEST_F(FileEventServer, FailsWhenTheSinkCannotBeRemembered)
     posted.clear();
     const Event held;
     const Event go;
-    watch.folders.onRead = [&](const std::wstring&)
-    {
+    watch.folders.onRead = [&](const std::wstring&) {
         held.Set();
         go.Wait();
     };

@@ -96,8 +96,7 @@ TEST_F(WatchSoak, KeepsUpWithManySubscriptions)
     size_t events = 0;
     size_t acknowledged = 0;
 
-    const auto pump = [&](DWORD milliseconds)
-    {
+    const auto pump = [&](DWORD milliseconds) {
         PumpFor(milliseconds);
         for (const WindowMessage& message : journal.messages)
         {
@@ -105,8 +104,7 @@ TEST_F(WatchSoak, KeepsUpWithManySubscriptions)
         }
         journal.messages.clear();
     };
-    const auto unsubscribe = [&](size_t index)
-    {
+    const auto unsubscribe = [&](size_t index) {
         EXPECT_EQ(server->Unsubscribe(live[index].id), S_OK);
         events += live[index].sink->calls.size();
         // Gone at once: it must not be called any more.
@@ -131,12 +129,10 @@ TEST_F(WatchSoak, KeepsUpWithManySubscriptions)
     }
     isStopping = true;
     writer.join();
-    EXPECT_TRUE(PumpUntil(
-        [&]
-        {
-            pump(0);
-            return acknowledged == cycles;
-        }));
+    EXPECT_TRUE(PumpUntil([&] {
+        pump(0);
+        return acknowledged == cycles;
+    }));
     EXPECT_EQ(openNotifications, 0);
     EXPECT_GT(events, 0u);
     std::printf("%zu subscriptions, %zu calls\n", cycles, events);

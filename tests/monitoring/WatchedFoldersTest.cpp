@@ -200,8 +200,7 @@ TEST_F(WatchedFolders, StandInTheWaitInTheOrderOfTheirArrival)
     {
         ids.push_back(Active(path, 0x1));
     }
-    const auto waitsFor = [this](const std::vector<std::wstring>& expected)
-    {
+    const auto waitsFor = [this](const std::vector<std::wstring>& expected) {
         return PumpUntil([&] { return folders.LastWait() == expected; });
     };
     EXPECT_TRUE(waitsFor({L"c:\\z", L"c:\\a", L"c:\\m", L"c:\\b"}));
@@ -221,10 +220,7 @@ TEST_F(WatchedFolders, AreAllAddedWhenManyRequestsComeAtOnce)
 {
     folders.SetError(L"c:\\hold", 5);
     const Event go;
-    folders.onRead = [&go](const std::wstring&)
-    {
-        go.Wait();
-    };
+    folders.onRead = [&go](const std::wstring&) { go.Wait(); };
     // Holds the watcher, which has no folder yet, until all is posted.
     watch.Subscribe(L"c:\\hold", 0x1);
     for (const wchar_t* const path : {L"c:\\1", L"c:\\2", L"c:\\3", L"c:\\4"})
@@ -282,8 +278,7 @@ TEST_F(WatchedFolders, AreNotKeptWaitingByARowOfMessages)
     Active(L"c:\\e", 0x1);
     const Event held;
     const Event go;
-    folders.onRead = [&](const std::wstring&)
-    {
+    folders.onRead = [&](const std::wstring&) {
         held.Set();
         go.Wait();
     };
@@ -404,8 +399,7 @@ TEST_F(WatchedFolders, CompareWithWhatWasLastReported)
 {
     folders.SetFile(L"c:\\d\\f", FileOf(5, 100, 100));
     const QuonFileEventId id = Active(L"c:\\d\\f", 0x38);
-    const auto bitsFor = [&](unsigned __int64 size, unsigned __int64 written, unsigned __int64 accessed)
-    {
+    const auto bitsFor = [&](unsigned __int64 size, unsigned __int64 written, unsigned __int64 accessed) {
         folders.SetFile(L"c:\\d\\f", FileOf(size, written, accessed));
         return BitsOfCheck(L"c:\\d\\", id);
     };

@@ -46,10 +46,7 @@ public:
     void Clear() { m_calls.clear(); }
 
     /// Tells which calls fail without reaching the system.
-    std::function<bool(const std::wstring& call)> fails = [](const std::wstring&)
-    {
-        return false;
-    };
+    std::function<bool(const std::wstring& call)> fails = [](const std::wstring&) { return false; };
 
 private:
     static std::wstring Shown(const wchar_t* text) { return text == nullptr ? L"null" : text; }

@@ -111,10 +111,7 @@ TEST(CreateFolderTree, GoesOnAfterAFailureAndReportsIt)
     const TemporaryFolder root;
     FileCallJournal journal;
     const std::wstring refused = L"CreateDirectoryW " + (root / L"x");
-    journal.fails = [&](const std::wstring& call)
-    {
-        return call == refused;
-    };
+    journal.fails = [&](const std::wstring& call) { return call == refused; };
     EXPECT_EQ(CreateFolderTree((root / L"x\\y").c_str()), 1u);
     EXPECT_EQ(journal.Of(L"CreateDirectoryW"), (Calls{root / L"x", root / L"x\\y"}));
 }
@@ -124,8 +121,7 @@ TEST(CreateFolderTree, AFailureAboveDoesNotHideBehindASuccessBelow)
     const TemporaryFolder root;
     FileCallJournal journal;
     // Whoever else creates the folder meanwhile makes the call fail and the next one succeed.
-    journal.fails = [&](const std::wstring& call)
-    {
+    journal.fails = [&](const std::wstring& call) {
         return call == L"CreateDirectoryW " + (root / L"x") && root.MakeFolder(L"x") != L"";
     };
     EXPECT_EQ(CreateFolderTree((root / L"x\\y").c_str()), 1u);
@@ -162,10 +158,7 @@ TEST(CreateFolderTree, PathsThatAreNotFull)
 TEST(CreateFolderTree, ADriveAloneMeansItsRoot)
 {
     FileCallJournal journal;
-    journal.fails = [](const std::wstring&)
-    {
-        return true;
-    };
+    journal.fails = [](const std::wstring&) { return true; };
     EXPECT_EQ(CreateFolderTree(L"Q:a\\b"), 1u);
     EXPECT_EQ(journal.Of(L"CreateDirectoryW"), (Calls{L"Q:", L"Q:\\a", L"Q:\\a\\b"}));
 }
@@ -173,10 +166,7 @@ TEST(CreateFolderTree, ADriveAloneMeansItsRoot)
 TEST(CreateFolderTree, ServerAndShareAreOneComponent)
 {
     FileCallJournal journal;
-    journal.fails = [](const std::wstring&)
-    {
-        return true;
-    };
+    journal.fails = [](const std::wstring&) { return true; };
     EXPECT_EQ(CreateFolderTree(L"//srv/share/a\\b"), 1u);
     EXPECT_EQ(journal.Of(L"CreateDirectoryW"),
               (Calls{L"\\\\srv\\share\\", L"\\\\srv\\share\\a", L"\\\\srv\\share\\a\\b"}));
@@ -255,10 +245,7 @@ TEST(CopyOneFile, FailsWithoutSourceOrTargetFolder)
 TEST(CopyOneFile, PassesItsArgumentsAsTheyAre)
 {
     FileCallJournal journal;
-    journal.fails = [](const std::wstring&)
-    {
-        return true;
-    };
+    journal.fails = [](const std::wstring&) { return true; };
     EXPECT_EQ(CopyOneFile(L"a/b", L"c//d", 7), 1u);
     EXPECT_EQ(journal.All(), Calls{L"CopyFileW a/b c//d 7"});
 }
@@ -326,10 +313,7 @@ TEST(DeleteFileForced, PutsTheAttributesBackWhenTheFileStays)
     const std::wstring file = root.WriteFile(L"file", "", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
     const DWORD before = root.Attributes(L"file");
     FileCallJournal journal;
-    journal.fails = [](const std::wstring& call)
-    {
-        return call.find(L"DeleteFileW") == 0;
-    };
+    journal.fails = [](const std::wstring& call) { return call.find(L"DeleteFileW") == 0; };
     EXPECT_EQ(DeleteFileForced(file.c_str()), 1u);
     EXPECT_EQ(root.Attributes(L"file"), before);
     EXPECT_EQ(journal.All().back(), L"SetFileAttributesW " + file + L" " + std::to_wstring(before));

@@ -67,18 +67,13 @@ TEST(CopyFolderTree, CreatesAllFoldersBeforeTheFirstFileIsCopied)
     EXPECT_EQ(journal.All().front(), L"_waccess " + (root / L"from") + L" 0");
     EXPECT_EQ(journal.Of(L"CreateDirectoryW"),
               (Calls{root / L"to", root / L"to\\A", root / L"to\\B", root / L"to\\A\\A1", root / L"to\\B\\B1"}));
-    const auto copy = [&](const wchar_t* name)
-    {
+    const auto copy = [&](const wchar_t* name) {
         return (root / L"from\\") + name + L" " + (root / L"to\\") + name + L" 5";
     };
     EXPECT_EQ(journal.Of(L"CopyFileW"), (Calls{copy(L"1"), copy(L"A\\2"), copy(L"A\\A1\\3")}));
     const Calls& all = journal.All();
-    const auto is = [](const wchar_t* function)
-    {
-        return [function](const std::wstring& call)
-        {
-            return call.find(function) == 0;
-        };
+    const auto is = [](const wchar_t* function) {
+        return [function](const std::wstring& call) { return call.find(function) == 0; };
     };
     const auto lastCreated = std::find_if(all.rbegin(), all.rend(), is(L"CreateDirectoryW")).base();
     EXPECT_LT(lastCreated - 1 - all.begin(), std::find_if(all.begin(), all.end(), is(L"CopyFileW")) - all.begin());
@@ -205,10 +200,7 @@ TEST(RemoveFolderTree, GoesOnAfterAFailure)
     FillExample(root);
     FileCallJournal journal;
     const std::wstring stays = L"DeleteFileW " + (root / L"from\\A\\A1\\3");
-    journal.fails = [&](const std::wstring& call)
-    {
-        return call == stays;
-    };
+    journal.fails = [&](const std::wstring& call) { return call == stays; };
     EXPECT_EQ(RemoveFolderTree((root / L"from").c_str()), 1u);
     EXPECT_EQ(journal.Of(L"RemoveDirectoryW").size(), 5u);
     const Calls left = {L"A\\", L"A\\A1\\", L"A\\A1\\3"};
@@ -229,10 +221,7 @@ TEST(RemoveFolderTree, LeavesAReadOnlyFolderAndGoesOn)
     root.MakeFolder(L"from\\C");
     FileCallJournal journal;
     const std::wstring stays = L"RemoveDirectoryW " + (root / L"from\\B\\read-only");
-    journal.fails = [&](const std::wstring& call)
-    {
-        return call == stays;
-    };
+    journal.fails = [&](const std::wstring& call) { return call == stays; };
     EXPECT_EQ(RemoveFolderTree((root / L"from").c_str()), 1u);
     EXPECT_TRUE(root.Exists(L"from\\B\\read-only"));
     EXPECT_EQ(journal.Of(L"SetFileAttributesW").size(), 3u) << "the attributes of files alone are touched";
@@ -249,8 +238,7 @@ TEST(RemoveFolderTree, ShowsAFileThatStaysOnlyThroughItsFolder)
     FileCallJournal journal;
     // The file is gone when its folder is removed, whatever its own deletion reported.
     root.WriteFile(L"from\\1");
-    journal.fails = [&](const std::wstring& call)
-    {
+    journal.fails = [&](const std::wstring& call) {
         return call.find(L"DeleteFileW") == 0 && DeleteFileW((root / L"from\\1").c_str());
     };
     EXPECT_EQ(RemoveFolderTree((root / L"from").c_str()), 0u);
@@ -264,8 +252,7 @@ TEST(RemoveFolderTree, EndsTheWalkOverTheFilesBeforeTheFirstFolderIsRemoved)
     SearchJournal searches;
     FileCallJournal journal;
     std::vector<std::size_t> open;
-    journal.fails = [&](const std::wstring& call)
-    {
+    journal.fails = [&](const std::wstring& call) {
         if (call.find(L"RemoveDirectoryW") == 0)
         {
             open.push_back(searches.OpenNow());
@@ -412,10 +399,7 @@ TEST(MoveFolderTree, FailsWhenTheSourceCannotBeRemoved)
     const TemporaryFolder root;
     FillExample(root);
     FileCallJournal journal;
-    journal.fails = [](const std::wstring& call)
-    {
-        return call.find(L"RemoveDirectoryW") == 0;
-    };
+    journal.fails = [](const std::wstring& call) { return call.find(L"RemoveDirectoryW") == 0; };
     EXPECT_EQ(MoveFolderTree((root / L"from").c_str(), (root / L"to").c_str(), TRUE), 1u);
     EXPECT_TRUE(root.Exists(L"from"));
     EXPECT_TRUE(root.Exists(L"to\\A\\A1\\3"));

@@ -114,14 +114,12 @@ TEST(QuonPathWithoutMemory, JoiningThrowsAndLeavesTheText)
 TEST(QuonPathWithoutMemory, CopyingNeedsNone)
 {
     const QuonPath path(L"a//b", 0);
-    EXPECT_FALSE(Throws(
-        [&]
-        {
-            const QuonPath copy(path);
-            QuonPath assigned;
-            assigned = path;
-            EXPECT_EQ(static_cast<const wchar_t*>(copy), static_cast<const wchar_t*>(assigned));
-        }));
+    EXPECT_FALSE(Throws([&] {
+        const QuonPath copy(path);
+        QuonPath assigned;
+        assigned = path;
+        EXPECT_EQ(static_cast<const wchar_t*>(copy), static_cast<const wchar_t*>(assigned));
+    }));
 }
 
 }  // namespace

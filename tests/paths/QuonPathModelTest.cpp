@@ -128,8 +128,7 @@ ModelParts Split(const std::wstring& text, const std::wstring& separator)
     std::wstring& directory = parts.directory;
     if (directory.size() > 1 && IsSeparator(directory[0]) && IsSeparator(directory[1]))
     {
-        const auto firstToken = [&directory]
-        {
+        const auto firstToken = [&directory] {
             const std::vector<std::wstring> tokens = Tokens(directory);
             return tokens.empty() ? std::wstring() : tokens.front();
         };
@@ -163,167 +162,147 @@ void ForRandomTexts(unsigned seed, Check check)
 
 TEST(QuonPathModel, Normalize)
 {
-    ForRandomTexts(1,
-                   [](QuonPath& path, const std::wstring& text, const std::wstring& separator)
-                   {
-                       path.Normalize();
-                       EXPECT_EQ(Text(path), NormalForm(text, separator));
-                   });
+    ForRandomTexts(1, [](QuonPath& path, const std::wstring& text, const std::wstring& separator) {
+        path.Normalize();
+        EXPECT_EQ(Text(path), NormalForm(text, separator));
+    });
 }
 
 TEST(QuonPathModel, NormalFormIsItsOwnNormalForm)
 {
-    ForRandomTexts(2,
-                   [](QuonPath& path, const std::wstring&, const std::wstring& separator)
-                   {
-                       path.Normalize();
-                       const std::wstring once = Text(path);
-                       path.Normalize();
-                       // Two separators alone grow to three, which are their own normal form.
-                       const bool grows = once == separator + separator;
-                       EXPECT_EQ(Text(path), grows ? once + separator : once);
-                   });
+    ForRandomTexts(2, [](QuonPath& path, const std::wstring&, const std::wstring& separator) {
+        path.Normalize();
+        const std::wstring once = Text(path);
+        path.Normalize();
+        // Two separators alone grow to three, which are their own normal form.
+        const bool grows = once == separator + separator;
+        EXPECT_EQ(Text(path), grows ? once + separator : once);
+    });
 }
 
 TEST(QuonPathModel, RemoveFirstComponent)
 {
-    ForRandomTexts(3,
-                   [](QuonPath& path, const std::wstring& text, const std::wstring& separator)
-                   {
-                       path.RemoveFirstComponent();
-                       EXPECT_EQ(Text(path), WithoutFirst(text, separator));
-                   });
+    ForRandomTexts(3, [](QuonPath& path, const std::wstring& text, const std::wstring& separator) {
+        path.RemoveFirstComponent();
+        EXPECT_EQ(Text(path), WithoutFirst(text, separator));
+    });
 }
 
 TEST(QuonPathModel, RemoveLastComponent)
 {
-    ForRandomTexts(4,
-                   [](QuonPath& path, const std::wstring& text, const std::wstring&)
-                   {
-                       path.RemoveLastComponent();
-                       EXPECT_EQ(Text(path), WithoutLast(text));
-                   });
+    ForRandomTexts(4, [](QuonPath& path, const std::wstring& text, const std::wstring&) {
+        path.RemoveLastComponent();
+        EXPECT_EQ(Text(path), WithoutLast(text));
+    });
 }
 
 TEST(QuonPathModel, FirstAndLastComponent)
 {
-    ForRandomTexts(5,
-                   [](QuonPath& path, const std::wstring& text, const std::wstring&)
-                   {
-                       const std::vector<std::wstring> tokens = Tokens(text);
-                       EXPECT_EQ(Text(path.GetFirstComponent()), tokens.empty() ? L"" : tokens.front());
-                       EXPECT_EQ(Text(path.GetLastComponent()), tokens.empty() ? L"" : tokens.back());
-                   });
+    ForRandomTexts(5, [](QuonPath& path, const std::wstring& text, const std::wstring&) {
+        const std::vector<std::wstring> tokens = Tokens(text);
+        EXPECT_EQ(Text(path.GetFirstComponent()), tokens.empty() ? L"" : tokens.front());
+        EXPECT_EQ(Text(path.GetLastComponent()), tokens.empty() ? L"" : tokens.back());
+    });
 }
 
 TEST(QuonPathModel, Append)
 {
     RandomTexts others(106);
-    ForRandomTexts(6,
-                   [&others](QuonPath& path, const std::wstring& text, const std::wstring& separator)
-                   {
-                       const std::wstring other = others.Next(kLongest);
-                       SCOPED_TRACE(testing::Message() << "other " << other);
-                       const std::wstring expected = Appended(text, other, separator);
-                       EXPECT_EQ(Text(path + other), Appended(text, other, L"\\"));
-                       EXPECT_EQ(Text(path.Append(other)), expected);
-                       EXPECT_EQ(Text(path), expected);
-                   });
+    ForRandomTexts(6, [&others](QuonPath& path, const std::wstring& text, const std::wstring& separator) {
+        const std::wstring other = others.Next(kLongest);
+        SCOPED_TRACE(testing::Message() << "other " << other);
+        const std::wstring expected = Appended(text, other, separator);
+        EXPECT_EQ(Text(path + other), Appended(text, other, L"\\"));
+        EXPECT_EQ(Text(path.Append(other)), expected);
+        EXPECT_EQ(Text(path), expected);
+    });
 }
 
 TEST(QuonPathModel, SplitPlain)
 {
-    ForRandomTexts(7,
-                   [](QuonPath& path, const std::wstring& text, const std::wstring&)
-                   {
-                       QuonPath drive;
-                       QuonPath directory;
-                       QuonPath name;
-                       QuonPath extension;
-                       path.SplitPlain(drive, directory, name, extension);
-                       const ModelParts expected = SplitByRuntime(text);
-                       EXPECT_EQ(Text(drive), expected.drive);
-                       EXPECT_EQ(Text(directory), expected.directory);
-                       EXPECT_EQ(Text(name), expected.name);
-                       EXPECT_EQ(Text(extension), expected.extension);
-                       EXPECT_EQ(Text(drive) + Text(directory) + Text(name) + Text(extension), text);
-                   });
+    ForRandomTexts(7, [](QuonPath& path, const std::wstring& text, const std::wstring&) {
+        QuonPath drive;
+        QuonPath directory;
+        QuonPath name;
+        QuonPath extension;
+        path.SplitPlain(drive, directory, name, extension);
+        const ModelParts expected = SplitByRuntime(text);
+        EXPECT_EQ(Text(drive), expected.drive);
+        EXPECT_EQ(Text(directory), expected.directory);
+        EXPECT_EQ(Text(name), expected.name);
+        EXPECT_EQ(Text(extension), expected.extension);
+        EXPECT_EQ(Text(drive) + Text(directory) + Text(name) + Text(extension), text);
+    });
 }
 
 TEST(QuonPathModel, Split)
 {
-    ForRandomTexts(8,
-                   [](QuonPath& path, const std::wstring& text, const std::wstring& separator)
-                   {
-                       QuonPath drive;
-                       QuonPath directory;
-                       QuonPath name;
-                       QuonPath extension;
-                       path.Split(drive, directory, name, extension);
-                       const ModelParts expected = Split(text, separator);
-                       EXPECT_EQ(Text(drive), expected.drive);
-                       EXPECT_EQ(Text(directory), expected.directory);
-                       EXPECT_EQ(Text(name), expected.name);
-                       EXPECT_EQ(Text(extension), expected.extension);
-                       EXPECT_EQ(Text(path.GetDrive()), expected.drive);
-                       EXPECT_EQ(Text(path.GetDirectory()), expected.directory);
-                       EXPECT_EQ(Text(path.GetFileName()), expected.name + expected.extension);
-                       EXPECT_EQ(Text(path.GetFolder()), Appended(expected.drive, expected.directory, L"\\"));
-                   });
+    ForRandomTexts(8, [](QuonPath& path, const std::wstring& text, const std::wstring& separator) {
+        QuonPath drive;
+        QuonPath directory;
+        QuonPath name;
+        QuonPath extension;
+        path.Split(drive, directory, name, extension);
+        const ModelParts expected = Split(text, separator);
+        EXPECT_EQ(Text(drive), expected.drive);
+        EXPECT_EQ(Text(directory), expected.directory);
+        EXPECT_EQ(Text(name), expected.name);
+        EXPECT_EQ(Text(extension), expected.extension);
+        EXPECT_EQ(Text(path.GetDrive()), expected.drive);
+        EXPECT_EQ(Text(path.GetDirectory()), expected.directory);
+        EXPECT_EQ(Text(path.GetFileName()), expected.name + expected.extension);
+        EXPECT_EQ(Text(path.GetFolder()), Appended(expected.drive, expected.directory, L"\\"));
+    });
 }
 
 TEST(QuonPathModel, Setters)
 {
     RandomTexts values(109);
-    ForRandomTexts(9,
-                   [&values](QuonPath& path, const std::wstring& text, const std::wstring& separator)
-                   {
-                       const std::wstring value = values.Next(6);
-                       SCOPED_TRACE(testing::Message() << "value " << value);
-                       const ModelParts parts = Split(text, separator);
-                       const std::wstring file = parts.name + parts.extension;
-                       const std::wstring folder = Appended(parts.drive, parts.directory, L"\\");
-                       QuonPath set(path);
-                       set = path;
-                       set.SetDrive(value.c_str());
-                       EXPECT_EQ(Text(set), Appended(value, Appended(parts.directory, file, L"\\"), separator));
-                       set = path;
-                       set.SetDirectory(value.c_str());
-                       EXPECT_EQ(Text(set), Appended(Appended(parts.drive, value, L"\\"), file, L"\\"));
-                       set = path;
-                       set.SetFileTitle(value.c_str());
-                       EXPECT_EQ(Text(set), Appended(folder, value + parts.extension, L"\\"));
-                       set = path;
-                       set.SetExtension(value.c_str());
-                       const std::wstring dot = value.rfind(L'.', 0) == 0 ? L"" : L".";
-                       EXPECT_EQ(Text(set), Appended(folder, parts.name, L"\\") + dot + value);
-                   });
+    ForRandomTexts(9, [&values](QuonPath& path, const std::wstring& text, const std::wstring& separator) {
+        const std::wstring value = values.Next(6);
+        SCOPED_TRACE(testing::Message() << "value " << value);
+        const ModelParts parts = Split(text, separator);
+        const std::wstring file = parts.name + parts.extension;
+        const std::wstring folder = Appended(parts.drive, parts.directory, L"\\");
+        QuonPath set(path);
+        set = path;
+        set.SetDrive(value.c_str());
+        EXPECT_EQ(Text(set), Appended(value, Appended(parts.directory, file, L"\\"), separator));
+        set = path;
+        set.SetDirectory(value.c_str());
+        EXPECT_EQ(Text(set), Appended(Appended(parts.drive, value, L"\\"), file, L"\\"));
+        set = path;
+        set.SetFileTitle(value.c_str());
+        EXPECT_EQ(Text(set), Appended(folder, value + parts.extension, L"\\"));
+        set = path;
+        set.SetExtension(value.c_str());
+        const std::wstring dot = value.rfind(L'.', 0) == 0 ? L"" : L".";
+        EXPECT_EQ(Text(set), Appended(folder, parts.name, L"\\") + dot + value);
+    });
 }
 
 TEST(QuonPathModel, ComponentsAreDriveTokensAndFileName)
 {
-    ForRandomTexts(10,
-                   [](QuonPath& path, const std::wstring& text, const std::wstring& separator)
-                   {
-                       const ModelParts parts = Split(text, separator);
-                       std::vector<std::wstring> expected = Tokens(parts.directory);
-                       if (!parts.drive.empty())
-                       {
-                           expected.insert(expected.begin(), parts.drive);
-                       }
-                       if (!(parts.name + parts.extension).empty())
-                       {
-                           expected.push_back(parts.name + parts.extension);
-                       }
-                       std::list<QuonPath> components;
-                       path.GetComponents(components);
-                       std::vector<std::wstring> actual;
-                       for (const QuonPath& component : components)
-                       {
-                           actual.push_back(Text(component));
-                       }
-                       EXPECT_EQ(actual, expected);
-                   });
+    ForRandomTexts(10, [](QuonPath& path, const std::wstring& text, const std::wstring& separator) {
+        const ModelParts parts = Split(text, separator);
+        std::vector<std::wstring> expected = Tokens(parts.directory);
+        if (!parts.drive.empty())
+        {
+            expected.insert(expected.begin(), parts.drive);
+        }
+        if (!(parts.name + parts.extension).empty())
+        {
+            expected.push_back(parts.name + parts.extension);
+        }
+        std::list<QuonPath> components;
+        path.GetComponents(components);
+        std::vector<std::wstring> actual;
+        for (const QuonPath& component : components)
+        {
+            actual.push_back(Text(component));
+        }
+        EXPECT_EQ(actual, expected);
+    });
 }
 
 TEST(QuonPathModel, PlainDrivePathsSplitAndJoinToTheSameText)
@@ -360,29 +339,27 @@ TEST(QuonPathModel, PlainDrivePathsSplitAndJoinToTheSameText)
 TEST(QuonPathModel, FlagsAreAppliedInOrder)
 {
     RandomTexts numbers(112);
-    ForRandomTexts(12,
-                   [&numbers](QuonPath& path, const std::wstring& text, const std::wstring&)
-                   {
-                       const auto flags = static_cast<QuonPathFlags>(numbers.Below(128));
-                       SCOPED_TRACE(testing::Message() << "flags " << flags);
-                       path.ApplyFlags(flags);
-                       const std::wstring separator = (flags & 3) == 1 ? L"/" : L"\\";
-                       std::wstring expected = text;
-                       for (wchar_t& ch : expected)
-                       {
-                           ch = (flags & 0x30) == 0x10 && ch == L'B' ? L'b' : ch;
-                           ch = (flags & 0x30) == 0x20 && ch == L'a' ? L'A' : ch;
-                       }
-                       if ((flags & 0x0C) == 0x04)
-                       {
-                           expected.erase(expected.find_last_not_of(L"\\/") + 1);
-                       }
-                       if ((flags & 0x0C) == 0x08 && !EndsInSeparator(expected))
-                       {
-                           expected += separator;
-                       }
-                       EXPECT_EQ(Text(path), (flags & 0x40) != 0 ? NormalForm(expected, separator) : expected);
-                   });
+    ForRandomTexts(12, [&numbers](QuonPath& path, const std::wstring& text, const std::wstring&) {
+        const auto flags = static_cast<QuonPathFlags>(numbers.Below(128));
+        SCOPED_TRACE(testing::Message() << "flags " << flags);
+        path.ApplyFlags(flags);
+        const std::wstring separator = (flags & 3) == 1 ? L"/" : L"\\";
+        std::wstring expected = text;
+        for (wchar_t& ch : expected)
+        {
+            ch = (flags & 0x30) == 0x10 && ch == L'B' ? L'b' : ch;
+            ch = (flags & 0x30) == 0x20 && ch == L'a' ? L'A' : ch;
+        }
+        if ((flags & 0x0C) == 0x04)
+        {
+            expected.erase(expected.find_last_not_of(L"\\/") + 1);
+        }
+        if ((flags & 0x0C) == 0x08 && !EndsInSeparator(expected))
+        {
+            expected += separator;
+        }
+        EXPECT_EQ(Text(path), (flags & 0x40) != 0 ? NormalForm(expected, separator) : expected);
+    });
 }
 
 }  // namespace

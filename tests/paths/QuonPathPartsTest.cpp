@@ -132,10 +132,7 @@ TEST(QuonPathSplit, ThePathItselfMayBeAResult)
             SCOPED_TRACE(testing::Message() << "text " << row.text << " own part " << own);
             QuonPath parts[4];
             QuonPath path;
-            const auto part = [&](int index) -> QuonPath&
-            {
-                return own == index ? path : parts[index];
-            };
+            const auto part = [&](int index) -> QuonPath& { return own == index ? path : parts[index]; };
             MakeForward(path, row.text);
             path.Split(part(0), part(1), part(2), part(3));
             for (int index = 0; index < 4; ++index)

@@ -165,8 +165,7 @@ TEST(QuonPathCopying, TextStandsBeforeTheSeparator)
 
 TEST(QuonPathCopying, SeparatorIsOneOfTwoStaticTexts)
 {
-    const auto separator = [](const QuonPath& path)
-    {
+    const auto separator = [](const QuonPath& path) {
         const wchar_t* fields[2] = {};
         std::memcpy(static_cast<void*>(fields), static_cast<const void*>(&path), sizeof(path));
         return fields[1];

@@ -420,8 +420,7 @@ TEST(PointModel, SetOperationsAgreeOnLongRanges)
     Random random(1006);
     for (int round = 0; round < 60; ++round)
     {
-        const auto longText = [&]
-        {
+        const auto longText = [&] {
             std::wstring text;
             for (unsigned items = 1 + Below(random, 12); items > 0; --items)
             {

@@ -509,8 +509,7 @@ TEST(QuonPointString, ReadsNumbersOfEveryLengthInEveryPlace)
             const std::wstring first = digits.substr(0, firstLength);
             const std::wstring last = lastLength != 0 ? digits.substr(0, lastLength) : first;
             const std::wstring item = lastLength != 0 ? first + L"-" + last : first;
-            const auto value = [](const std::wstring& number)
-            {
+            const auto value = [](const std::wstring& number) {
                 return static_cast<unsigned long>(std::min<long long>(std::stoll(number), 2147483647));
             };
             const std::pair<unsigned long, unsigned long> range(value(first), value(last));

@@ -168,8 +168,7 @@ TEST(QuonSortedPointString, EveryOperationSetsChanged)
 {
     Probe<QuonSortedPointString> string;
     EXPECT_EQ(string.m_changed, 1);
-    const auto expectChange = [&](const char* name, auto operation)
-    {
+    const auto expectChange = [&](const char* name, auto operation) {
         SCOPED_TRACE(name);
         string.m_changed = 0;
         operation();

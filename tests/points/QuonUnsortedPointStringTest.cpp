@@ -216,8 +216,7 @@ TEST(QuonUnsortedPointString, OnlyUpdatingAnEmptyListLeavesChangedAlone)
 {
     Probe<QuonUnsortedPointString> string;
     EXPECT_EQ(string.m_changed, 1);
-    const auto expectChange = [&](const char* name, int changed, auto operation)
-    {
+    const auto expectChange = [&](const char* name, int changed, auto operation) {
         SCOPED_TRACE(name);
         string.m_changed = 0;
         operation();

@@ -70,8 +70,7 @@ TEST(AllocationFailureGeometry, ASingleFace)
 {
     const VxGePoint3dArray face = Corners(20);
     const int places = ExpectSurvives(
-        [&face]
-        {
+        [&face] {
             QuonSingleFaceReader reader(&face);
             ReadAll(reader);
         },
@@ -83,8 +82,7 @@ TEST(AllocationFailureGeometry, PointReadersTakeNoMemory)
 {
     const VxGePoint3dArray points = Corners(20);
     const int places = ExpectSurvives(
-        [&points]
-        {
+        [&points] {
             double x, y, z;
             QuonArrayPointReader array(&points);
             while (array.GetNextPoint(&x, &y, &z, nullptr))
@@ -100,8 +98,7 @@ TEST(AllocationFailureGeometry, PointReadersTakeNoMemory)
 TEST(AllocationFailureGeometry, AnArrayKeepsItsPointsWhenItCannotGrow)
 {
     const int places = ExpectSurvives(
-        []
-        {
+        [] {
             VxGePoint3dArray points = Corners(8);
             try
             {

@@ -89,8 +89,7 @@ TEST(AllocationFailureMonitoring, SubscribingAndUnsubscribing)
     WatcherTraffic traffic;
     NoSink sink;
     const int places = ExpectSurvives(
-        [&]
-        {
+        [&] {
             QuonFileEventId id = 0;
             const HRESULT result = server->Subscribe(path.c_str(), FILE_NOTIFY_CHANGE_FILE_NAME, &sink, &id);
             const QuonFileEventId posted = traffic.TakePosted();
@@ -118,8 +117,7 @@ TEST(AllocationFailureMonitoring, AFileThatIsRemembered)
     const TemporaryFolder folder;
     int file = 0;
     const int places = ExpectSurvives(
-        [&]
-        {
+        [&] {
             // Another file each time, whose record stays until the process ends.
             const std::wstring name = std::to_wstring(++file);
             folder.WriteFile(name.c_str(), "text");

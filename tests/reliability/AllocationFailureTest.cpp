@@ -59,8 +59,7 @@ TEST(AllocationFailure, AHandleThatStaysOpenIsNoticed)
 TEST(AllocationFailure, Paths)
 {
     const int places = ExpectSurvives(
-        []
-        {
+        [] {
             QuonPath path(L"C:/a//b/c.txt", QuonPathForwardSlash | QuonPathUpperCase);
             path.Append(L"d\\e.txt");
             path.Normalize();
@@ -85,8 +84,7 @@ TEST(AllocationFailure, Paths)
 TEST(AllocationFailure, WellKnownFolders)
 {
     const int places = ExpectSurvives(
-        []
-        {
+        [] {
             for (QuonFolderId id = QuonFolderModuleFile; id <= QuonFolderTempFileName; ++id)
             {
                 QuonPath folder(id, QuonPathUpperCase);
@@ -108,8 +106,7 @@ TEST(AllocationFailure, TreesOfFolders)
     const std::wstring source = folder / L"source";
     const std::wstring target = folder / L"target\\deep";
     const int places = ExpectSurvives(
-        [&]
-        {
+        [&] {
             const unsigned int result = MoveFolderTree(source.c_str(), target.c_str(), FALSE);
             if (result == 0)
             {
@@ -130,8 +127,7 @@ void ExpectWalkSurvives()
     folder.WriteFile(L"file", "x");
     const std::wstring root = folder.Path();
     const int places = ExpectSurvives(
-        [&]
-        {
+        [&] {
             Walk walk;
             for (walk.FindFirst(root.c_str(), L"*", kQuonMatchEverything); walk.IsFound(); walk.FindNext())
             {
@@ -168,8 +164,7 @@ TEST(AllocationFailure, DepthFirstFiles)
 TEST(AllocationFailure, StringHelpers)
 {
     const int places = ExpectSurvives(
-        []
-        {
+        [] {
             CapitalizeWords(ToUpperCopy(ToLowerCopy(L"some text 12 with words")));
             FormatDouble(1e100, 20);
             CStringArray elements;
@@ -193,8 +188,7 @@ TEST(AllocationFailure, TimerWithALog)
     const TemporaryFolder folder;
     const std::wstring path = folder / L"logs\\run.log";
     const int places = ExpectSurvives(
-        [&]
-        {
+        [&] {
             QuonTimer timer(path.c_str(), TRUE, FALSE);
             timer.StartTimer();
             timer.WriteReport(L"step", TRUE);
@@ -207,12 +201,10 @@ TEST(AllocationFailure, TimerWithALog)
 TEST(AllocationFailure, PoolAllocator)
 {
     const int places = ExpectSurvives(
-        []
-        {
+        [] {
             QuonPoolAllocator<double> numbers;
             std::vector<double*> taken(20000, nullptr);
-            const auto giveBack = [&]
-            {
+            const auto giveBack = [&] {
                 for (double* const number : taken)
                 {
                     if (number != nullptr)
@@ -243,8 +235,7 @@ TEST(AllocationFailure, PoolAllocator)
 TEST(AllocationFailure, PointStrings)
 {
     const int places = ExpectSurvives(
-        []
-        {
+        [] {
             QuonPointString string(L"1-5, 9, 20-12, <7, 3000");
             string.SetLabel(L"label");
             const QuonPointString copy(string);
@@ -260,8 +251,7 @@ TEST(AllocationFailure, PointStrings)
 TEST(AllocationFailure, PointSetsThatGrow)
 {
     const int places = ExpectSurvives(
-        []
-        {
+        [] {
             QuonSortedPointString sorted;
             QuonUnsortedPointString unsorted;
             for (unsigned long point = 1; point < 200000; point += 777)
@@ -286,8 +276,7 @@ class Message final : public QuonMessage
 TEST(AllocationFailure, MessageQueue)
 {
     const int places = ExpectSurvives(
-        []
-        {
+        [] {
             QuonMessageQueue queue(nullptr, nullptr);
             for (int i = 0; i < 12; ++i)
             {
@@ -318,8 +307,7 @@ TEST(AllocationFailure, WindowMessageServer)
     const UINT any = WM_APP;
     ASSERT_EQ(QuonWndMsgServer::GetWndMsgServer()->AddCallback(&any, &next, &first), S_OK);
     const int places = ExpectSurvives(
-        [&next]
-        {
+        [&next] {
             QuonWndMsgServer* const server = QuonWndMsgServer::GetWndMsgServer();
             Listener listener;
             UINT cookie = 0;
@@ -348,8 +336,7 @@ constexpr char kDocument[] = "<r><a id='1' x='5'>one</a><a id='2'>two<b id='3'/>
 TEST_F(AllocationFailureXml, LoadingWalkingAndSaving)
 {
     const int places = ExpectSurvives(
-        []
-        {
+        [] {
             QuonXml xml(L"none.xml", false, false, false);
             xml.LoadFromMemory(xml.GetDocument(), reinterpret_cast<const unsigned char*>(kDocument),
                                sizeof kDocument - 1);
@@ -367,8 +354,7 @@ TEST_F(AllocationFailureXml, FindingAndReadingNodes)
 {
     const MSXML2::IXMLDOMDocumentPtr document = quon_test::Parse(CString(kDocument));
     const int places = ExpectSurvives(
-        [&]
-        {
+        [&] {
             const MSXML2::IXMLDOMNodeListPtr nodes = GetDocumentChildNodes(document);
             const quon_test::NodeArrayHolder found(FindNodesByName(nodes, L"a", true));
             const std::unique_ptr<CStringArray> texts(GetTextsOfNodes(found.get()));
@@ -387,8 +373,7 @@ TEST_F(AllocationFailureXml, FindingAndReadingNodes)
 TEST_F(AllocationFailureXml, BuildingADocument)
 {
     const int places = ExpectSurvives(
-        []
-        {
+        [] {
             const MSXML2::IXMLDOMDocumentPtr document = quon_test::EmptyDocument();
             CreateLandXmlDocument(document);
             const MSXML2::IXMLDOMNodePtr node = AppendNewElement(document, GetLandXmlRoot(document), L"e");

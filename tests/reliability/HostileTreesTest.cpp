@@ -199,17 +199,16 @@ TYPED_TEST(VanishingTrees, AWalkEndsWhenItsTreeVanishes)
         SCOPED_TRACE(at);
         const TemporaryFolder root;
         FillThreeLevels(root);
-        const std::vector<std::wstring> names = NamesOf<TypeParam>(root.Path(), kQuonMatchEverything,
-                                                                   [&](std::size_t match)
-                                                                   {
-                                                                       if (match == at)
-                                                                       {
-                                                                           for (const wchar_t* sub : {L"a", L"b", L"c"})
-                                                                           {
-                                                                               RemoveFolderTree((root / sub).c_str());
-                                                                           }
-                                                                       }
-                                                                   });
+        const std::vector<std::wstring> names =
+            NamesOf<TypeParam>(root.Path(), kQuonMatchEverything, [&](std::size_t match) {
+                if (match == at)
+                {
+                    for (const wchar_t* sub : {L"a", L"b", L"c"})
+                    {
+                        RemoveFolderTree((root / sub).c_str());
+                    }
+                }
+            });
         EXPECT_EQ(names.size(), Expected<TypeParam>().afterVanishing[at - 1]);
     }
 }
@@ -244,14 +243,12 @@ TYPED_TEST(VanishingTrees, AWalkGoesOnWhenAFolderIsRenamed)
     const TemporaryFolder root;
     FillThreeLevels(root);
     const std::vector<std::wstring> names =
-        NamesOf<TypeParam>(root.Path(), kQuonMatchEverything,
-                           [&](std::size_t match)
-                           {
-                               if (match == 1)
-                               {
-                                   ::MoveFileW((root / L"b").c_str(), (root / L"renamed").c_str());
-                               }
-                           });
+        NamesOf<TypeParam>(root.Path(), kQuonMatchEverything, [&](std::size_t match) {
+            if (match == 1)
+            {
+                ::MoveFileW((root / L"b").c_str(), (root / L"renamed").c_str());
+            }
+        });
     EXPECT_EQ(names.size(), Expected<TypeParam>().afterRenaming);
     for (const wchar_t* const found : {L"a\\x", L"a\\y", L"a\\z", L"c\\x", L"c\\y", L"c\\z"})
     {

@@ -67,10 +67,7 @@ std::string SignalEvent(bool pulse)
 
 std::vector<Row> MessagingRows()
 {
-    const auto server = []
-    {
-        return QuonWndMsgServer::GetWndMsgServer();
-    };
+    const auto server = [] { return QuonWndMsgServer::GetWndMsgServer(); };
     return {
         {"CreateEventW", kZero, "2000003", &StartServer},
         {"CreateThread", kZero, "2000003", &StartServer},
@@ -78,26 +75,12 @@ std::vector<Row> MessagingRows()
         {"QueueUserAPC", kZero, "1000001", &PostMessageToQueue},
         {"SleepEx", kZero, "2002001", &PeekAtQueue},
         {"WaitForMultipleObjectsEx", 0xFFFFFFFF, "served", &ServeAHandler},
-        {"SetEvent", kZero, "0",
-         [](const Folder&)
-         {
-             return SignalEvent(false);
-         }},
-        {"PulseEvent", kZero, "0",
-         [](const Folder&)
-         {
-             return SignalEvent(true);
-         }},
+        {"SetEvent", kZero, "0", [](const Folder&) { return SignalEvent(false); }},
+        {"PulseEvent", kZero, "0", [](const Folder&) { return SignalEvent(true); }},
         {"PostMessageW", kZero, "0",
-         [server](const Folder&)
-         {
-             return std::to_string(server()->PostToWindow(WM_NULL, 0, 0));
-         }},
+         [server](const Folder&) { return std::to_string(server()->PostToWindow(WM_NULL, 0, 0)); }},
         {"SendMessageW", kZero, "0",
-         [server](const Folder&)
-         {
-             return std::to_string(server()->SendToWindow(WM_GETTEXTLENGTH, 0, 0));
-         }},
+         [server](const Folder&) { return std::to_string(server()->SendToWindow(WM_GETTEXTLENGTH, 0, 0)); }},
     };
 }
 

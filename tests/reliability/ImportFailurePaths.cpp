@@ -53,25 +53,12 @@ std::vector<Row> PathRows()
 {
     return {
         {"CopyFileW", kZero, "1",
-         [](const Folder& f)
-         {
-             return std::to_string(CopyOneFile(f.File().c_str(), (f / L"copy").c_str(), FALSE));
-         }},
+         [](const Folder& f) { return std::to_string(CopyOneFile(f.File().c_str(), (f / L"copy").c_str(), FALSE)); }},
         {"CreateDirectoryW", kZero, "1",
-         [](const Folder& f)
-         {
-             return std::to_string(CreateFolderTree((f / L"new").c_str()));
-         }},
-        {"DeleteFileW", kZero, "1",
-         [](const Folder& f)
-         {
-             return std::to_string(DeleteFileForced(f.File().c_str()));
-         }},
+         [](const Folder& f) { return std::to_string(CreateFolderTree((f / L"new").c_str())); }},
+        {"DeleteFileW", kZero, "1", [](const Folder& f) { return std::to_string(DeleteFileForced(f.File().c_str())); }},
         {"SetFileAttributesW", kZero, "1",
-         [](const Folder& f)
-         {
-             return std::to_string(DeleteFileForced((f / L"locked").c_str()));
-         }},
+         [](const Folder& f) { return std::to_string(DeleteFileForced((f / L"locked").c_str())); }},
         {"GetFileAttributesW", kMinusOne, "0", &Info},
         {"CreateFileW", kMinusOne, "0", &Info},
         {"GetFileTime", kZero, "0", &Info},
@@ -84,46 +71,22 @@ std::vector<Row> PathRows()
         // The first call is made for the folder's own two entries, and ends the search for a first match.
         {"FindNextFileW", kZero, "01", &FindFirstAndSecond},
         {"FindClose", kZero, "11", &FindFirstAndSecond},
-        {"GetCurrentDirectoryW", kZero, "",
-         [](const Folder&)
-         {
-             return Folder_(QuonFolderCurrent);
-         }},
-        {"GetModuleFileNameW", kZero, "",
-         [](const Folder&)
-         {
-             return Folder_(QuonFolderModuleFile);
-         }},
-        {"GetSystemDirectoryW", kZero, "",
-         [](const Folder&)
-         {
-             return Folder_(QuonFolderSystem);
-         }},
-        {"GetTempPathW", kZero, "",
-         [](const Folder&)
-         {
-             return Folder_(QuonFolderTemp);
-         }},
-        {"GetWindowsDirectoryW", kZero, "",
-         [](const Folder&)
-         {
-             return Folder_(QuonFolderWindows);
-         }},
+        {"GetCurrentDirectoryW", kZero, "", [](const Folder&) { return Folder_(QuonFolderCurrent); }},
+        {"GetModuleFileNameW", kZero, "", [](const Folder&) { return Folder_(QuonFolderModuleFile); }},
+        {"GetSystemDirectoryW", kZero, "", [](const Folder&) { return Folder_(QuonFolderSystem); }},
+        {"GetTempPathW", kZero, "", [](const Folder&) { return Folder_(QuonFolderTemp); }},
+        {"GetWindowsDirectoryW", kZero, "", [](const Folder&) { return Folder_(QuonFolderWindows); }},
         {"RegOpenKeyExW", ERROR_ACCESS_DENIED, "5", &Shell},
         {"RegQueryValueExW", ERROR_ACCESS_DENIED, "5", &Shell},
         {"RegCloseKey", ERROR_ACCESS_DENIED, "5", &Shell},
         {"PathCombineW", kZero, "",
-         [](const Folder&)
-         {
+         [](const Folder&) {
              CString result;
              CombinePaths(result, L"a", L"b");
              return Narrow(result);
          }},
         {"PathRelativePathToW", kZero, "",
-         [](const Folder&)
-         {
-             return Narrow(QuonPath(L"C:\\a\\b", 0).MakeRelativeTo(QuonPath(L"C:\\a\\c", 0)));
-         }},
+         [](const Folder&) { return Narrow(QuonPath(L"C:\\a\\b", 0).MakeRelativeTo(QuonPath(L"C:\\a\\c", 0))); }},
     };
 }
 

@@ -53,36 +53,15 @@ std::vector<Row> SupportRows()
 {
     return
     {
-        {"CharLowerBuffW", kZero, "AbC",
-         [](const Folder&)
-         {
-             return Narrow(ToLowerCopy(L"AbC"));
-         }},
-            {"CharUpperBuffW", kZero, "AbC",
-             [](const Folder&)
-             {
-                 return Narrow(ToUpperCopy(L"AbC"));
-             }},
+        {"CharLowerBuffW", kZero, "AbC", [](const Folder&) { return Narrow(ToLowerCopy(L"AbC")); }},
+            {"CharUpperBuffW", kZero, "AbC", [](const Folder&) { return Narrow(ToUpperCopy(L"AbC")); }},
             {"FormatMessageW", kZero, "",
-             [](const Folder&)
-             {
-                 return Narrow(GetSystemErrorText(ERROR_FILE_NOT_FOUND));
-             }},
+             [](const Folder&) { return Narrow(GetSystemErrorText(ERROR_FILE_NOT_FOUND)); }},
             {"LocalFree", 1, "text",
-             [](const Folder&)
-             {
-                 return GetSystemErrorText(ERROR_FILE_NOT_FOUND).IsEmpty() ? "none" : "text";
-             }},
-            {"StringFromCLSID", kNoMemory, "",
-             [](const Folder&)
-             {
-                 return Narrow(ClsidToString(IID_IUnknown));
-             }},
+             [](const Folder&) { return GetSystemErrorText(ERROR_FILE_NOT_FOUND).IsEmpty() ? "none" : "text"; }},
+            {"StringFromCLSID", kNoMemory, "", [](const Folder&) { return Narrow(ClsidToString(IID_IUnknown)); }},
             {"MessageBoxW", kZero, "0",
-             [](const Folder&)
-             {
-                 return std::to_string(ShowErrorBox(ERROR_FILE_NOT_FOUND));
-             }},
+             [](const Folder&) { return std::to_string(ShowErrorBox(ERROR_FILE_NOT_FOUND)); }},
             {"VirtualAlloc", kZero, "refused", &TakePages},
 #if !defined(_MSC_VER)
             {"MultiByteToWideChar", kZero, "0 2.500000", &ParseInALocale},

@@ -42,28 +42,23 @@ std::string OpenStream(const Folder& folder)
 
 std::string WriteStream(const Folder& folder)
 {
-    return UseStream(folder,
-                     [](QuonFileStream& stream)
-                     {
-                         stream.OpenForWrite(L"out");
-                         ULONG written = 0;
-                         return Hex(stream.Write("x", 1, &written));
-                     });
+    return UseStream(folder, [](QuonFileStream& stream) {
+        stream.OpenForWrite(L"out");
+        ULONG written = 0;
+        return Hex(stream.Write("x", 1, &written));
+    });
 }
 
 std::string ReadStream(const Folder& folder)
 {
     const std::wstring path = folder.File();
-    return UseStream(folder,
-                     [&path](QuonFileStream& stream)
-                     {
-                         stream.m_hFile = ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                                        OPEN_EXISTING, 0, nullptr);
-                         stream.m_bRead = true;
-                         char byte = 0;
-                         ULONG read = 0;
-                         return Hex(stream.Read(&byte, 1, &read));
-                     });
+    return UseStream(folder, [&path](QuonFileStream& stream) {
+        stream.m_hFile = ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+        stream.m_bRead = true;
+        char byte = 0;
+        ULONG read = 0;
+        return Hex(stream.Read(&byte, 1, &read));
+    });
 }
 
 constexpr char kDocument[] = "<r a='7'/>";
@@ -117,10 +112,7 @@ std::string WaitForDocument(const Folder&)
 {
     quon_test::ForwardingDocument document(quon_test::Parse(L"<r/>"));
     int asked = 0;
-    document.readyState = [&asked]
-    {
-        return ++asked < 2 ? 1 : 4;
-    };
+    document.readyState = [&asked] { return ++asked < 2 ? 1 : 4; };
     QuonXml xml(L"", false, false, false);
     ::PostThreadMessageW(::GetCurrentThreadId(), WM_APP, 0, 0);
     ::PostThreadMessageW(::GetCurrentThreadId(), WM_APP, 0, 0);
@@ -163,8 +155,7 @@ std::vector<Row> XmlRows()
         {"VariantClear", kFailed, "7", &ReadLong},
         {"GetErrorInfo", S_FALSE, "_com_error = No IErrorInfo recorded - Error is undefined!", &DescribeAFailedList},
         {"GetFullPathNameW", kZero, Hex(E_FAIL),
-         [](const Folder&)
-         {
+         [](const Folder&) {
              QuonXml xml(L"", false, false, false);
              return Hex(xml.LoadFromUrl(L"file.xml"));
          }},

@@ -64,30 +64,27 @@ TEST_F(Soak, MessagesOfSeveralProducersArriveWholeAndInOrder)
         std::vector<std::thread> producers;
         for (unsigned producer = 0; producer < kProducers; ++producer)
         {
-            producers.emplace_back(
-                [&, producer]
+            producers.emplace_back([&, producer] {
+                for (unsigned number = 0; !IsOver(); ++number)
                 {
-                    for (unsigned number = 0; !IsOver(); ++number)
+                    while (liveMessages > kMostOnTheWay)
                     {
-                        while (liveMessages > kMostOnTheWay)
-                        {
-                            ::SwitchToThread();
-                        }
-                        auto message = std::make_unique<CountedMessage>(producer, number);
-                        if (queue.Post(message.get()) != kQuonServerOk)
-                        {
-                            ADD_FAILURE() << "a message was refused";
-                            return;
-                        }
-                        message.release();
-                        ++posted;
+                        ::SwitchToThread();
                     }
-                });
+                    auto message = std::make_unique<CountedMessage>(producer, number);
+                    if (queue.Post(message.get()) != kQuonServerOk)
+                    {
+                        ADD_FAILURE() << "a message was refused";
+                        return;
+                    }
+                    message.release();
+                    ++posted;
+                }
+            });
         }
         std::vector<unsigned> next(kProducers, 0);
         unsigned long long taken = 0;
-        const auto takeAll = [&]
-        {
+        const auto takeAll = [&] {
             QuonMessage* message = nullptr;
             while (queue.GetNext(&message) == kQuonServerOk)
             {

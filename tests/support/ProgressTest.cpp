@@ -259,13 +259,11 @@ TEST_F(Progress, TakesANullCallbackAndCountsAsOn)
 
 TEST_F(Progress, CallbackMayTakeItselfAway)
 {
-    SetProgressCallback(
-        [](int command, unsigned int a, LPARAM b)
-        {
-            g_calls.push_back({command, a, b});
-            SetProgressCallback(nullptr);
-            return 1;
-        });
+    SetProgressCallback([](int command, unsigned int a, LPARAM b) {
+        g_calls.push_back({command, a, b});
+        SetProgressCallback(nullptr);
+        return 1;
+    });
     EXPECT_FALSE(SubProgressRefresh());
     EXPECT_EQ(Take(), (Calls{{8, 0, 0}, kTick, kTick}));
 }
@@ -273,16 +271,14 @@ TEST_F(Progress, CallbackMayTakeItselfAway)
 TEST_F(Progress, SeesThePositionBeforeTheCallback)
 {
     // A callback that reads the position back through command 5 sees the new one.
-    SetProgressCallback(
-        [](int command, unsigned int a, LPARAM b)
+    SetProgressCallback([](int command, unsigned int a, LPARAM b) {
+        g_calls.push_back({command, a, b});
+        if (command == 1)
         {
-            g_calls.push_back({command, a, b});
-            if (command == 1)
-            {
-                ProgressCommand5(0);
-            }
-            return 0;
-        });
+            ProgressCommand5(0);
+        }
+        return 0;
+    });
     ProgressSetPosition(12);
     EXPECT_EQ(Take(), (Calls{{1, 12, 0}, {5, 12, 0}, kTick}));
 }

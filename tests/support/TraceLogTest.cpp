@@ -111,13 +111,10 @@ TEST(DebugLog, NamesTheCallingThread)
 {
     OutputRecord output;
     DWORD threadId = 0;
-    std::thread(
-        [&]
-        {
-            threadId = ::GetCurrentThreadId();
-            DebugLog(L"worker", 1, L"run");
-        })
-        .join();
+    std::thread([&] {
+        threadId = ::GetCurrentThreadId();
+        DebugLog(L"worker", 1, L"run");
+    }).join();
     EXPECT_NE(threadId, ::GetCurrentThreadId());
     EXPECT_EQ(output.Take(), L"worker(1): LOG " + std::wstring(83, L'.') + ThreadTag(threadId) + L" run\n");
 }

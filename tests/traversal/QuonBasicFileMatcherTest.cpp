@@ -162,9 +162,8 @@ TEST_F(BasicFileMatcher, ResultsTellWhetherThereIsAMatch)
 TEST_F(BasicFileMatcher, GettersInEveryState)
 {
     QuonBasicFileMatcher matcher;
-    const auto expect =
-        [&matcher](const wchar_t* state, const std::wstring& path, const std::wstring& name, const std::wstring& folder)
-    {
+    const auto expect = [&matcher](const wchar_t* state, const std::wstring& path, const std::wstring& name,
+                                   const std::wstring& folder) {
         EXPECT_EQ(Text(matcher.GetFoundPath()), path) << testing::PrintToString(std::wstring(state));
         EXPECT_EQ(Text(matcher.GetFoundName()), name) << testing::PrintToString(std::wstring(state));
         EXPECT_EQ(Text(matcher.GetFolder()), folder) << testing::PrintToString(std::wstring(state));

@@ -215,8 +215,7 @@ TYPED_TEST(SearchHandlesOf, AreAllClosedHoweverTheWalkEnds)
     for (int steps = 0; steps < 12; ++steps)
     {
         SCOPED_TRACE(testing::Message() << "after " << steps << " steps");
-        const auto walk = [&](QuonFileMatch& match)
-        {
+        const auto walk = [&](QuonFileMatch& match) {
             match.FindFirst(folder.Path().c_str(), L"*", 0x20);
             for (int i = 0; i < steps; ++i)
             {

@@ -19,10 +19,7 @@ using Action = std::function<HRESULT()>;
 
 inline Action Returns(HRESULT result)
 {
-    return [result]
-    {
-        return result;
-    };
+    return [result] { return result; };
 }
 
 /// Counts the calls of a fake by method and replaces chosen ones.
@@ -65,17 +62,15 @@ public:
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override
     {
-        return plan.Run("QueryInterface",
-                        [&]() -> HRESULT
-                        {
-                            if (!Offers(iid))
-                            {
-                                return QueryInner(iid, object);
-                            }
-                            *object = static_cast<Interface*>(this);
-                            ++references;
-                            return S_OK;
-                        });
+        return plan.Run("QueryInterface", [&]() -> HRESULT {
+            if (!Offers(iid))
+            {
+                return QueryInner(iid, object);
+            }
+            *object = static_cast<Interface*>(this);
+            ++references;
+            return S_OK;
+        });
     }
     ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references); }
     ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references); }
@@ -218,15 +213,15 @@ public:
 
     HRESULT STDMETHODCALLTYPE get_childNodes(IXMLDOMNodeList** out) override
     {
-        return this->plan.Run(
-            "get_childNodes",
-            [&] { return children != nullptr ? (Give(children, out), S_OK) : m_inner->get_childNodes(out); });
+        return this->plan.Run("get_childNodes", [&] {
+            return children != nullptr ? (Give(children, out), S_OK) : m_inner->get_childNodes(out);
+        });
     }
     HRESULT STDMETHODCALLTYPE get_attributes(IXMLDOMNamedNodeMap** out) override
     {
-        return this->plan.Run(
-            "get_attributes",
-            [&] { return attributes != nullptr ? (Give(attributes, out), S_OK) : m_inner->get_attributes(out); });
+        return this->plan.Run("get_attributes", [&] {
+            return attributes != nullptr ? (Give(attributes, out), S_OK) : m_inner->get_attributes(out);
+        });
     }
     FORWARD(get_nodeName, (BSTR * out), (out))
     FORWARD(get_nodeValue, (VARIANT * out), (out))
@@ -304,9 +299,9 @@ public:
 
     HRESULT STDMETHODCALLTYPE get_parseError(IXMLDOMParseError** out) override
     {
-        return plan.Run(
-            "get_parseError",
-            [&] { return parseError != nullptr ? (Give(parseError, out), S_OK) : m_inner->get_parseError(out); });
+        return plan.Run("get_parseError", [&] {
+            return parseError != nullptr ? (Give(parseError, out), S_OK) : m_inner->get_parseError(out);
+        });
     }
     HRESULT STDMETHODCALLTYPE get_readyState(LONG* out) override
     {

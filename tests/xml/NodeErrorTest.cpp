@@ -126,26 +126,10 @@ TEST_F(XmlNodesFailure, ChildrenThatAreMissingInARecursiveSearch)
     list.nodes.emplace_back(&node);
     const IXMLDOMNodeListPtr pointer(&list);
     CheckStatuses({
-        {L"pNodes is NULL!",
-         [&]
-         {
-             FindFirstNodeByName(pointer, L"none", true);
-         }},
-        {L"pNodes is NULL!",
-         [&]
-         {
-             FindNodesByName(pointer, L"none", true);
-         }},
-        {L"pNodes is NULL!",
-         [&]
-         {
-             FindNodeByNameAndText(pointer, L"none", L"", true);
-         }},
-        {L"pNodes is NULL!",
-         [&]
-         {
-             CollectNodesWithAttributes(m_array, pointer, L"none", L"k", L"v", true);
-         }},
+        {L"pNodes is NULL!", [&] { FindFirstNodeByName(pointer, L"none", true); }},
+        {L"pNodes is NULL!", [&] { FindNodesByName(pointer, L"none", true); }},
+        {L"pNodes is NULL!", [&] { FindNodeByNameAndText(pointer, L"none", L"", true); }},
+        {L"pNodes is NULL!", [&] { CollectNodesWithAttributes(m_array, pointer, L"none", L"k", L"v", true); }},
     });
     EXPECT_EQ(node.references, 2);
 }
@@ -175,10 +159,7 @@ TEST_F(XmlNodesFailure, CollectingByAttributes)
     list.nodes.emplace_back(&first);
     list.nodes.emplace_back(&node);
     const IXMLDOMNodeListPtr pointer(&list);
-    const auto collect = [&]
-    {
-        CollectNodesWithAttributes(m_array, pointer, L"r", L"k", L"v", false);
-    };
+    const auto collect = [&] { CollectNodesWithAttributes(m_array, pointer, L"r", L"k", L"v", false); };
 
     attribute.plan.Replace("get_nodeValue", Returns(E_ACCESSDENIED));
     EXPECT_TRUE(IsResultText(StatusOf(collect), L"", E_ACCESSDENIED));
@@ -256,10 +237,7 @@ TEST_F(XmlNodesFailure, SettingAnAttributeTurnsErrorsIntoTexts)
 {
     ForwardingElement element{IXMLDOMElementPtr(m_root)};
     const IXMLDOMNodePtr pointer(&element);
-    const auto set = [&]
-    {
-        SetAttributeOnNode(m_document, pointer, L"a", L"1");
-    };
+    const auto set = [&] { SetAttributeOnNode(m_document, pointer, L"a", L"1"); };
     element.plan.Replace("setAttribute", Returns(E_ACCESSDENIED));
     EXPECT_EQ(StatusOf(set), L"COM Error:\n");
     element.plan.Replace("setAttribute", []() -> HRESULT { RaiseDescribed(E_FAIL, L"read only"); });
@@ -281,8 +259,7 @@ TEST_F(XmlNodesFailure, SettingAnAttributeTurnsErrorsIntoTexts)
 TEST_F(XmlNodesFailure, ArraysThatCannotBeMade)
 {
     const IXMLDOMNodeListPtr list = GetDocumentChildNodes(m_document);
-    const auto failing = [](const std::function<void()>& work)
-    {
+    const auto failing = [](const std::function<void()>& work) {
         const OutOfMemory patch;
         return StatusOf(work);
     };

@@ -105,34 +105,22 @@ struct ValuePath
 };
 
 const ValuePath kValuePaths[] = {
-    {"GetValuesOfAttribute",
-     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c)
-     {
-         return GetValuesOfAttribute(d, r, c, L"k");
-     }},
+    {"GetValuesOfAttribute", [](const IXMLDOMDocumentPtr& d, const wchar_t* r,
+                                const wchar_t* c) { return GetValuesOfAttribute(d, r, c, L"k"); }},
     {"GetValuesOfAttributeByRootText",
-     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c)
-     {
+     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c) {
          return GetValuesOfAttributeByRootText(d, r, c, L"a", L"k");
      }},
     {"GetValuesOfAttributeByRootAttribute",
-     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c)
-     {
+     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c) {
          return GetValuesOfAttributeByRootAttribute(d, r, c, L"kind", L"x", L"k");
      }},
     {"GetTextsOfChildren",
-     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c)
-     {
-         return GetTextsOfChildren(d, r, c);
-     }},
-    {"GetTextsOfChildrenByRootText",
-     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c)
-     {
-         return GetTextsOfChildrenByRootText(d, r, c, L"a");
-     }},
+     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c) { return GetTextsOfChildren(d, r, c); }},
+    {"GetTextsOfChildrenByRootText", [](const IXMLDOMDocumentPtr& d, const wchar_t* r,
+                                        const wchar_t* c) { return GetTextsOfChildrenByRootText(d, r, c, L"a"); }},
     {"GetTextsOfChildrenByRootAttribute",
-     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c)
-     {
+     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c) {
          return GetTextsOfChildrenByRootAttribute(d, r, c, L"kind", L"x");
      }},
 };

@@ -49,8 +49,7 @@ TEST(QuonFileStream, StartsWithoutAFileInReadMode)
 TEST(QuonFileStream, FieldsFollowTheVirtualTableInOrder)
 {
     const Stream stream;
-    const auto offset = [&](const void* field)
-    {
+    const auto offset = [&](const void* field) {
         return static_cast<const char*>(field) - reinterpret_cast<const char*>(stream.Get());
     };
     EXPECT_EQ(offset(&stream->m_hFile), 8);
@@ -142,8 +141,7 @@ TEST(QuonFileStream, CreatesTheFileWithTheseArguments)
     const ImportPatch<decltype(&::CreateFileA)> patch(
         L"QuonWin32Utils.dll", "CreateFileA",
         [](LPCSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD attributes,
-           HANDLE model) WINAPI -> HANDLE
-        {
+           HANDLE model) WINAPI -> HANDLE {
             call = {name, access, share, disposition, attributes, security == nullptr && model == nullptr};
             return INVALID_HANDLE_VALUE;
         });
@@ -165,8 +163,7 @@ TEST(QuonFileStream, RefusesNamesThatDoNotFit)
     opened = 0;
     const ImportPatch<decltype(&::CreateFileA)> patch(
         L"QuonWin32Utils.dll", "CreateFileA",
-        [](LPCSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) WINAPI -> HANDLE
-        {
+        [](LPCSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) WINAPI -> HANDLE {
             ++opened;
             return INVALID_HANDLE_VALUE;
         });
@@ -233,8 +230,8 @@ TEST(QuonFileStream, WriteFailsWhenTheFileDoes)
     const Stream stream;
     ASSERT_TRUE(stream->OpenForWrite((folder / L"out").c_str()));
     const ImportPatch<decltype(&::WriteFile)> patch(L"QuonWin32Utils.dll", "WriteFile",
-                                                    [](HANDLE, LPCVOID, DWORD, LPDWORD, LPOVERLAPPED) WINAPI -> BOOL
-                                                    { return FALSE; });
+                                                    [](HANDLE, LPCVOID, DWORD, LPDWORD, LPOVERLAPPED)
+                                                        WINAPI -> BOOL { return FALSE; });
     ULONG written = 0;
     EXPECT_EQ(stream->Write("abc", 3, &written), E_FAIL);
 }

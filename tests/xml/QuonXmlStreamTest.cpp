@@ -88,8 +88,7 @@ TEST_F(QuonXmlTest, AFileStreamThatCannotBeOpenedGoesToTheParser)
     FakePersist persist;
     document.persist = &persist;
     ULONG afterwards = 0;
-    persist.onLoad = [&](IStream* stream)
-    {
+    persist.onLoad = [&](IStream* stream) {
         char byte;
         EXPECT_EQ(stream->Read(&byte, 1, nullptr), E_FAIL);
         stream->AddRef();
@@ -137,14 +136,12 @@ std::vector<std::pair<std::wstring, DWORD>> g_resolved;
 TEST_F(QuonXmlTest, LoadFromUrlResolvesAndFails)
 {
     g_resolved.clear();
-    const ImportPatch<decltype(&::GetFullPathNameW)> patch(kLibrary, "GetFullPathNameW",
-                                                           [](LPCWSTR name, DWORD size, LPWSTR buffer, LPWSTR* part)
-                                                               WINAPI -> DWORD
-                                                           {
-                                                               EXPECT_EQ(part, nullptr);
-                                                               g_resolved.emplace_back(name, size);
-                                                               return ::GetFullPathNameW(name, size, buffer, part);
-                                                           });
+    const ImportPatch<decltype(&::GetFullPathNameW)> patch(
+        kLibrary, "GetFullPathNameW", [](LPCWSTR name, DWORD size, LPWSTR buffer, LPWSTR* part) WINAPI -> DWORD {
+            EXPECT_EQ(part, nullptr);
+            g_resolved.emplace_back(name, size);
+            return ::GetFullPathNameW(name, size, buffer, part);
+        });
     QuonXml xml(L"local.xml", true, true, false);
     xml.m_pDoc = m_pointer;
     EXPECT_EQ(xml.LoadFromUrl(L"http://host/file.xml"), E_FAIL);
@@ -202,8 +199,7 @@ TEST_F(QuonXmlTest, MemoryHoldsTheBytesOfTheStream)
         EXPECT_EQ(std::string(reinterpret_cast<const char*>(buffer), size), persist.toSave);
 
         std::string seen;
-        persist.onLoad = [&](IStream* stream)
-        {
+        persist.onLoad = [&](IStream* stream) {
             char byte;
             ULONG read = 0;
             while (stream->Read(&byte, 1, &read) == S_OK && read == 1)
@@ -225,19 +221,15 @@ std::vector<HGLOBAL> g_locked;
 TEST_F(QuonXmlTest, TheMemoryOfTheStreamIsUnlockedAgain)
 {
     g_locked.clear();
-    const ImportPatch<decltype(&::GlobalLock)> locking(kLibrary, "GlobalLock",
-                                                       [](HGLOBAL memory) WINAPI -> LPVOID
-                                                       {
-                                                           g_locked.push_back(memory);
-                                                           return ::GlobalLock(memory);
-                                                       });
-    const ImportPatch<decltype(&::GlobalUnlock)> unlocking(kLibrary, "GlobalUnlock",
-                                                           [](HGLOBAL memory) WINAPI -> BOOL
-                                                           {
-                                                               EXPECT_EQ(g_locked, std::vector<HGLOBAL>{memory});
-                                                               g_locked.clear();
-                                                               return ::GlobalUnlock(memory);
-                                                           });
+    const ImportPatch<decltype(&::GlobalLock)> locking(kLibrary, "GlobalLock", [](HGLOBAL memory) WINAPI -> LPVOID {
+        g_locked.push_back(memory);
+        return ::GlobalLock(memory);
+    });
+    const ImportPatch<decltype(&::GlobalUnlock)> unlocking(kLibrary, "GlobalUnlock", [](HGLOBAL memory) WINAPI -> BOOL {
+        EXPECT_EQ(g_locked, std::vector<HGLOBAL>{memory});
+        g_locked.clear();
+        return ::GlobalUnlock(memory);
+    });
     QuonXml xml(L"", false, false, false);
     unsigned char* buffer = nullptr;
     unsigned long size = 0;
@@ -275,14 +267,12 @@ TEST_F(QuonXmlTest, MemoryStepsThatFailGiveTheirResults)
         delete[] buffer;
         buffer = nullptr;
     }
-    const ImportPatch<decltype(&::CreateStreamOnHGlobal)> patch(kLibrary, "CreateStreamOnHGlobal",
-                                                                [](HGLOBAL memory, BOOL deletes, LPSTREAM*)
-                                                                    WINAPI -> HRESULT
-                                                                {
-                                                                    EXPECT_EQ(memory, nullptr);
-                                                                    EXPECT_TRUE(deletes);
-                                                                    return E_UNEXPECTED;
-                                                                });
+    const ImportPatch<decltype(&::CreateStreamOnHGlobal)> patch(
+        kLibrary, "CreateStreamOnHGlobal", [](HGLOBAL memory, BOOL deletes, LPSTREAM*) WINAPI -> HRESULT {
+            EXPECT_EQ(memory, nullptr);
+            EXPECT_TRUE(deletes);
+            return E_UNEXPECTED;
+        });
     EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), E_UNEXPECTED);
     EXPECT_EQ(xml.LoadFromMemory(pointer, bytes, 3), E_UNEXPECTED);
     EXPECT_EQ(persist.references, 1);
@@ -326,8 +316,7 @@ TEST_F(QuonXmlTest, StreamOperationsThatFailGiveTheirResults)
     FailingStream stream;
     g_stream = &stream;
     const ImportPatch<decltype(&::CreateStreamOnHGlobal)> patch(kLibrary, "CreateStreamOnHGlobal",
-                                                                [](HGLOBAL, BOOL, LPSTREAM* out) WINAPI -> HRESULT
-                                                                {
+                                                                [](HGLOBAL, BOOL, LPSTREAM* out) WINAPI -> HRESULT {
                                                                     g_stream->AddRef();
                                                                     *out = g_stream;
                                                                     return S_OK;

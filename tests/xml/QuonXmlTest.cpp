@@ -20,8 +20,7 @@ TEST_F(QuonXmlTest, StartsWithADocumentAndItsArguments)
 TEST_F(QuonXmlTest, FieldsStandInOrder)
 {
     const QuonXml xml(L"", false, false, false);
-    const auto offset = [&](const void* field)
-    {
+    const auto offset = [&](const void* field) {
         return static_cast<const char*>(field) - reinterpret_cast<const char*>(&xml);
     };
     EXPECT_EQ(offset(&xml.m_pDoc), 8);
@@ -45,16 +44,14 @@ TEST_F(QuonXmlTest, CreatesItsDocumentAndReportsNoFailure)
     g_creations.clear();
     g_initialisations = 0;
     const ImportPatch<decltype(&::CoInitialize)> initialising(kLibrary, "CoInitialize",
-                                                              [](LPVOID reserved) WINAPI -> HRESULT
-                                                              {
+                                                              [](LPVOID reserved) WINAPI -> HRESULT {
                                                                   EXPECT_EQ(reserved, nullptr);
                                                                   ++g_initialisations;
                                                                   return E_FAIL;
                                                               });
     const ImportPatch<decltype(&::CoCreateInstance)> creating(
         kLibrary, "CoCreateInstance",
-        [](REFCLSID clsid, LPUNKNOWN, DWORD context, REFIID, LPVOID* object) WINAPI -> HRESULT
-        {
+        [](REFCLSID clsid, LPUNKNOWN, DWORD context, REFIID, LPVOID* object) WINAPI -> HRESULT {
             g_creations.push_back({clsid, context});
             *object = nullptr;
             return REGDB_E_CLASSNOTREG;
@@ -204,8 +201,7 @@ TEST_F(QuonXmlTest, AnErrorOfABackgroundLoadIsShownAndReturned)
     Loading document(Parse(L"<r/>"));
     document.parseError = &m_error;
     int asked = 0;
-    document.readyState = [&]
-    {
+    document.readyState = [&] {
         return ++asked < 3 ? 2 * asked - 1 : 4;  // 1, then 3, which is not enough yet
     };
     m_error.code = static_cast<LONG>(0xC00CE56D);
@@ -359,10 +355,7 @@ TEST_F(QuonXmlTest, WaitingDispatchesMessagesAndEmptiesTheQueue)
     QuonXml xml(L"", false, false, false);
 
     g_dispatched.clear();
-    m_document.readyState = []
-    {
-        return g_dispatched.size() >= 2 ? 4 : 1;
-    };
+    m_document.readyState = [] { return g_dispatched.size() >= 2 ? 4 : 1; };
     for (UINT i = 0; i < 4; ++i)
     {
         ::PostMessageW(window, WM_APP + i, 0, 0);
@@ -372,10 +365,7 @@ TEST_F(QuonXmlTest, WaitingDispatchesMessagesAndEmptiesTheQueue)
     EXPECT_EQ(m_document.plan.Count("get_readyState"), 3) << "asked before each message and not while emptying";
 
     g_dispatched.clear();
-    m_document.readyState = []
-    {
-        return 4;
-    };
+    m_document.readyState = [] { return 4; };
     ::PostMessageW(window, WM_APP + 9, 0, 0);
     ::PostQuitMessage(5);
     xml.WaitUntilLoaded(m_pointer);

@@ -37,13 +37,11 @@ protected:
     FakeParseError m_error;
 
 private:
-    const ImportPatch<decltype(&::MessageBoxW)> m_patch{kLibrary, "MessageBoxW",
-                                                        [](HWND owner, LPCWSTR text, LPCWSTR caption, UINT type)
-                                                            WINAPI -> int
-                                                        {
-                                                            g_boxes.push_back({owner, text, caption, type});
-                                                            return IDOK;
-                                                        }};
+    const ImportPatch<decltype(&::MessageBoxW)> m_patch{
+        kLibrary, "MessageBoxW", [](HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) WINAPI -> int {
+            g_boxes.push_back({owner, text, caption, type});
+            return IDOK;
+        }};
 };
 
 }  // namespace quon_test

@@ -18,8 +18,8 @@ protected:
         CStringArray rootArray;
         Fill(instructionArray, instructions);
         Fill(rootArray, roots);
-        return StatusOf([&]
-                        { m_root = WriteXmlFile(document, Path(L"out.xml"), instructionArray, rootArray, overwrite); });
+        return StatusOf(
+            [&] { m_root = WriteXmlFile(document, Path(L"out.xml"), instructionArray, rootArray, overwrite); });
     }
 
     IXMLDOMNodePtr m_root;

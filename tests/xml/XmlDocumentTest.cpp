@@ -35,9 +35,7 @@ public:
     }
 
 private:
-    ImportPatch<decltype(&::_time64)> m_patch{kLibrary, "_time64",
-                                              [](__time64_t*)
-                                              {
+    ImportPatch<decltype(&::_time64)> m_patch{kLibrary, "_time64", [](__time64_t*) {
                                                   ++g_clockReads;
                                                   return g_now;
                                               }};
@@ -162,10 +160,7 @@ TEST_F(XmlDocumentTest, LoadFailuresHaveTheirTexts)
     EXPECT_EQ(StatusOf([&] { LoadXmlFile(L"a.xml", m_none); }), L"pDoc is NULL!");
     EXPECT_EQ(StatusOf([&] { LoadXmlFile(Path(L"bad.xml"), m_pointer); }), L"pDoc->load failed!");
     EXPECT_EQ(StatusOf([&] { LoadXmlFile(Path(L"missing.xml"), m_pointer); }), L"pDoc->load failed!");
-    const auto load = [&]
-    {
-        LoadXmlFile(L"a.xml", m_pointer);
-    };
+    const auto load = [&] { LoadXmlFile(L"a.xml", m_pointer); };
     m_document.plan.Replace("load", Returns(E_ACCESSDENIED));
     EXPECT_EQ(StatusOf(load), L"Exception on pDoc->raw_load of file:\na.xml\n" +
                                   std::wstring(FormatHResultText(E_ACCESSDENIED).GetString()));
@@ -190,10 +185,7 @@ TEST_F(XmlDocumentTest, SaveFailuresHaveTheirTextsOrAreRaised)
 {
     EXPECT_EQ(StatusOf([&] { SaveXmlFile(L"", m_none); }), L"XMLFullFilename is empty!");
     EXPECT_EQ(StatusOf([&] { SaveXmlFile(L"a.xml", m_none); }), L"pDoc is NULL!");
-    const auto save = [&]
-    {
-        SaveXmlFile(L"a.xml", m_pointer);
-    };
+    const auto save = [&] { SaveXmlFile(L"a.xml", m_pointer); };
     m_document.plan.Replace("save", Returns(E_ACCESSDENIED));
     EXPECT_EQ(ErrorOf(save), E_ACCESSDENIED) << "raised, not thrown as a text";
     m_document.plan.Replace("save", Returns(S_FALSE));

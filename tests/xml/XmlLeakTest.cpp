@@ -59,14 +59,9 @@ public:
     TextAccount() { g_texts.clear(); }
 
 private:
-    const ImportPatch<decltype(&::SysAllocString)> m_making{kLibrary, "SysAllocString",
-                                                            [](const OLECHAR* text) WINAPI -> BSTR
-                                                            {
-                                                                return Record(::SysAllocString(text));
-                                                            }};
-    const ImportPatch<decltype(&::SysFreeString)> m_freeing{kLibrary, "SysFreeString",
-                                                            [](BSTR text) WINAPI -> void
-                                                            {
+    const ImportPatch<decltype(&::SysAllocString)> m_making{
+        kLibrary, "SysAllocString", [](const OLECHAR* text) WINAPI -> BSTR { return Record(::SysAllocString(text)); }};
+    const ImportPatch<decltype(&::SysFreeString)> m_freeing{kLibrary, "SysFreeString", [](BSTR text) WINAPI -> void {
                                                                 g_texts.erase(text);
                                                                 ::SysFreeString(text);
                                                             }};
@@ -218,24 +213,21 @@ TEST_F(XmlLeaks, SearchesLeaveNothingBehind)
     Check("GetChildNodesOfRoot", [&] { const NodeArrayHolder found(GetChildNodesOfRoot(m_pointer, L"r", L"x")); },
           {"get_childNodes", "get_length"});
     Check("CollectNodesWithAttributes",
-          [&]
-          {
+          [&] {
               QuonNodeArray found;
               const auto release = std::unique_ptr<QuonNodeArray, void (*)(QuonNodeArray*)>(&found, &ReleaseNodeArray);
               CollectNodesWithAttributes(found, list, L"r", L"k", L"v", true);
           },
           {"get_nodeName", "get_attributes", "getNamedItem", "get_nodeValue", "get_childNodes"});
     Check("AddNodes",
-          [&]
-          {
+          [&] {
               QuonNodeArray growing;
               AddNodes(&growing, &m_nodes);
               ReleaseNodeArray(&growing);
           },
           {"get_nodeName", "get_text"});
     Check("AddNodesByAttribute",
-          [&]
-          {
+          [&] {
               QuonNodeArray growing;
               AddNodesByAttribute(&growing, &m_nodes, L"k");
               ReleaseNodeArray(&growing);
@@ -293,14 +285,8 @@ TEST_F(XmlLeaks, EditingLeavesNothingBehind)
 TEST_F(XmlLeaks, DocumentsLeaveNothingBehind)
 {
     QuonXml xml(L"", false, false, false);
-    const auto visit = [](CString, IXMLDOMNodePtr&, __int64)
-    {
-        return true;
-    };
-    const auto stop = [](CString, IXMLDOMNodePtr&, __int64)
-    {
-        return false;
-    };
+    const auto visit = [](CString, IXMLDOMNodePtr&, __int64) { return true; };
+    const auto stop = [](CString, IXMLDOMNodePtr&, __int64) { return false; };
     Check("WalkNode", [&] { xml.WalkNode(m_node, 0, visit, 0); },
           {"get_nodeName", "get_attributes", "nextNode", "get_firstChild"});
     m_root.child = &m_value;

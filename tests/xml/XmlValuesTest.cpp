@@ -160,13 +160,12 @@ TEST_F(XmlValues, AConversionThatSucceedsWithoutTheTypeGivesZero)
     types.clear();
     const ImportPatch<Change> patch(kLibrary, "VariantChangeType",
                                     [](VARIANTARG* to, const VARIANTARG* from, USHORT flags, VARTYPE type)
-                                        WINAPI -> HRESULT
-                                    {
-                                        EXPECT_EQ(to, from) << "in place";
-                                        EXPECT_EQ(flags, 0);
-                                        types.push_back(type);
-                                        return S_OK;
-                                    });
+                                        WINAPI -> HRESULT {
+                                            EXPECT_EQ(to, from) << "in place";
+                                            EXPECT_EQ(flags, 0);
+                                            types.push_back(type);
+                                            return S_OK;
+                                        });
     const MSXML2::IXMLDOMNodePtr node = RootWith(L"1");
     EXPECT_FALSE(GetXmlBool(node, L"v"));
     EXPECT_EQ(GetXmlShort(node, L"v"), 0);
@@ -354,20 +353,17 @@ TEST_F(XmlValues, OnlyASeparatorThatDiffersIsTouched)
     reads.clear();
     SetSeparators(L",", L",");
     const ImportPatch<decltype(&::SetLocaleInfoW)> writing(kLibrary, "SetLocaleInfoW",
-                                                           [](LCID locale, LCTYPE type, LPCWSTR text) WINAPI -> BOOL
-                                                           {
+                                                           [](LCID locale, LCTYPE type, LPCWSTR text) WINAPI -> BOOL {
                                                                EXPECT_EQ(locale, LCID{LOCALE_USER_DEFAULT});
                                                                changes.push_back({type, text});
                                                                return ::SetLocaleInfoW(locale, type, text);
                                                            });
-    const ImportPatch<decltype(&::GetLocaleInfoW)> reading(kLibrary, "GetLocaleInfoW",
-                                                           [](LCID locale, LCTYPE type, LPWSTR text, int size)
-                                                               WINAPI -> int
-                                                           {
-                                                               EXPECT_EQ(locale, LCID{LOCALE_USER_DEFAULT});
-                                                               reads.emplace_back(type, size);
-                                                               return ::GetLocaleInfoW(locale, type, text, size);
-                                                           });
+    const ImportPatch<decltype(&::GetLocaleInfoW)> reading(
+        kLibrary, "GetLocaleInfoW", [](LCID locale, LCTYPE type, LPWSTR text, int size) WINAPI -> int {
+            EXPECT_EQ(locale, LCID{LOCALE_USER_DEFAULT});
+            reads.emplace_back(type, size);
+            return ::GetLocaleInfoW(locale, type, text, size);
+        });
     EXPECT_EQ(GetXmlDouble(RootWith(L"2.5"), L"v"), 2.5);
     EXPECT_EQ(reads, (std::vector<std::pair<LCTYPE, int>>{{LOCALE_SDECIMAL, 4}, {LOCALE_STHOUSAND, 4}}));
     EXPECT_EQ(changes, (std::vector<Change>{{LOCALE_SDECIMAL, L"."}, {LOCALE_SDECIMAL, L","}}));
