@@ -5,11 +5,8 @@
 #include <algorithm>
 #include <bit>
 #include <cstddef>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
-#include <limits>
 #include <new>
 #include <utility>
 
@@ -121,24 +118,6 @@ void VxGePoint3dArray::SetPhysicalLength(int physicalLength)
     m_points = ResizeBlock(m_points, m_physicalLength, length);
     m_physicalLength = length;
     m_logicalLength = (std::min)(m_logicalLength, length);
-}
-
-void VxGePoint3dArray::AppendGrowing(const VxGePoint3d* points, int count)
-{
-    const std::int64_t growLength = (std::max)(m_growLength, 1);
-    const std::int64_t missing = std::int64_t{m_logicalLength} + count - m_physicalLength;
-    const std::int64_t length = m_physicalLength + (missing + growLength - 1) / growLength * growLength;
-    if (length > (std::numeric_limits<int>::max)())
-    {
-        throw std::bad_alloc();
-    }
-    // The array's own points move with its block.
-    const bool own = std::less_equal<>()(m_points, points) && std::less<>()(points, m_points + m_logicalLength);
-    const std::ptrdiff_t index = own ? points - m_points : 0;
-    SetPhysicalLength(static_cast<int>(length));
-    std::memcpy(m_points + m_logicalLength, own ? m_points + index : points,
-                static_cast<std::size_t>(count) * sizeof(VxGePoint3d));
-    m_logicalLength += count;
 }
 
 #endif

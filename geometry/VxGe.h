@@ -18,6 +18,10 @@
 
 #include "base/Export.h"
 
+#include <functional>
+#include <limits>
+#include <new>
+
 /// A point in space.
 struct VxGePoint3d
 {
@@ -116,7 +120,28 @@ public:
     const VxGePoint3d* end() const { return m_points + m_logicalLength; }
 
 private:
-    QUON_API void AppendGrowing(const VxGePoint3d* points, int count);
+    // The room for `count` more points: the physical length, grown by as many grow lengths as that takes.
+    int GrownLength(int count) const
+    {
+        const long long growLength = m_growLength > 1 ? m_growLength : 1;
+        const long long missing = static_cast<long long>(m_logicalLength) + count - m_physicalLength;
+        const long long length = m_physicalLength + (missing + growLength - 1) / growLength * growLength;
+        if (length > (std::numeric_limits<int>::max)())
+        {
+            throw std::bad_alloc();
+        }
+        return static_cast<int>(length);
+    }
+
+    // Takes storage by SetPhysicalLength alone, so that this needs no export of its own.
+    void AppendGrowing(const VxGePoint3d* points, int count)
+    {
+        // The array's own points move with its block.
+        const bool own = std::less_equal<>()(m_points, points) && std::less<>()(points, m_points + m_logicalLength);
+        const auto index = own ? points - m_points : 0;
+        SetPhysicalLength(GrownLength(count));
+        Append(own ? m_points + index : points, count);
+    }
 
     VxGePoint3d* m_points;
     int m_physicalLength;

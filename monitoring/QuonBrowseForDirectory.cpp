@@ -51,6 +51,65 @@ void OnSelectionChanged(QuonBrowseForDirectory& browser, HWND dialog, PCIDLIST_A
 
 }  // namespace
 
+namespace QuonBrowseForDirectory_details
+{
+
+/// The work on one object for one showing of the dialog.
+struct Dialog
+{
+    QuonBrowseForDirectory& browser;
+
+    void ParseFolders(const wchar_t* initialFolder, HWND owner, const wchar_t* rootFolder);
+    static int CALLBACK OwnCallback(HWND dialog, UINT message, LPARAM parameter, LPARAM self);
+};
+
+void Dialog::ParseFolders(const wchar_t* initialFolder, HWND owner, const wchar_t* rootFolder)
+{
+    // What an earlier call could not free must not be taken for this one's.
+    browser.m_initialList = nullptr;
+    browser.m_rootList = nullptr;
+    IShellFolder* desktopFolder = nullptr;
+    if (FAILED(::SHGetDesktopFolder(&desktopFolder)))
+    {
+        return;
+    }
+    const std::unique_ptr<IShellFolder, Releaser> desktop(desktopFolder);
+    const bool hasInitialFolder = initialFolder != nullptr && ::_waccess(initialFolder, 0) == 0;
+    // Both texts before both lists, because copying a text may throw and nobody would free a list then.
+    if (hasInitialFolder)
+    {
+        browser.m_initialFolder = initialFolder;
+    }
+    if (rootFolder != nullptr)
+    {
+        browser.m_rootFolder = rootFolder;
+    }
+    if (hasInitialFolder)
+    {
+        browser.m_initialList = ParseFolder(desktop.get(), owner, browser.m_initialFolder);
+    }
+    if (rootFolder != nullptr)
+    {
+        browser.m_rootList = ParseFolder(desktop.get(), owner, browser.m_rootFolder);
+    }
+}
+
+int CALLBACK Dialog::OwnCallback(HWND dialog, UINT message, LPARAM parameter, LPARAM self)
+{
+    auto* const chooser = reinterpret_cast<QuonBrowseForDirectory*>(self);
+    if (message == BFFM_INITIALIZED && chooser->m_initialList != nullptr)
+    {
+        ::SendMessageW(dialog, BFFM_SETSELECTIONW, FALSE, reinterpret_cast<LPARAM>(chooser->m_initialList));
+    }
+    else if (message == BFFM_SELCHANGED)
+    {
+        OnSelectionChanged(*chooser, dialog, reinterpret_cast<PCIDLIST_ABSOLUTE>(parameter));
+    }
+    return 0;
+}
+
+}  // namespace QuonBrowseForDirectory_details
+
 QuonBrowseForDirectory::QuonBrowseForDirectory(BFFCALLBACK callback)
     : m_callback(callback), m_initialList(nullptr), m_rootList(nullptr)
 {
@@ -65,7 +124,8 @@ QuonBrowseForDirectory::~QuonBrowseForDirectory()
 bool QuonBrowseForDirectory::Browse(QuonPath& result, const wchar_t* initialFolder, const wchar_t* title, HWND owner,
                                     const wchar_t* rootFolder)
 {
-    ParseFolders(initialFolder, owner, rootFolder);
+    using QuonBrowseForDirectory_details::Dialog;
+    Dialog{*this}.ParseFolders(initialFolder, owner, rootFolder);
 
     wchar_t buffer[kBufferLength] = {};
     BROWSEINFOW dialog = {};
@@ -74,7 +134,7 @@ bool QuonBrowseForDirectory::Browse(QuonPath& result, const wchar_t* initialFold
     dialog.pszDisplayName = buffer;
     dialog.lpszTitle = title;
     dialog.ulFlags = kFlags;
-    dialog.lpfn = m_callback != nullptr ? m_callback : &QuonBrowseForDirectory::OwnCallback;
+    dialog.lpfn = m_callback != nullptr ? m_callback : &Dialog::OwnCallback;
     dialog.lParam = reinterpret_cast<LPARAM>(this);
     PIDLIST_ABSOLUTE chosen = ::SHBrowseForFolderW(&dialog);
 
@@ -102,52 +162,7 @@ bool QuonBrowseForDirectory::Browse(QuonPath& result, const wchar_t* initialFold
     return isChosen;
 }
 
-void QuonBrowseForDirectory::ParseFolders(const wchar_t* initialFolder, HWND owner, const wchar_t* rootFolder)
-{
-    // What an earlier call could not free must not be taken for this one's.
-    m_initialList = nullptr;
-    m_rootList = nullptr;
-    IShellFolder* desktopFolder = nullptr;
-    if (FAILED(::SHGetDesktopFolder(&desktopFolder)))
-    {
-        return;
-    }
-    const std::unique_ptr<IShellFolder, Releaser> desktop(desktopFolder);
-    const bool hasInitialFolder = initialFolder != nullptr && ::_waccess(initialFolder, 0) == 0;
-    // Both texts before both lists, because copying a text may throw and nobody would free a list then.
-    if (hasInitialFolder)
-    {
-        m_initialFolder = initialFolder;
-    }
-    if (rootFolder != nullptr)
-    {
-        m_rootFolder = rootFolder;
-    }
-    if (hasInitialFolder)
-    {
-        m_initialList = ParseFolder(desktop.get(), owner, m_initialFolder);
-    }
-    if (rootFolder != nullptr)
-    {
-        m_rootList = ParseFolder(desktop.get(), owner, m_rootFolder);
-    }
-}
-
 bool QuonBrowseForDirectory::ValidateFolder(const wchar_t*, CString&)
 {
     return true;
-}
-
-int CALLBACK QuonBrowseForDirectory::OwnCallback(HWND dialog, UINT message, LPARAM parameter, LPARAM self)
-{
-    auto* const browser = reinterpret_cast<QuonBrowseForDirectory*>(self);
-    if (message == BFFM_INITIALIZED && browser->m_initialList != nullptr)
-    {
-        ::SendMessageW(dialog, BFFM_SETSELECTIONW, FALSE, reinterpret_cast<LPARAM>(browser->m_initialList));
-    }
-    else if (message == BFFM_SELCHANGED)
-    {
-        OnSelectionChanged(*browser, dialog, reinterpret_cast<PCIDLIST_ABSOLUTE>(parameter));
-    }
-    return 0;
 }

@@ -9,6 +9,11 @@
 
 #include <shlobj.h>
 
+namespace QuonBrowseForDirectory_details
+{
+struct Dialog;
+}
+
 /// Lets the user choose a folder. A derived class may refuse folders.
 ///
 /// Each object keeps COM initialised on the thread that made it, and is used and destroyed there.
@@ -44,9 +49,8 @@ public:
     virtual bool ValidateFolder(const wchar_t* path, CString& statusText);
 
 private:
-    static int CALLBACK OwnCallback(HWND dialog, UINT message, LPARAM parameter, LPARAM self);
-
-    void ParseFolders(const wchar_t* initialFolder, HWND owner, const wchar_t* rootFolder);
+    // What works on the fields is not a member: every member of an exported class is exported.
+    friend struct QuonBrowseForDirectory_details::Dialog;
 
     // In this order: other modules were built against this layout.
     BFFCALLBACK m_callback;

@@ -11,6 +11,11 @@
 #include <list>
 #include <string>
 
+// <commdlg.h> makes a macro of this name. It may be read before this header or after it; the member is GetFileTitle in
+// both cases.
+#pragma push_macro("GetFileTitle")
+#undef GetFileTitle
+
 /// Flags for the constructors of QuonPath, QuonPath::Assign() and QuonPath::ApplyFlags(): any combination of the
 /// constants below by "or". Of each pair (slashes, trailing separator, case) only one counts: both bits of the trailing
 /// pair together, or both bits of the case pair, do nothing, and both slash bits mean the backslash.
@@ -168,6 +173,21 @@ public:
     QuonPath GetFileName() const;
     /// The name without its extension ("b").
     QuonPath GetFileTitle() const;
+
+    // A template, because every other member of an exported class is exported.
+    /// Returns GetFileTitle(): a call of that reads as this where <commdlg.h> has renamed it.
+    template <typename = void>
+    QuonPath GetFileTitleW() const
+    {
+        return GetFileTitle();
+    }
+    /// Returns GetFileTitle(), like GetFileTitleW(), in a program without `UNICODE`.
+    template <typename = void>
+    QuonPath GetFileTitleA() const
+    {
+        return GetFileTitle();
+    }
+
     /// The extension with its dot (".txt"), empty when there is none.
     QuonPath GetExtension() const;
 
@@ -241,3 +261,5 @@ QUON_API void RemoveTrailingBackslash(CString& path);
 ///              are (as `INVALID_FILE_ATTRIBUTES` when there is no such file).
 /// @return nonzero when everything was read; 0 when something could not be, when `info` is null or `level` is not 0.
 QUON_API int GetFileInfo(const wchar_t* name, int level, QuonFileInfo* info);
+
+#pragma pop_macro("GetFileTitle")

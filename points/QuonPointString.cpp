@@ -4,6 +4,7 @@
 #include "points/PointSetInternal.h"
 #include "points/PointTextInternal.h"
 
+#include <cstddef>
 #include <cwchar>
 
 using QuonPointDetails::FormatDifference;
@@ -13,6 +14,116 @@ using QuonPointDetails::ParsedPoints;
 using QuonPointDetails::ParsePoints;
 using QuonPointDetails::PointItem;
 using QuonPointDetails::PointTextReader;
+using QuonPointString_details::Walk;
+
+namespace QuonPointString_details
+{
+
+/// The steps of a walk over the points of one string.
+struct Walk
+{
+    QuonPointString& string;
+
+    bool Start();
+    void ParseNextRange();
+    void ParseOtherItem();
+    void Consume(std::ptrdiff_t length);
+    void Restart(const CString& text);
+};
+
+// Returns false when the text is blank: then the bounds and the cursor stay as they are and nothing is handed out.
+bool Walk::Start()
+{
+    string.m_isDone = 0;
+    string.m_isDescending = 0;
+    string.m_hasError = 0;
+    string.m_workText = string.m_text;
+    QuonPointDetails::TrimRight(string.m_workText);
+    const PointTextReader reader =
+        PointTextReader::Start(string.m_workText, static_cast<std::size_t>(string.m_workText.GetLength()));
+    Consume(reader.position - string.m_workText.GetString());
+    if (string.m_workText.IsEmpty())
+    {
+        string.m_isDone = 1;
+        return false;
+    }
+    string.m_rangeFirst = 0;
+    string.m_rangeLast = 0;
+    string.m_cursor = 0;
+    ParseNextRange();
+    return true;
+}
+
+void Walk::ParseNextRange()
+{
+    unsigned long first = 0;
+    unsigned long last = 0;
+    string.QuonPointString::GetNextRange(&first, &last);
+}
+
+// The same step for whatever else comes next, the end of the text included.
+void Walk::ParseOtherItem()
+{
+    const wchar_t* const text = string.m_workText;
+    PointTextReader reader{text + string.m_consumed, text + string.m_workText.GetLength()};
+    if (reader.AtEnd())
+    {
+        string.m_isDone = 1;
+        return;
+    }
+    const PointItem item = reader.Next();
+    string.m_token.SetString(item.token, static_cast<int>(item.tokenLength));
+    Consume(reader.position - text);
+    if (item.kind == ItemKind::None)
+    {
+        string.m_isDone = 1;
+        return;
+    }
+    // Once an item was invalid no further one is read, also when the caller goes on past the end of the walk.
+    if (item.kind == ItemKind::BadSyntax)
+    {
+        string.m_hasError = 1;
+    }
+    if (string.m_hasError == 0)
+    {
+        string.m_rangeFirst = item.range.first;
+        string.m_rangeLast = item.range.last;
+        string.m_isDescending = item.isRange ? string.m_rangeFirst > string.m_rangeLast : string.m_isDescending;
+        string.m_hasError = item.kind == ItemKind::BadBound;
+    }
+    string.m_isDone |= string.m_hasError;
+}
+
+// Cutting the work text at every item would make the walk quadratic: it is cut once, at its end.
+void Walk::Consume(std::ptrdiff_t length)
+{
+    const bool isAll = length == string.m_workText.GetLength();
+    string.m_consumed = isAll ? 0 : static_cast<unsigned long>(length);
+    if (isAll)
+    {
+        string.m_workText.Empty();
+    }
+}
+
+// Takes a new text, of which no point was handed out yet.
+void Walk::Restart(const CString& text)
+{
+    string.m_text = text;
+    string.m_workText.Empty();
+    string.m_consumed = 0;
+    string.m_token.Empty();
+    string.m_rangeFirst = 0;
+    string.m_rangeLast = 0;
+    string.m_cursor = 0;
+    string.m_isDone = 0;
+    string.m_isDescending = 0;
+    string.m_hasError = 0;
+    string.m_count = 0;
+    string.m_format[0] = L'\0';
+    string.m_changed = 1;
+}
+
+}  // namespace QuonPointString_details
 
 QuonPointString::QuonPointString() : QuonPointString(nullptr) {}
 
@@ -41,7 +152,7 @@ void QuonPointString::Assign(const QuonPointString& other)
     {
         return;
     }
-    TakeText(other.m_text);
+    Walk{*this}.Restart(other.m_text);
     m_label.Empty();
 }
 
@@ -68,7 +179,7 @@ void QuonPointString::RemoveDuplicates(BOOL sorted)
 
 void QuonPointString::GetFirstPoint(unsigned long* point)
 {
-    if (StartWalk())
+    if (Walk{*this}.Start())
     {
         m_cursor = m_rangeFirst;
         *point = m_cursor;
@@ -87,7 +198,7 @@ void QuonPointString::GetNextPoint(unsigned long* point)
     }
     else
     {
-        ParseNextRange();
+        Walk{*this}.ParseNextRange();
         m_cursor = m_rangeFirst;
     }
     *point = m_cursor;
@@ -95,7 +206,7 @@ void QuonPointString::GetNextPoint(unsigned long* point)
 
 void QuonPointString::GetFirstRange(unsigned long* first, unsigned long* last)
 {
-    if (StartWalk())
+    if (Walk{*this}.Start())
     {
         *first = m_rangeFirst;
         *last = m_rangeLast;
@@ -118,10 +229,10 @@ void QuonPointString::GetNextRange(unsigned long* first, unsigned long* last)
         {
             m_isDescending = item.range.first > item.range.last;
         }
-        Consume(reader.position - text);
+        Walk{*this}.Consume(reader.position - text);
         return;
     }
-    ParseOtherItem();
+    Walk{*this}.ParseOtherItem();
     *first = m_rangeFirst;
     *last = m_rangeLast;
 }
@@ -151,10 +262,10 @@ BOOL QuonPointString::IsValid()
     // An error that a walk has left behind is the answer, even when the text has become valid since.
     if (m_hasError == 0)
     {
-        StartWalk();
+        Walk{*this}.Start();
         while (m_isDone == 0)
         {
-            ParseNextRange();
+            Walk{*this}.ParseNextRange();
         }
     }
     const bool isValid = m_hasError == 0;
@@ -165,11 +276,11 @@ BOOL QuonPointString::IsValid()
 unsigned long QuonPointString::GetPointCount()
 {
     m_count = 0;
-    StartWalk();
+    Walk{*this}.Start();
     while (m_isDone == 0)
     {
         m_count += m_rangeLast - m_rangeFirst + 1;
-        ParseNextRange();
+        Walk{*this}.ParseNextRange();
     }
     return m_count;
 }
@@ -182,95 +293,5 @@ const CString& QuonPointString::GetText() const
 void QuonPointString::SetText(const wchar_t* text)
 {
     // A copy first: `text` may be this object's own.
-    TakeText(CString(text));
-}
-
-// Returns false when the text is blank: then the bounds and the cursor stay as they are and nothing is handed out.
-bool QuonPointString::StartWalk()
-{
-    m_isDone = 0;
-    m_isDescending = 0;
-    m_hasError = 0;
-    m_workText = m_text;
-    QuonPointDetails::TrimRight(m_workText);
-    const PointTextReader reader = PointTextReader::Start(m_workText, static_cast<std::size_t>(m_workText.GetLength()));
-    Consume(reader.position - m_workText.GetString());
-    if (m_workText.IsEmpty())
-    {
-        m_isDone = 1;
-        return false;
-    }
-    m_rangeFirst = 0;
-    m_rangeLast = 0;
-    m_cursor = 0;
-    ParseNextRange();
-    return true;
-}
-
-void QuonPointString::ParseNextRange()
-{
-    unsigned long first = 0;
-    unsigned long last = 0;
-    QuonPointString::GetNextRange(&first, &last);
-}
-
-// The same step for whatever else comes next, the end of the text included.
-void QuonPointString::ParseOtherItem()
-{
-    const wchar_t* const text = m_workText;
-    PointTextReader reader{text + m_consumed, text + m_workText.GetLength()};
-    if (reader.AtEnd())
-    {
-        m_isDone = 1;
-        return;
-    }
-    const PointItem item = reader.Next();
-    m_token.SetString(item.token, static_cast<int>(item.tokenLength));
-    Consume(reader.position - text);
-    if (item.kind == ItemKind::None)
-    {
-        m_isDone = 1;
-        return;
-    }
-    // Once an item was invalid no further one is read, also when the caller goes on past the end of the walk.
-    if (item.kind == ItemKind::BadSyntax)
-    {
-        m_hasError = 1;
-    }
-    if (m_hasError == 0)
-    {
-        m_rangeFirst = item.range.first;
-        m_rangeLast = item.range.last;
-        m_isDescending = item.isRange ? m_rangeFirst > m_rangeLast : m_isDescending;
-        m_hasError = item.kind == ItemKind::BadBound;
-    }
-    m_isDone |= m_hasError;
-}
-
-// Cutting the work text at every item would make the walk quadratic: it is cut once, at its end.
-void QuonPointString::Consume(std::ptrdiff_t length)
-{
-    const bool isAll = length == m_workText.GetLength();
-    m_consumed = isAll ? 0 : static_cast<unsigned long>(length);
-    if (isAll)
-    {
-        m_workText.Empty();
-    }
-}
-
-void QuonPointString::TakeText(const CString& text)
-{
-    m_text = text;
-    m_workText.Empty();
-    m_consumed = 0;
-    m_token.Empty();
-    m_rangeFirst = 0;
-    m_rangeLast = 0;
-    m_cursor = 0;
-    m_isDone = 0;
-    m_isDescending = 0;
-    m_hasError = 0;
-    m_count = 0;
-    m_format[0] = L'\0';
-    m_changed = 1;
+    Walk{*this}.Restart(CString(text));
 }

@@ -6,7 +6,10 @@
 
 #include "base/Export.h"
 
-#include <cstddef>
+namespace QuonPointString_details
+{
+struct Walk;
+}
 
 /// A list of point numbers and ranges as text, and a walk over the points that it names.
 ///
@@ -108,11 +111,8 @@ protected:
     int m_changed;
 
 private:
-    void ParseNextRange();
-    void ParseOtherItem();
-    bool StartWalk();
-    void Consume(std::ptrdiff_t length);
-    void TakeText(const CString& text);
+    // The steps of a walk. They are not members: every member of an exported class is exported.
+    friend struct QuonPointString_details::Walk;
 
     CString m_workText;  // what the walk has not consumed, behind m_consumed characters that it has
     CString m_label;

@@ -27,6 +27,7 @@ MSVC_LIST = TOP / "module/QuonWin32Utils.msvc.def"
 LIST_HEAD = """\
 ; The numbered exports of the library for the MSVC ABI: declaration, then decorated name and number.
 ; Made by scripts/abi.py (names --write); the numbers are those of the list for the GCC ABI, by the rule of abi/README.md.
+; numbering {numbering}
 LIBRARY QuonWin32Utils.dll
 EXPORTS
 """
@@ -320,23 +321,49 @@ def number_names(names, list_text):
     return sorted(entries), faults
 
 
-def write_names(entries):
+def retired_names(old_text, gcc_text):
+    """{number: decorated name} that the list for MSVC keeps for numbers that are retired in the GCC list."""
+    if exports.numbering(old_text) != exports.numbering(gcc_text):
+        return {}
+    numbers, _, retired, _ = exports.parse_list(old_text)
+    gone = exports.parse_list(gcc_text)[2]
+    return retired | {number: name for name, number in numbers.items() if number in gone}
+
+
+def write_names(entries, retired, numbering):
     """The text of the list for MSVC."""
-    lines = [LIST_HEAD]
-    for number, name, declaration, data in entries:
-        lines.append(f"; {declaration}\n    {name} @{number} NONAME{' DATA' if data else ''}\n")
-    return "".join(lines)
+    lines = {number: f"; {declaration}\n    {name} @{number} NONAME{' DATA' if data else ''}\n"
+             for number, name, declaration, data in entries}
+    lines |= {number: f"; retired @{number} {name}\n" for number, name in retired.items()}
+    return LIST_HEAD.format(numbering=numbering) + "".join(lines[number] for number in sorted(lines))
+
+
+def undeclared(entries, headers_text):
+    """Faults for exports that no caller can use: private operations, and what no public header names."""
+    words = set(re.findall(r"\w+", headers_text))
+    faults = []
+    for _, _, declaration, _ in entries:
+        name = re.match(r"[\w:]*?(~?\w+)(?=\()", plain_signature(declaration))
+        if declaration.startswith("private:") and not (name and name[1].startswith("~")):
+            faults.append(f"{declaration} is exported, but private")
+        elif name and name[1].lstrip("~") not in words:
+            faults.append(f"{declaration} is exported, but no public header declares it")
+    return faults
 
 
 def check_names(arguments):
     faults = compile_library(arguments.build)
     if faults:
         finish(faults, "")
-    entries, faults = number_names(exported_names(arguments.build), EXPORT_LIST.read_text())
+    gcc_text, old_text = EXPORT_LIST.read_text(), MSVC_LIST.read_text()
+    entries, faults = number_names(exported_names(arguments.build), gcc_text)
+    faults += undeclared(entries, "".join((TOP / header).read_text() for header in public_headers(arguments.build)))
+    text = write_names(entries, retired_names(old_text, gcc_text), exports.numbering(gcc_text))
     if not faults and arguments.write:
-        MSVC_LIST.write_text(write_names(entries))
-    if MSVC_LIST.read_text() != write_names(entries):
-        faults += difflib.unified_diff(MSVC_LIST.read_text().splitlines(), write_names(entries).splitlines(),
+        MSVC_LIST.write_text(text)
+        old_text = text
+    if old_text != text:
+        faults += difflib.unified_diff(old_text.splitlines(), text.splitlines(),
                                        MSVC_LIST.name, "the library (abi.py names --write)", lineterm="", n=0)
     finish(faults, f"{len(entries)} decorated names have the numbers of the GCC list")
 

@@ -1,15 +1,18 @@
 #!/usr/bin/env python3
-"""Keeps the list of numbered exports, module/QuonWin32Utils.def.
+"""Keeps the lists of numbered exports, module/QuonWin32Utils.def and the one for MSVC beside it.
 
-The library exports by number only. The list is append-only: a number, once given, belongs to its symbol for ever;
-a symbol that goes leaves its number behind in a line "; retired @NUMBER NAME".
+The library exports by number only. A list is append-only: a number, once given, belongs to its symbol for ever; a symbol
+that is removed leaves a line "; retired @NUMBER NAME". Numbers bind from the first release on. Before it they may restart:
+the line "; numbering N" counts the restarts, and lists of different numberings are not compared.
 
-  exports.py propose DEF OBJECTS   numbers for the exported symbols of the object files (OBJECTS: a file with one path a
-                                   line) that the list does not have yet; with --write they are appended to the list
+  exports.py propose DEF BUILD     numbers for the exported symbols of the build tree's objects that the list does not have
+                                   yet; with --write they are appended to the list
+  exports.py renumber DEF BUILD    writes the list with new numbers from 100 on; refused once a release (a tag vA.B.C) has
+                                   a list. scripts/renumber-exports.sh does this and all that follows from it
   exports.py check DEF DLL         the list itself and the built DLL against it
-  exports.py history DEF           every number that ever stood in the committed list still means the same; with
-                                   --version X.Y.Z a symbol of a release (a tag vA.B.C) may be retired in a later major
-                                   version only (before 1.0.0 in a later minor one)
+  exports.py history DEF           every number that a committed list of this numbering ever had still means the same; with
+                                   --version X.Y.Z a symbol of a release may be retired in a later major version only
+                                   (before 1.0.0 in a later minor one). The list of a release has this numbering, too
 """
 import argparse
 import os
@@ -22,6 +25,7 @@ from pathlib import Path
 BASE = 100
 TOOLS = "x86_64-w64-mingw32-"
 LINE = re.compile(r"^\s+(?P<name>\S+)\s+@(?P<number>\d+)\s+NONAME(?P<data>\s+DATA)?$")
+NUMBERING = re.compile(r"^; numbering (\d+)$", re.M)
 RETIRED = re.compile(r"^;\s*retired\s+@(?P<number>\d+)\s+(?P<name>\S+)")
 
 
@@ -58,6 +62,12 @@ def parse_list(text):
     return numbers, data, retired, faults
 
 
+def numbering(text):
+    """How often the numbers had restarted when this list was written."""
+    line = NUMBERING.search(text)
+    return int(line[1]) if line else 0
+
+
 def run(*command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
@@ -76,31 +86,67 @@ def directives(obj):
             yield match[1], bool(match[2])
 
 
+def library_objects(build):
+    """The library's object files in a build tree, which has a list of them for each configuration."""
+    lists = [file.read_text().split() for file in sorted(Path(build).glob("export-objects-*.txt"))]
+    built = [objects for objects in lists if objects and all(Path(obj).exists() for obj in objects)]
+    if len(built) != 1:
+        sys.exit(f"exports: {len(built)} of the {len(lists)} configurations of {build} are built, instead of one")
+    return built[0]
+
+
+def exported_symbols(build):
+    """{name: is data} of the exports of the library's objects in a build tree."""
+    found = {}
+    for obj in library_objects(build):
+        new = sorted(set(directives(obj)) - set(found.items()))
+        texts = run(TOOLS + "c++filt", *[name for name, _ in new]).splitlines() if new else []
+        # Inside one source in the order of the signatures, so that a class stays together.
+        for _, (name, is_data) in sorted(zip(texts, new)):
+            found.setdefault(name, is_data)
+    return found
+
+
+def list_lines(names, found, number):
+    """The lines of the list for symbols, numbered from `number` on."""
+    lines = []
+    for name, signature in zip(names, run(TOOLS + "c++filt", *names).splitlines() if names else []):
+        lines += [f"; {signature}", f"    {name} @{number} NONAME{' DATA' if found[name] else ''}"]
+        number += 1
+    return lines
+
+
 def propose(arguments):
     path = Path(arguments.list)
     numbers, _, retired, faults = parse_list(path.read_text())
     if faults:
         sys.exit("\n".join(faults))
-    found = {}
-    for obj in Path(arguments.objects).read_text().split("\n"):
-        if obj.strip():
-            new = sorted(set(directives(obj.strip())) - set(found.items()))
-            texts = run(TOOLS + "c++filt", *[name for name, _ in new]).splitlines() if new else []
-            # Inside one source in the order of the signatures, so that a class stays together.
-            for _, (name, is_data) in sorted(zip(texts, new)):
-                found.setdefault(name, is_data)
+    found = exported_symbols(arguments.build)
     missing = [name for name in found if name not in numbers]
-    number = max([BASE - 1, *numbers.values(), *retired]) + 1
-    signatures = run(TOOLS + "c++filt", *missing).splitlines() if missing else []
-    lines = []
-    for name, signature in zip(missing, signatures):
-        lines += [f"; {signature}", f"    {name} @{number} NONAME{' DATA' if found[name] else ''}"]
-        number += 1
+    lines = list_lines(missing, found, max([BASE - 1, *numbers.values(), *retired]) + 1)
     print("\n".join(lines) if lines else "exports: the list is complete")
     if arguments.write and lines:
         path.write_text(path.read_text().rstrip("\n") + "\n" + "\n".join(lines) + "\n")
     for name in sorted(set(numbers) - set(found)):
         print(f"exports: {name} is listed but no object exports it", file=sys.stderr)
+
+
+def renumber(arguments):
+    path = Path(arguments.list)
+    repository = Repository(path.parent)
+    releases = list(repository.releases(path.name)) if repository.exists() else []
+    if releases:
+        sys.exit(f"exports: the numbers bind since release {releases[0][0]}: append to the list instead (propose)")
+    text = path.read_text()
+    head = re.match(r"(?s)(.*?^EXPORTS\n)", text, re.M)
+    if not head or not NUMBERING.search(head[1]):
+        sys.exit(f'exports: {path} has no line "; numbering N" before its exports')
+    found = exported_symbols(arguments.build)
+    if not found:
+        sys.exit(f"exports: the objects of {arguments.build} export nothing")
+    head = NUMBERING.sub(f"; numbering {numbering(text) + 1}", head[1])
+    path.write_text(head + "\n".join(list_lines(list(found), found, BASE)) + "\n")
+    print(f"exports: {len(found)} symbols are numbered from {BASE} on")
 
 
 class ExportDirectory:
@@ -180,6 +226,13 @@ class Repository:
         return done.stdout
 
 
+    def releases(self, name):
+        """Yields (tag, text of the list) of the releases that have it."""
+        for tag in self.output("tag", "--list", "v[0-9]*").split():
+            if self.output("ls-tree", "--name-only", tag, "--", name):
+                yield tag, self.output("show", f"{tag}:./{name}")
+
+
 def compatible_part(version):
     """What changes with every incompatible change: the major version, before 1.0.0 the minor one too."""
     major, minor = (int(part) for part in version.split(".")[:2])
@@ -189,35 +242,46 @@ def compatible_part(version):
 def too_early(repository, path, version, retired):
     """Faults for the symbols that a release of the same major version still had."""
     faults = []
-    for tag in repository.output("tag", "--list", "v[0-9]*").split():
-        if compatible_part(tag[1:]) < compatible_part(version) or \
-                not repository.output("ls-tree", "--name-only", tag, "--", path.name):
+    for tag, text in repository.releases(path.name):
+        if compatible_part(tag[1:]) < compatible_part(version):
             continue
-        for name, number in parse_list(repository.output("show", f"{tag}:./{path.name}"))[0].items():
+        for name, number in parse_list(text)[0].items():
             if number in retired:
                 faults.append(f"{name} (number {number}) is in release {tag} and retired in {version}: "
                               "that takes a new major version")
     return faults
 
 
+def restarted(repository, path, text):
+    """Faults for releases whose numbers this list does not continue."""
+    return [f"the list has numbering {numbering(text)}, but release {tag} has numbering {numbering(released)}"
+            for tag, released in repository.releases(path.name) if numbering(released) != numbering(text)]
+
+
 def history(arguments):
     path = Path(arguments.list)
-    numbers, _, retired, faults = parse_list(path.read_text())
+    text = path.read_text()
+    numbers, _, retired, faults = parse_list(text)
     now = {number: name for name, number in numbers.items()} | retired
     repository = Repository(path.parent)
     if not repository.exists():
         print("exports: no history here, nothing to compare with")
         return
-    commits = repository.output("log", "--format=%h", "--", path.name).split()
-    for commit in commits:
+    compared = 0
+    for commit in repository.output("log", "--format=%h", "--", path.name).split():
         if not repository.output("ls-tree", "--name-only", commit, "--", path.name):
             continue  # this one took the list away
-        for name, number in parse_list(repository.output("show", f"{commit}:./{path.name}"))[0].items():
+        committed = repository.output("show", f"{commit}:./{path.name}")
+        if numbering(committed) != numbering(text):
+            continue
+        compared += 1
+        for name, number in parse_list(committed)[0].items():
             if now.get(number) != name:
                 faults.append(f"{commit} gave number {number} to {name}; now it means {now.get(number, 'nothing')}")
+    faults += restarted(repository, path, text)
     if arguments.version:
         faults += too_early(repository, path, arguments.version, retired)
-    finish(sorted(set(faults)), f"the numbers of {len(commits)} committed lists still mean the same")
+    finish(sorted(set(faults)), f"the numbers of {compared} committed lists still mean the same")
 
 
 def finish(faults, success):
@@ -229,7 +293,8 @@ def finish(faults, success):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     commands = parser.add_subparsers(required=True)
-    for name, function, extra in (("propose", propose, ["objects"]), ("check", check, ["dll"]), ("history", history, [])):
+    for name, function, extra in (("propose", propose, ["build"]), ("renumber", renumber, ["build"]),
+                                  ("check", check, ["dll"]), ("history", history, [])):
         command = commands.add_parser(name)
         command.add_argument("list")
         for argument in extra:

@@ -32,6 +32,23 @@ long TicksSince(long start)
     return static_cast<long>(static_cast<unsigned long>(std::clock()) - static_cast<unsigned long>(start));
 }
 
+void WriteText(CStdioFile& log, const CString& text)
+{
+    if (text.IsEmpty())
+    {
+        return;
+    }
+    try
+    {
+        log.WriteString(text);
+    }
+    catch (CFileException* failure)
+    {
+        // A full disk must not end what is being measured.
+        failure->Delete();
+    }
+}
+
 }  // namespace
 
 QuonStdioFile::QuonStdioFile(const CString& path, BOOL timeStamped, BOOL overwrite) : m_isOpen(0)
@@ -114,7 +131,7 @@ void QuonTimer::WriteElapsed(BOOL reset)
 {
     if (m_isOpen)
     {
-        WriteText(GetElapsedText(reset));
+        WriteText(*this, GetElapsedText(reset));
     }
 }
 
@@ -122,23 +139,6 @@ void QuonTimer::WriteReport(const CString& label, BOOL reset)
 {
     if (m_isOpen)
     {
-        WriteText(GetReportText(label, reset));
-    }
-}
-
-void QuonTimer::WriteText(const CString& text)
-{
-    if (text.IsEmpty())
-    {
-        return;
-    }
-    try
-    {
-        WriteString(text);
-    }
-    catch (CFileException* failure)
-    {
-        // A full disk must not end what is being measured.
-        failure->Delete();
+        WriteText(*this, GetReportText(label, reset));
     }
 }

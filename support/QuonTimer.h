@@ -73,8 +73,6 @@ public:
     void WriteReport(const CString& label, BOOL reset);
 
 private:
-    void WriteText(const CString& text);
-
     long m_startClock;
     double m_elapsed;
 };

@@ -104,8 +104,34 @@ EXPORTS
 
     def test_the_list_is_one_that_the_export_scripts_read(self):
         entries, _ = abi.number_names(self.names(), self.GCC)
-        numbers, data, _, faults = exports.parse_list(abi.write_names(entries))
+        numbers, data, _, faults = exports.parse_list(abi.write_names(entries, {}, 1))
         self.assertEqual((numbers, data, faults), (self.MSVC, self.names(), []))
+
+    def test_a_retired_number_keeps_its_name(self):
+        entries, _ = abi.number_names(self.names(), self.GCC)
+        old = abi.write_names(entries, {112: "?Older@@YAXXZ"}, 0)
+        gone = self.GCC.replace("; Append(long long)\n    _Z6Appendx @101 NONAME", "; retired @101 _Z6Appendx")
+        retired = abi.retired_names(old, gone)
+        self.assertEqual(retired, {112: "?Older@@YAXXZ", 101: "?Append@@YAX_J@Z"})
+        names = {name: data for name, data in self.names().items() if name != "?Append@@YAX_J@Z"}
+        entries, faults = abi.number_names(names, gone)
+        text = abi.write_names(entries, retired, 0)
+        self.assertEqual((faults, exports.parse_list(text)[2:]), ([], (retired, [])))
+        self.assertEqual(abi.retired_names(text, gone), retired, "the list stays as it is from then on")
+
+    def test_new_numbers_retire_nothing(self):
+        entries, _ = abi.number_names(self.names(), self.GCC)
+        old = abi.write_names(entries, {112: "?Older@@YAXXZ"}, 0)
+        self.assertEqual(abi.retired_names(old, "; numbering 1\n; retired @101 _Z6Appendx\n"), {})
+
+    def test_what_no_caller_can_use_is_found(self):
+        entries, _ = abi.number_names(self.names(), self.GCC)
+        header = "class Path : Outer { Path(); void Walk(); }; void Append();"
+        self.assertEqual(abi.undeclared(entries, header), [])
+        self.assertEqual(len(abi.undeclared(entries, header.replace("Walk", ""))), 1)
+        private = [(1, "?", "private: void __cdecl Path::Walk(int)", False)]
+        self.assertEqual(abi.undeclared(private, header), ["private: void __cdecl Path::Walk(int) is exported, but private"])
+        self.assertEqual(abi.undeclared([(1, "?", "private: __cdecl Path::~Path(void)", False)], header), [])
 
     def test_a_name_that_only_one_list_has_is_found(self):
         more = {**self.names(), "?Append@@YAXM@Z": False}

@@ -14,6 +14,7 @@ sys.dont_write_bytecode = True
 import exports  # noqa: E402
 
 HEAD = "; A list.\nLIBRARY Any.dll\nEXPORTS\n"
+NUMBERED_HEAD = "; A list.\n; numbering {}\nLIBRARY Any.dll\nEXPORTS\n"
 
 
 def entry(name, number, signature="f()", rest=""):
@@ -75,25 +76,27 @@ class TheListItself(unittest.TestCase):
                 self.assertEqual(self.faults(text), [fault])
 
 
-class History(WithFolder):
+class WithRepository(WithFolder):
     def git(self, *arguments):
         return subprocess.run(["git", "-C", str(self.folder), "-c", "user.name=n", "-c", "user.email=e@example.org",
                                "-c", "commit.gpgsign=false", *arguments],
                               check=True, capture_output=True, text=True).stdout
 
-    def commit(self, text):
-        self.list.write_text(HEAD + text)
+    def commit(self, text, head=HEAD):
+        self.list.write_text(head + text)
         self.git("add", self.list.name)
         self.git("commit", "-m", "A list")
 
-    def history(self, text, *options):
-        self.list.write_text(HEAD + text)
+    def history(self, text, *options, head=HEAD):
+        self.list.write_text(head + text)
         return run("history", self.list, *options)
 
     def setUp(self):
         super().setUp()
         self.git("init")
 
+
+class History(WithRepository):
     def test_additions_and_retirements_keep_the_numbers(self):
         self.commit(entry("a", 100) + entry("b", 101))
         self.commit(entry("a", 100) + entry("b", 101) + entry("c", 102))
@@ -131,6 +134,36 @@ class History(WithFolder):
                 self.git("tag", "-d", "v" + release)
         self.assert_passes(self.history(retired, "--version", "1.3.0"), "still mean the same")
 
+    def test_numbers_restart_with_a_new_numbering_and_bind_from_there(self):
+        self.commit(entry("a", 100) + entry("b", 101))
+        first = NUMBERED_HEAD.format(1)
+        restarted = entry("b", 100) + entry("c", 101)
+        self.assert_fails(self.history(restarted), "gave number 100 to a; now it means b")
+        self.assert_passes(self.history(restarted, head=first), "the numbers of 0 committed lists")
+        self.commit(restarted, first)
+        self.assert_passes(self.history(restarted + entry("d", 102), head=first), "the numbers of 1 committed lists")
+        self.assert_fails(self.history(entry("c", 101), head=first), "gave number 100 to b; now it means nothing")
+
+    def test_a_numbering_that_comes_back_is_compared_with_what_it_was(self):
+        self.commit(entry("a", 100), NUMBERED_HEAD.format(1))
+        self.commit(entry("b", 100), NUMBERED_HEAD.format(2))
+        self.assert_fails(self.history(entry("b", 100), head=NUMBERED_HEAD.format(1)),
+                          "gave number 100 to a; now it means b")
+
+    def test_numbers_of_a_release_do_not_restart(self):
+        self.commit(entry("a", 100), NUMBERED_HEAD.format(1))
+        self.git("tag", "v0.1.0")
+        self.assert_fails(self.history(entry("b", 100), head=NUMBERED_HEAD.format(2)),
+                          "the list has numbering 2, but release v0.1.0 has numbering 1")
+        self.assert_fails(self.history(entry("b", 100)), "the list has numbering 0, but release v0.1.0 has numbering 1")
+
+    def test_names_of_either_compiler_are_compared(self):
+        self.commit(entry("??0Path@@QEAA@XZ", 100, "public: __cdecl Path::Path(void)"))
+        self.assert_fails(self.history(entry("??1Path@@UEAA@XZ", 100)),
+                          "gave number 100 to ??0Path@@QEAA@XZ; now it means ??1Path@@UEAA@XZ")
+        self.assert_passes(self.history("; retired @100 ??0Path@@QEAA@XZ\n" + entry("??1Path@@UEAA@XZ", 101)),
+                           "the numbers of 1 committed lists")
+
     def test_a_faulty_list_is_a_fault(self):
         self.commit(entry("a", 100))
         self.assert_fails(self.history(entry("a", 100) + entry("b", 100)), "was given twice")
@@ -157,6 +190,46 @@ class History(WithFolder):
         blob = self.git("rev-parse", "HEAD:./" + self.list.name).strip()
         (self.folder / ".git" / "objects" / blob[:2] / blob[2:]).unlink()
         self.assert_fails(self.history(entry("a", 100)), "git show failed")
+
+
+class Renumber(WithRepository):
+    def renumber(self, objects, head=NUMBERED_HEAD.format(3)):
+        self.list.write_text(head + entry("old", 170))
+        build = self.folder / "build"
+        build.mkdir(exist_ok=True)
+        for configuration, paths in objects.items():
+            (build / f"export-objects-{configuration}.txt").write_text("".join(f"{path}\n" for path in paths))
+        return run("renumber", self.list, build)
+
+    def object(self):
+        source, obj = self.folder / "any.cpp", self.folder / "any.obj"
+        source.write_text("__declspec(dllexport) int first() { return 1; }\n"
+                          "__declspec(dllexport) extern const int second = 2;\nint third() { return 3; }\n")
+        subprocess.run([exports.TOOLS + "g++-posix", "-c", source, "-o", obj], check=True)
+        return obj
+
+    def test_all_exports_get_numbers_without_gaps_and_the_restart_is_counted(self):
+        self.assert_passes(self.renumber({"Debug": [self.object()], "Release": [self.folder / "missing.obj"]}),
+                           "2 symbols are numbered from 100 on")
+        text = self.list.read_text()
+        self.assertEqual(exports.parse_list(text),
+                         ({"_Z5firstv": 100, "second": 101}, {"_Z5firstv": False, "second": True}, {}, []))
+        self.assertEqual(exports.numbering(text), 4)
+
+    def test_a_release_makes_the_numbers_final(self):
+        self.commit(entry("old", 170))
+        self.git("tag", "v0.1.0")
+        self.assert_fails(self.renumber({"Debug": [self.object()]}), "the numbers bind since release v0.1.0")
+        self.assertIn("old @170", self.list.read_text())
+
+    def test_objects_that_are_not_there_or_not_unique_are_a_fault(self):
+        obj = self.object()
+        self.assert_fails(self.renumber({"Debug": [self.folder / "missing.obj"]}), "0 of the 1 configurations")
+        self.assert_fails(self.renumber({"Debug": [obj], "Release": [obj]}), "2 of the 2 configurations")
+        self.assertIn("old @170", self.list.read_text())
+
+    def test_a_list_without_a_numbering_is_a_fault(self):
+        self.assert_fails(self.renumber({"Debug": [self.object()]}, HEAD), 'has no line "; numbering N"')
 
 
 class NoHistory(WithFolder):
