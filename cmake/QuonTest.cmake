@@ -25,14 +25,14 @@ set_tests_properties(wine-prefix PROPERTIES FIXTURES_SETUP wine-prefix)
 
 # What a thorough run puts in the place of the library's allocator.
 add_library(quon_guard_pages OBJECT ${CMAKE_SOURCE_DIR}/tests/helpers/GuardPages.cpp)
-target_link_libraries(quon_guard_pages PRIVATE quon_compile_options)
+target_link_libraries(quon_guard_pages PRIVATE quon_compile_options Quon::Framework)
 target_include_directories(quon_guard_pages PRIVATE ${CMAKE_SOURCE_DIR}/tests)
 
-# quon_test(<name> SOURCES ... [LIBRARIES ...] [SERIAL] [TIMEOUT seconds] [FRAMEWORK target])
+# quon_test(<name> SOURCES ... [LIBRARIES ...] [SERIAL] [TIMEOUT seconds] [FRAMEWORK target ...])
 # One test program. SERIAL: it uses the registry, the locale or the clock of the whole prefix. FRAMEWORK: another build of
 # the framework than the usual one.
 function(quon_test name)
-  cmake_parse_arguments(arg "SERIAL" "TIMEOUT;FRAMEWORK" "SOURCES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(arg "SERIAL" "TIMEOUT" "SOURCES;LIBRARIES;FRAMEWORK" ${ARGN})
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 300)
   endif()

@@ -7,9 +7,22 @@
 #include "base/Export.h"
 #include "paths/WellKnownFolders.h"
 
+#include <commdlg.h>
+
 #include <cstdint>
 #include <list>
 #include <string>
+
+// The header of the platform's dialogs makes a macro of this name, and the framework's header of its dialogs takes the
+// macro away. QuonPath::GetFileTitle() has one name for every caller, with and without them, so it is taken away here too.
+#ifdef GetFileTitle
+#undef GetFileTitle
+/// The platform's function for the name that a dialog shows of a file.
+inline short APIENTRY GetFileTitle(LPCWSTR file, LPWSTR title, WORD size)
+{
+    return ::GetFileTitleW(file, title, size);
+}
+#endif
 
 /// Flags for the constructors of QuonPath, QuonPath::Assign() and QuonPath::ApplyFlags(): any combination of the
 /// constants below by "or". Of each pair (slashes, trailing separator, case) only one counts: both bits of the trailing
@@ -24,9 +37,10 @@ inline constexpr QuonPathFlags QuonPathBackslash = 0x02;
 inline constexpr QuonPathFlags QuonPathStripTrailing = 0x04;
 /// QuonPath::AddTrailingSeparator() is applied.
 inline constexpr QuonPathFlags QuonPathAddTrailing = 0x08;
-/// The whole text is put into lower case, by the user's locale.
+/// The whole text is put into lower case as CString::MakeLower() does: by the C run-time's locale, so A to Z alone in a
+/// program that calls no setlocale().
 inline constexpr QuonPathFlags QuonPathLowerCase = 0x10;
-/// The whole text is put into upper case, by the user's locale.
+/// The whole text is put into upper case as CString::MakeUpper() does: by the C run-time's locale, as above.
 inline constexpr QuonPathFlags QuonPathUpperCase = 0x20;
 /// QuonPath::Normalize() is applied, after everything else.
 inline constexpr QuonPathFlags QuonPathNormalize = 0x40;
