@@ -76,8 +76,8 @@ TEST(ExceptionTest, OperatorNewThrowsTheMemoryException)
 {
     EXPECT_TRUE(Throws<CMemoryException>([] { ::operator delete(::operator new(TooMuch())); }));
     EXPECT_TRUE(Throws<CMemoryException>([] { std::make_unique<char[]>(TooMuch()); }));
-    EXPECT_TRUE(Throws<CMemoryException>([] { std::vector<char>(TooMuch()); }));
-    EXPECT_TRUE(Throws<CMemoryException>([] { std::string(TooMuch(), 'x'); }));
+    EXPECT_TRUE(Throws<CMemoryException>([] { std::vector<char> bytes(TooMuch()); }));
+    EXPECT_TRUE(Throws<CMemoryException>([] { std::string text(TooMuch(), 'x'); }));
     EXPECT_EQ(std::unique_ptr<char[]>(new (std::nothrow) char[TooMuch()]), nullptr);
 }
 
