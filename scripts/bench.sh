@@ -1,15 +1,13 @@
 #!/usr/bin/env bash
-# Measures the library beside its peers: bench.sh [--plot] [--quick] [AREA...]
-# Builds the release preset, prints a table for each area, keeps it in benchmarks/results and puts it into
-# docs/performance.md. --plot draws the bar charts of that page anew (needs python3-matplotlib, which it installs);
-# --quick repeats little, to see whether something changed.
+# Measures the library beside its peers: bench.sh [--quick] [AREA...]
+# Builds the release preset, prints the figures of each area, keeps them in benchmarks/results and draws the charts of
+# docs/performance.md. --quick repeats little, to see whether something changed.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-plot= repetitions=9 time=0.05 areas=()
+repetitions=9 time=0.05 areas=()
 for argument in "$@"; do
   case $argument in
-    --plot) plot=1 ;;
     --quick) repetitions=3 time=0.02 ;;
     -*) die "unknown option $argument" ;;
     *) areas+=("$argument") ;;
@@ -18,12 +16,6 @@ done
 
 "$top/scripts/setup.sh"
 "$top/scripts/benchmark-sources.sh"
-if [ -n "$plot" ]; then
-  # Debian's package belongs to Debian's interpreter, which another one may hide.
-  plotter=python3
-  "$plotter" -c 'import matplotlib' 2>/dev/null || plotter=/usr/bin/python3
-  "$plotter" -c 'import matplotlib' 2>/dev/null || "$top/scripts/setup.sh" python3-matplotlib
-fi
 build mingw-release benchmarks
 bin=$top/build/mingw-release/bin
 if [ ${#areas[@]} = 0 ]; then
@@ -55,7 +47,5 @@ for area in "${areas[@]}"; do
   grep -q '^benchmarks done' "$area.log" || die "benchmark_$area ended before its work did"
   result=$top/benchmarks/results/$area.json
   "$top/scripts/benchmark-report.py" "$area" "$area.json" "$result"
-  [ -z "$plot" ] ||
-    "$plotter" "$top/scripts/benchmark-report.py" --plot "$area" "$result" "$top/docs/pictures/performance-$area.svg"
 done
-if [ -f "$top/docs/performance.md" ]; then "$top/scripts/benchmark-report.py" --page "$top/docs/performance.md"; fi
+"$top/scripts/benchmark-report.py" --page "$top/docs/performance.md"

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Turns what a benchmark program measured into tables.
+"""Turns what a benchmark program measured into the kept results, and those into the page and its charts.
 
   benchmark-report.py AREA RAW.json RESULT.json   the result of an area, printed and kept
-  benchmark-report.py --plot AREA RESULT.json OUT.svg   a bar chart of an area
-  benchmark-report.py --page [--check] PAGE.md    puts the kept results between the page's markers, or compares them
+  benchmark-report.py --page [--check] PAGE.md    puts the kept results between the page's markers and draws their
+                                                  charts, or compares both
 
 Absolute times mean nothing: everything runs under Wine, on whatever machine it is. The columns to read are the ratios.
 """
@@ -12,11 +12,12 @@ import pathlib
 import statistics
 import sys
 
+from benchmark_chart import OURS, chart, ratio_text, time_text
+
 TOP = pathlib.Path(__file__).resolve().parent.parent
 RESULTS = TOP / "benchmarks" / "results"
 GOALS = TOP / "benchmarks" / "goals.json"
 PICTURES = TOP / "docs" / "pictures"
-OURS = "quon"
 
 
 def picture_name(area):
@@ -86,34 +87,10 @@ def judge(goal, works):
     return {"text": f"{label}: {time_text(more)} more (goal: at most {time_text(most)})", "met": more <= most}
 
 
-def ratio_text(ratio):
-    return f"{ratio:.3f}" if ratio < 0.1 else f"{ratio:.2f}" if ratio < 100 else f"{ratio:,.0f}"
-
-
-def time_text(nanoseconds):
-    if nanoseconds < 0:
-        return "-" + time_text(-nanoseconds)
-    for unit, factor in (("ns", 1), ("us", 1e3), ("ms", 1e6)):
-        if nanoseconds < 1000 * factor:
-            return f"{nanoseconds / factor:.3g} {unit}"
-    return f"{nanoseconds / 1e9:.3g} s"
-
-
-def table(result):
-    """The result as Markdown, with its chart if there is one."""
-    lines = [f"Wine {result['wine']}, one of {result['processors']} processors, {result['date']}; time of one item, smallest of the repeats.", ""]
-    if (PICTURES / picture_name(result["area"])).exists():
-        lines += [f"![{result['area']}](pictures/{picture_name(result['area'])})", ""]
-    for work in result["works"]:
-        lines += [f"**{work['work']}**, {work['size']:,} items", "",
-                  "| Contender | Minimum | Median | Of ours | Growth of an item's cost at 1, 10, 100 times the size |",
-                  "|---|---:|---:|---:|---|"]
-        for entry in work["contenders"]:
-            growth = ", ".join(f"{value:.2f}" for value in entry["growth"])
-            name = f"**{entry['name']}**" if entry["name"] == OURS else entry["name"]
-            lines.append(f"| {name} | {time_text(entry['minimum_ns'])} | {time_text(entry['median_ns'])} | "
-                         f"{ratio_text(entry['of_ours'])} | {growth} |")
-        lines.append("")
+def summary(result):
+    """The result as Markdown: its chart, its notes and its goals. The kept file has every figure."""
+    lines = [f"Wine {result['wine']}, one of {result['processors']} processors, {result['date']}; the smallest of the repeats.", "",
+             f"![{result['area']}](pictures/{picture_name(result['area'])})", ""]
     for what, value in result["notes"].items():
         lines.append(f"- {what}: {value:g}")
     for goal in result["goals"]:
@@ -121,37 +98,26 @@ def table(result):
     return "\n".join(lines).rstrip() + "\n"
 
 
-def plot(result, path):
-    """Bars of the ratios to our time, a group for each work; ours is the line at 1."""
-    import matplotlib
-    matplotlib.use("svg")
-    matplotlib.rcParams["svg.hashsalt"] = result["area"]
-    import matplotlib.pyplot as pyplot
-
-    works = result["works"]
-    rows = [(work["work"], entry) for work in works for entry in work["contenders"]]
-    figure, axes = pyplot.subplots(figsize=(9, 0.7 + 0.26 * (len(rows) + len(works))))
-    position, ticks, labels = 0.0, [], []
-    for work in works:
-        axes.text(0.0, position, " " + work["work"], transform=axes.get_yaxis_transform(), weight="bold", va="center",
-                  fontsize=9)
-        position += 1
+def figures(result):
+    """Every figure of the result, for the terminal."""
+    lines = []
+    for work in result["works"]:
+        lines += [f"{work['work']}, {work['size']:,} items", f"  {'':45} {'minimum':>10} {'median':>10} {'of ours':>8}  growth"]
         for entry in work["contenders"]:
-            ours, limit = entry["name"] == OURS, entry["name"].startswith("limit")
-            axes.barh(position, entry["of_ours"], color="#1f6f8b" if ours else "#b8c4c9" if limit else "#e08e45")
-            axes.text(entry["of_ours"], position, f" {ratio_text(entry['of_ours'])}", va="center", fontsize=8)
-            ticks.append(position)
-            labels.append(entry["name"])
-            position += 1
-    axes.axvline(1, color="#1f6f8b", linewidth=0.8)
-    axes.set_xscale("log")
-    axes.set_yticks(ticks, labels, fontsize=8)
-    axes.invert_yaxis()
-    axes.set_xlabel("time of one item, as a multiple of ours (logarithmic; under Wine)", fontsize=8)
-    for side in ("top", "right"):
-        axes.spines[side].set_visible(False)
-    figure.tight_layout()
-    figure.savefig(path, metadata={"Date": None})
+            growth = ", ".join(f"{value:.2f}" for value in entry["growth"])
+            lines.append(f"  {entry['name']:45} {time_text(entry['minimum_ns']):>10} {time_text(entry['median_ns']):>10} "
+                         f"{ratio_text(entry['of_ours']):>8}  {growth}")
+    for goal in result["goals"]:
+        lines.append(f"{'met' if goal['met'] else 'NOT MET'}: {goal['text']}")
+    return "\n".join(lines) + "\n"
+
+
+def keep(path, text, check):
+    """Writes what a result gives, or ends the program when it differs from what is there."""
+    if not check:
+        path.write_text(text)
+    elif not path.exists() or path.read_text() != text:
+        sys.exit(f"{path} differs from benchmarks/results: run scripts/benchmark-report.py --page docs/performance.md")
 
 
 def require_goals(area, goals, result):
@@ -178,22 +144,18 @@ def fill_page(page, check):
         if check:
             require_goals(area, goals.get(area, []), result)
         head, rest = filled.split(begin, 1)
-        filled = head + begin + table(result) + rest[rest.index(end):]
-    if check and filled != text:
-        sys.exit(f"{page} differs from benchmarks/results: run scripts/benchmark-report.py --page {page}")
-    if not check:
-        page.write_text(filled)
+        filled = head + begin + summary(result) + rest[rest.index(end):]
+        keep(PICTURES / picture_name(area), chart(result), check)
+    keep(page, filled, check)
 
 
 def main(arguments):
     if arguments[:1] == ["--page"]:
         fill_page(pathlib.Path(arguments[-1]), "--check" in arguments)
-    elif arguments[:1] == ["--plot"]:
-        plot(json.loads(pathlib.Path(arguments[2]).read_text()), arguments[3])
     elif len(arguments) == 3:
         result = summarise(arguments[0], json.loads(pathlib.Path(arguments[1]).read_text()))
         pathlib.Path(arguments[2]).write_text(json.dumps(result, indent=1) + "\n")
-        print(table(result))
+        print(figures(result))
     else:
         sys.exit(__doc__)
 

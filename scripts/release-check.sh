@@ -25,7 +25,7 @@ say "the package is $(echo build/mingw-release/package/*.zip)"
 cat <<END
 Left to do:
   1. Build the preset msvc on Windows with Visual Studio and the real MFC, and run the application's own tests with it.
-  2. scripts/bench.sh --plot on a quiet machine; look at docs/performance.md and commit the results.
+  2. scripts/bench.sh on a quiet machine; look at docs/performance.md and commit the results.
   3. Look at the manual in build/mingw-release/docs/html.
   4. git tag -a v$version -m "$version", and publish the package with the changelog's entry.
 END

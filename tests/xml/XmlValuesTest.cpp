@@ -293,12 +293,12 @@ TEST_F(XmlValues, RandomIntegersComeBackAsTheyWereWritten)
     for (int round = 0; round < rounds; ++round)
     {
         const auto bits = static_cast<std::int64_t>(random()) >> random() % 64;
-        const auto small = static_cast<long>(bits);
+        const auto narrow = static_cast<long>(bits);
         const auto positive = static_cast<unsigned long>(bits);
         SetXmlInt64(node, L"a", bits);
         ASSERT_EQ(GetXmlInt64(node, L"@a"), bits);
-        SetXmlLong(node, L"a", small);
-        ASSERT_EQ(GetXmlLong(node, L"@a"), small);
+        SetXmlLong(node, L"a", narrow);
+        ASSERT_EQ(GetXmlLong(node, L"@a"), narrow);
         SetXmlULong(node, L"a", positive);
         ASSERT_EQ(GetXmlULong(node, L"@a"), positive);
     }
