@@ -85,6 +85,10 @@ class Configure(unittest.TestCase):
         self.assertIn("/permissive-", options)
         for option in options:
             self.assertNotRegex(option, r"^-(f[a-z]|m[a-z]+$|W[a-z]|static$|g\d?$|municode)", option)
+        for name in CONFIGURATIONS:
+            flags = " ".join(re.findall(r"^ +LINK_FLAGS = (.*)$", self.rules[name], re.M))
+            self.assertIn("/IGNORE:4197", flags)
+            self.assertNotRegex(flags, r"-Wl,|-municode|-static")
 
 
 if __name__ == "__main__":

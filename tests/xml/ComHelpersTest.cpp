@@ -69,7 +69,7 @@ TEST(FormatHResultText, AsksTheSystemInItsLanguageAndFreesTheBuffer)
                 return length;
             });
     const ImportPatch<decltype(&::LocalFree)> freeing(L"QuonWin32Utils.dll", "LocalFree",
-                                                      [](HLOCAL memory) WINAPI -> HLOCAL {
+                                                      [](HLOCAL memory) -> HLOCAL {
                                                           g_freed.push_back(memory);
                                                           return ::LocalFree(memory);
                                                       });
