@@ -14,7 +14,8 @@
 #include <string>
 
 // The header of the platform's dialogs makes a macro of this name, and the framework's header of its dialogs takes the
-// macro away. QuonPath::GetFileTitle() has one name for every caller, with and without them, so it is taken away here too.
+// macro away. QuonPath::GetFileTitle() has one name for every caller, with and without them, so it is taken away here
+// too.
 #ifdef GetFileTitle
 #undef GetFileTitle
 /// The platform's function for the name that a dialog shows of a file.

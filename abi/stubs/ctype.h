@@ -8,8 +8,8 @@
 extern "C"
 {
 #endif
-int __cdecl _islower_l(int ch, _locale_t locale);
-int __cdecl _isupper_l(int ch, _locale_t locale);
+    int __cdecl _islower_l(int ch, _locale_t locale);
+    int __cdecl _isupper_l(int ch, _locale_t locale);
 #ifdef __cplusplus
 }
 #endif

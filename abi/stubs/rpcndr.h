@@ -1,6 +1,6 @@
 /// @file
-/// Makes interfaces carry their identifiers, as the platform's do, so that __uuidof finds them, and defines the words that
-/// the platform defines.
+/// Makes interfaces carry their identifiers, as the platform's do, so that __uuidof finds them, and defines the words
+/// that the platform defines.
 #pragma once
 
 #include_next <rpcndr.h>

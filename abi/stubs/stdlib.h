@@ -11,10 +11,10 @@
 extern "C"
 {
 #endif
-int __cdecl ___mb_cur_max_func(void);
-float __cdecl _strtof_l(const char* text, char** end, _locale_t locale);
-double __cdecl _strtod_l(const char* text, char** end, _locale_t locale);
-errno_t __cdecl _dupenv_s(char** buffer, size_t* size, const char* name);
+    int __cdecl ___mb_cur_max_func(void);
+    float __cdecl _strtof_l(const char* text, char** end, _locale_t locale);
+    double __cdecl _strtod_l(const char* text, char** end, _locale_t locale);
+    errno_t __cdecl _dupenv_s(char** buffer, size_t* size, const char* name);
 #ifdef __cplusplus
 }
 #endif

@@ -136,7 +136,7 @@ public:
 
 /// The calling thread's handler.
 QUON_FRAMEWORK_API _PNH AFXAPI AfxGetNewHandler();
-/// Sets the calling thread's handler; null stands for AfxNewHandler. @return the handler set before
+/// Sets the calling thread's handler; null means AfxNewHandler. @return the handler set before
 QUON_FRAMEWORK_API _PNH AFXAPI AfxSetNewHandler(_PNH pfnNewHandler);
 /// The handler of a thread that set none: throws CMemoryException*.
 QUON_FRAMEWORK_API int AFX_CDECL AfxNewHandler(size_t nSize);

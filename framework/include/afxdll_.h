@@ -27,7 +27,8 @@ struct AFX_EXTENSION_MODULE
 class QUON_FRAMEWORK_API CDynLinkLibrary : public CCmdTarget
 {
 public:
-    /// Links itself at the head of the current module state's list. A null resource instance stands for the module's own.
+    /// Links itself at the head of the current module state's list. A null resource instance means the module's
+    /// own.
     explicit CDynLinkLibrary(AFX_EXTENSION_MODULE& state, BOOL bSystem = FALSE);
     /// The same for a module without a record, which is not the framework's.
     CDynLinkLibrary(HINSTANCE hModule, HINSTANCE hResource);

@@ -61,7 +61,8 @@ TEST(StandInTest, AppendingFlagsWriteToTheEndUnasked)
     const quon_test::TemporaryFolder folder;
     const std::wstring path = folder.WriteFile(L"log.txt", "old\r\n");
     CStdioFile file;
-    ASSERT_TRUE(file.Open(path.c_str(), CFile::modeCreate | CFile::modeNoTruncate | CFile::modeWrite | CFile::typeText));
+    ASSERT_TRUE(
+        file.Open(path.c_str(), CFile::modeCreate | CFile::modeNoTruncate | CFile::modeWrite | CFile::typeText));
     file.WriteString(L"a\n");
     file.Seek(0, CFile::begin);
     file.WriteString(L"b\n");
@@ -70,7 +71,7 @@ TEST(StandInTest, AppendingFlagsWriteToTheEndUnasked)
 }
 
 // A null handler makes the framework's operator new return null, which only MSVC's code expects.
-TEST(StandInTest, NoHandlerForShortMemoryStandsForTheFrameworksOwn)
+TEST(StandInTest, NoHandlerForShortMemoryMeansTheFrameworksOwn)
 {
     const _PNH previous = AfxSetNewHandler(nullptr);
     EXPECT_EQ(AfxGetNewHandler(), &AfxNewHandler);

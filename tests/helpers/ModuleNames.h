@@ -32,7 +32,8 @@ inline constexpr const wchar_t* kRunTimeModule = L"ucrtbased.dll";
 inline constexpr const wchar_t* kRunTimeModule = L"ucrtbase.dll";
 #endif
 
-/// Tests an imported library's name, as the import table has it: the C run-time, or a part of it under a name of its own
+/// Tests an imported library's name, as the import table has it: the C run-time, or a part of it under a name of its
+/// own
 /// ("api-ms-win-crt-heap-l1-1-0.dll").
 inline bool IsRunTimeLibrary(const char* library)
 {

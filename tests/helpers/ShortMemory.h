@@ -17,8 +17,8 @@ enum class ShortMemory
     Standard    ///< std::bad_alloc, as when another operator new is linked or the C++ run-time throws by itself
 };
 
-/// The kind of this run: the framework's, unless the environment says QUON_SHORT_MEMORY=standard. The programs that make
-/// memory run out are run with each.
+/// The kind of this run: the framework's, unless the environment says QUON_SHORT_MEMORY=standard. The programs that
+/// make memory run out are run with each.
 inline ShortMemory ShortMemoryOfThisRun()
 {
     const char* const chosen = std::getenv("QUON_SHORT_MEMORY");

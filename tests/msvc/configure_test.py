@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Configures the project as the preset msvc does, with a compiler that CMake takes for MSVC's: configure_test.py BUILD
 
-Packages that do nothing stand for those of vcpkg. Nothing is built: what is looked at is that a generator of several
+Packages that do nothing take the place of those of vcpkg. Nothing is built: what is looked at is that a generator of several
 configurations writes its files, and what they say.
 """
 import json

@@ -41,7 +41,6 @@ public:
     MemoryExhaustion() { g_requests = 0; }
 
 private:
-
     ImportPatch<Allocate> m_malloc{quon_test::kFrameworkModule, "malloc", &RefuseFirst};
     ImportPatch<Reallocate> m_realloc{quon_test::kFrameworkModule, "realloc", &RefuseFirstGrowth};
 };

@@ -17,8 +17,8 @@ namespace quon_test
 {
 
 /// Lets one allocation of the library or of the framework fail, the one after `successes` others, whichever function it
-/// asks: malloc, calloc or realloc. Only on the thread that made it, and reported by operator new as `kind` says. One at a
-/// time.
+/// asks: malloc, calloc or realloc. Only on the thread that made it, and reported by operator new as `kind` says. One
+/// at a time.
 class NthFailure
 {
 public:

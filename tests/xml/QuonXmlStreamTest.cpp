@@ -267,12 +267,12 @@ TEST_F(QuonXmlTest, MemoryStepsThatFailGiveTheirResults)
         delete[] buffer;
         buffer = nullptr;
     }
-    const ImportPatch<decltype(&::CreateStreamOnHGlobal)> patch(
-        kLibrary, "CreateStreamOnHGlobal", [](HGLOBAL memory, BOOL deletes, LPSTREAM*) -> HRESULT {
-            EXPECT_EQ(memory, nullptr);
-            EXPECT_TRUE(deletes);
-            return E_UNEXPECTED;
-        });
+    const ImportPatch<decltype(&::CreateStreamOnHGlobal)> patch(kLibrary, "CreateStreamOnHGlobal",
+                                                                [](HGLOBAL memory, BOOL deletes, LPSTREAM*) -> HRESULT {
+                                                                    EXPECT_EQ(memory, nullptr);
+                                                                    EXPECT_TRUE(deletes);
+                                                                    return E_UNEXPECTED;
+                                                                });
     EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), E_UNEXPECTED);
     EXPECT_EQ(xml.LoadFromMemory(pointer, bytes, 3), E_UNEXPECTED);
     EXPECT_EQ(persist.references, 1);
