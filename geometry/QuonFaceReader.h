@@ -10,7 +10,8 @@
 /// }
 /// ```
 /// With the same array for all faces, reading allocates nothing once the array has had room for the largest face.
-/// A reader is for one thread at a time. The only exception is std::bad_alloc, when memory is exhausted.
+/// A reader is for one thread at a time. The only exceptions are those of exhausted memory:
+/// std::bad_alloc from the point array, CMemoryException* from operator new of a module that links the framework.
 #pragma once
 
 #include <afx.h>

@@ -4,6 +4,8 @@
 
 #include <afxdllx.h>
 
+#include "base/MemoryInternal.h"
+
 namespace
 {
 
@@ -71,12 +73,13 @@ void DetachProcess(HINSTANCE instance)
 // steps cope with whatever part was initialised.
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID)
 {
-    try
-    {
+    bool succeeded = true;
+    const bool hadMemory = RunsInMemory([&] {
         switch (reason)
         {
             case DLL_PROCESS_ATTACH:
-                return InitialiseFramework(instance) && JoinHost(instance);
+                succeeded = InitialiseFramework(instance) && JoinHost(instance);
+                break;
             case DLL_THREAD_DETACH:
                 DetachThread();
                 break;
@@ -86,11 +89,6 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID)
             default:
                 break;
         }
-        return TRUE;
-    }
-    catch (CMemoryException* exception)
-    {
-        exception->Delete();
-        return FALSE;
-    }
+    });
+    return hadMemory && succeeded;
 }

@@ -1,5 +1,7 @@
 #include "monitoring/WatchedFoldersInternal.h"
 
+#include "base/LetterCaseInternal.h"
+
 #include <algorithm>
 
 namespace QuonFileEventServer_details
@@ -36,7 +38,9 @@ DWORD TakeLaterTime(DWORD bit, FILETIME& baseline, const FILETIME& now)
 // behind it; a folder, or what cannot be read, as it was given. Lower case, because folders are told apart by text.
 QuonPath FolderOf(const QuonPath& path, bool isFile)
 {
-    const QuonPath lowered(path, QuonPathLowerCase);
+    CString text(path);
+    MakeLowerForUser(text);
+    const QuonPath lowered(text, QuonPathBackslash);
     return isFile ? lowered.GetFolder() : lowered;
 }
 

@@ -1,5 +1,6 @@
 #include "paths/FileOperations.h"
 
+#include "base/LetterCaseInternal.h"
 #include "traversal/QuonDirectoryTrees.h"
 #include "traversal/QuonFileTrees.h"
 
@@ -23,20 +24,28 @@ bool IsMissing(const wchar_t* path)
     return _waccess(path, 0) != 0;
 }
 
+// By the user's locale: the flag QuonPathUpperCase leaves foreign letters alone in a program that sets no locale.
+QuonPath InUpperCase(const wchar_t* path)
+{
+    CString text(path);
+    MakeUpperForUser(text);
+    return {text, QuonPathBackslash};
+}
+
 // The process cannot remove its current folder. The test has no boundary: "C:\ab" counts as being inside of "C:\a", and
 // leaving it although that is not needed does no harm.
 void MakeParentCurrentIfInside(const wchar_t* folder)
 {
     wchar_t text[kCurrentFolderSize] = {};
     GetCurrentDirectoryW(kCurrentFolderSize, text);
-    QuonPath current(text, QuonPathUpperCase);
+    QuonPath current = InUpperCase(text);
     current.Normalize();
     current.AddTrailingSeparator();
 
     // Upper case serves the comparison only: the parent keeps its own.
     QuonPath parent(folder, QuonPathBackslash);
     parent.Normalize();
-    const QuonPath start(parent, QuonPathUpperCase);
+    const QuonPath start = InUpperCase(parent);
     if (_wcsnicmp(current, start, wcslen(start)) == 0)
     {
         parent.RemoveLastComponent();

@@ -1,5 +1,6 @@
 #include "paths/PathStringInternal.h"
 
+#include "base/MemoryInternal.h"
 #include "paths/PathTextInternal.h"
 
 #include <algorithm>
@@ -65,16 +66,11 @@ void NormalizeString(CString& text, wchar_t separator)
         return;
     }
     const auto length = static_cast<std::size_t>(text.GetLength());
-    try
-    {
+    // A path that cannot be rewritten for lack of memory still names the same file: it is left as it is.
+    RunsInMemory([&] {
         wchar_t* const buffer = text.GetBuffer(ToInt(length + 1));
         text.ReleaseBuffer(ToInt(Normalize({buffer, length}, separator, buffer)));
-    }
-    catch (CMemoryException* exception)
-    {
-        // A path that cannot be rewritten for want of memory still names the same file: it is left as it is.
-        exception->Delete();
-    }
+    });
 }
 
 void JoinString(CString& text, wchar_t separator, std::wstring_view other)

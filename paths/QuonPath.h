@@ -7,6 +7,8 @@
 #include "base/Export.h"
 #include "paths/WellKnownFolders.h"
 
+#include <commdlg.h>
+
 #include <cstdint>
 #include <list>
 #include <string>
@@ -29,9 +31,10 @@ inline constexpr QuonPathFlags QuonPathBackslash = 0x02;
 inline constexpr QuonPathFlags QuonPathStripTrailing = 0x04;
 /// QuonPath::AddTrailingSeparator() is applied.
 inline constexpr QuonPathFlags QuonPathAddTrailing = 0x08;
-/// The whole text is put into lower case, by the user's locale.
+/// The whole text is put into lower case as CString::MakeLower() does: by the C run-time's locale, so A to Z alone in a
+/// program that calls no setlocale().
 inline constexpr QuonPathFlags QuonPathLowerCase = 0x10;
-/// The whole text is put into upper case, by the user's locale.
+/// The whole text is put into upper case as CString::MakeUpper() does: by the C run-time's locale, as above.
 inline constexpr QuonPathFlags QuonPathUpperCase = 0x20;
 /// QuonPath::Normalize() is applied, after everything else.
 inline constexpr QuonPathFlags QuonPathNormalize = 0x40;

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Checks the contract with a host that is built with MSVC, by clang in its MSVC mode and Wine's headers (abi/README.md).
 
-  abi.py parse BUILD      every source of the library compiles, and the public headers do as C++17
+  abi.py parse BUILD      every source of library, host, examples, tests and the benchmarks' common part compiles, and the
+                          public headers do as C++17
   abi.py layout BUILD     fields, sizes and virtual tables of the classes are those of abi/layout.txt
   abi.py names BUILD      the decorated names of the exports are those of module/QuonWin32Utils.msvc.def, and number and
                           signature of each are those of module/QuonWin32Utils.def; with --write the list is written anew
@@ -120,9 +121,12 @@ def compile_library(build):
 
 
 def parse(arguments):
-    faults = [*compile_library(arguments.build), *filter(None, [parse_headers(arguments.build)])]
-    finish(faults, f"{len(library_sources())} sources and {len(public_headers(arguments.build))} public headers "
-           "compile in the MSVC mode")
+    import abi_parse
+
+    build = arguments.build.resolve()
+    faults = [*compile_library(build), *filter(None, [parse_headers(build)]), *abi_parse.parse(build)]
+    finish(faults, f"{len(library_sources())} sources of the library, {len(abi_parse.sources(build))} around it and "
+           f"{len(public_headers(build))} public headers compile in the MSVC mode")
 
 
 def plain_type(text):
@@ -389,23 +393,24 @@ def link_all(build):
     """Framework, library and host in MSVC's ABI, in the folder abi/run/ of the build tree, which is returned."""
     folder = build / "abi/run"
     startup = TOP / "abi/run/Startup.cpp"
-    framework = {source: folder / "framework" / (source.stem + ".obj") for source in TOP.glob("framework/src/*.cpp")}
+    framework = {source: folder / "framework" / (source.stem + ".obj") for source in TOP.glob("framework/*/*.cpp")}
     jobs = [(source, obj, "-DQUON_BUILDING_FRAMEWORK") for source, obj in framework.items()]
-    jobs += [(startup, folder / "StartupDll.obj", "-DQUON_ABI_DLL"), (startup, folder / "Startup.obj")]
+    jobs += [(startup, folder / "StartupDll.obj", "-DQUON_ABI_DLL"), (startup, folder / "Startup.obj"),
+             (TOP / "framework/new/OperatorNew.cpp", folder / "OperatorNew.obj")]
     jobs += [(TOP / f"abi/run/{name}.cpp", folder / f"{name}.obj") for name in ("ComSupport", "Host")]
     faults = compile_library(build) + compile_all(jobs)
     if faults:
         finish(faults, "")
     stripped = folder / "stripped"
     stripped.mkdir(exist_ok=True)
-    library = [without_directives(obj, stripped) for obj in
-               [*objects(build).values(), folder / "StartupDll.obj", folder / "ComSupport.obj"]]
+    support = [folder / "ComSupport.obj", folder / "OperatorNew.obj"]
+    library = [without_directives(obj, stripped) for obj in [*objects(build).values(), folder / "StartupDll.obj", *support]]
     framework_library, import_library = folder / "QuonFramework.lib", folder / "QuonWin32Utils.lib"
     link(folder / "QuonFramework.dll", [*framework.values(), folder / "StartupDll.obj"], "/dll",
          f"/implib:{framework_library}")
     link(folder / "QuonWin32Utils.dll", [*library, framework_library], "/dll", f"/def:{MSVC_LIST}",
          f"/implib:{import_library}")
-    link(folder / "Host.exe", [folder / "Host.obj", folder / "Startup.obj", folder / "ComSupport.obj", framework_library,
+    link(folder / "Host.exe", [folder / "Host.obj", folder / "Startup.obj", *support, framework_library,
                                import_library], "/subsystem:console")
     return folder
 

@@ -31,7 +31,8 @@
 /// @param elementSize bytes of one element; read, not written. Less than 16 counts as 16. When it is larger than the
 ///                    page less 24 bytes, the page is taken for good but holds no element and the list stays.
 /// @return the page's address; null when the system has no memory, the list then stays.
-/// Throws std::bad_alloc when there is no memory for the record of a new region.
+/// Throws what operator new throws when there is no memory for the record of a new region: the framework's
+/// CMemoryException* or std::bad_alloc.
 QUON_API void* PoolAddPage(void** listHead, std::size_t* elementSize);
 
 /// Takes the first element off the list, which must not be empty.

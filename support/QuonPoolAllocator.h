@@ -56,7 +56,8 @@ public:
         }
     }
 
-    /// @return memory for one `T`, not constructed. Throws std::bad_alloc when there is none.
+    /// @return memory for one `T`, not constructed. Throws std::bad_alloc when the system has no page, and
+    /// what PoolAddPage() throws.
     T* Allocate()
     {
         void* element = std::exchange(m_spare, nullptr);

@@ -96,21 +96,11 @@ extern "C" void Start()
 
 #endif
 
-// Memory. All modules share the heap of the C run-time.
+// Memory. All modules share the heap of the C run-time. Operator new itself is the framework's (framework/new/).
 
 void* operator new(size_t size, const std::nothrow_t&) noexcept
 {
     return malloc(size == 0 ? 1 : size);
-}
-
-void* operator new(size_t size)
-{
-    void* const block = malloc(size == 0 ? 1 : size);
-    if (block == nullptr)
-    {
-        throw std::bad_alloc();
-    }
-    return block;
 }
 
 void* operator new(size_t size, std::align_val_t)
@@ -126,16 +116,6 @@ void* operator new[](size_t size)
 void* operator new[](size_t size, const std::nothrow_t& mark) noexcept
 {
     return operator new(size, mark);
-}
-
-void operator delete(void* block) noexcept
-{
-    free(block);
-}
-
-void operator delete(void* block, size_t) noexcept
-{
-    free(block);
 }
 
 void operator delete(void* block, std::align_val_t) noexcept

@@ -3,3 +3,8 @@
 #pragma once
 
 #include <vcruntime_new.h>
+
+#ifndef _PNH_DEFINED
+#define _PNH_DEFINED
+typedef int(__cdecl* _PNH)(size_t);
+#endif

@@ -1,5 +1,6 @@
 /// @file
-/// Makes interfaces carry their identifiers, as the platform's do, so that __uuidof finds them.
+/// Makes interfaces carry their identifiers, as the platform's do, so that __uuidof finds them, and defines the words
+/// that the platform defines.
 #pragma once
 
 #include_next <rpcndr.h>
@@ -7,3 +8,7 @@
 #define DECLSPEC_UUID(x) __declspec(uuid(x))
 #undef MIDL_INTERFACE
 #define MIDL_INTERFACE(x) struct DECLSPEC_UUID(x) DECLSPEC_NOVTABLE
+#undef hyper
+#define hyper __int64
+#undef small
+#define small char

@@ -8,6 +8,7 @@
 #endif
 
 #include <windows.h>
+#include <new.h>
 #include <tchar.h>
 #include "afxver_.h"
 #include "afxstr.h"
@@ -132,5 +133,15 @@ public:
 [[noreturn]] QUON_FRAMEWORK_API void AFXAPI AfxThrowMemoryException();
 [[noreturn]] QUON_FRAMEWORK_API void AFXAPI AfxThrowInvalidArgException();
 [[noreturn]] QUON_FRAMEWORK_API void AFXAPI AfxThrowNotSupportedException();
+
+// A module that links the framework has the framework's operator new. When there is no memory it asks the calling
+// thread's handler: an answer other than 0 lets it try again, 0 lets it throw CMemoryException*.
+
+/// The calling thread's handler.
+QUON_FRAMEWORK_API _PNH AFXAPI AfxGetNewHandler();
+/// Sets the calling thread's handler; null means AfxNewHandler. @return the handler set before
+QUON_FRAMEWORK_API _PNH AFXAPI AfxSetNewHandler(_PNH pfnNewHandler);
+/// The handler of a thread that set none: throws CMemoryException*.
+QUON_FRAMEWORK_API int AFX_CDECL AfxNewHandler(size_t nSize);
 
 #include "afxfile_.h"

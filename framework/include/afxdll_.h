@@ -27,9 +27,11 @@ struct AFX_EXTENSION_MODULE
 class QUON_FRAMEWORK_API CDynLinkLibrary : public CCmdTarget
 {
 public:
-    /// Links itself at the head of the current module state's list.
+    /// Links itself at the head of the current module state's list. A null resource instance means the module's
+    /// own.
     explicit CDynLinkLibrary(AFX_EXTENSION_MODULE& state, BOOL bSystem = FALSE);
-    CDynLinkLibrary(HINSTANCE hModule, HINSTANCE hResource, BOOL bSystem);
+    /// The same for a module without a record, which is not the framework's.
+    CDynLinkLibrary(HINSTANCE hModule, HINSTANCE hResource);
     /// Takes itself out of the current module state's list.
     ~CDynLinkLibrary() override;
 

@@ -119,7 +119,10 @@ void CList<TYPE, ARG_TYPE>::RemoveAll()
     }
     m_nCount = 0;
     m_pNodeHead = m_pNodeTail = m_pNodeFree = nullptr;
-    CPlex::FreeDataChain(m_pBlocks);
+    if (m_pBlocks != nullptr)
+    {
+        m_pBlocks->FreeDataChain();
+    }
     m_pBlocks = nullptr;
 }
 

@@ -113,11 +113,7 @@ void CMap<KEY, ARG_KEY, VALUE, ARG_VALUE>::InitHashTable(UINT nHashSize, BOOL bA
     m_pHashTable = nullptr;
     if (bAllocNow)
     {
-        m_pHashTable = new (std::nothrow) CAssoc*[nHashSize]();
-        if (m_pHashTable == nullptr)
-        {
-            AfxThrowMemoryException();
-        }
+        m_pHashTable = new CAssoc*[nHashSize]();
     }
     m_nHashTableSize = nHashSize;
 }
@@ -138,7 +134,10 @@ void CMap<KEY, ARG_KEY, VALUE, ARG_VALUE>::RemoveAll()
     m_pHashTable = nullptr;
     m_nCount = 0;
     m_pFreeList = nullptr;
-    CPlex::FreeDataChain(m_pBlocks);
+    if (m_pBlocks != nullptr)
+    {
+        m_pBlocks->FreeDataChain();
+    }
     m_pBlocks = nullptr;
 }
 

@@ -19,6 +19,6 @@ struct QUON_FRAMEWORK_API CPlex
     /// Throws the invalid-argument exception when a size is 0 and the memory exception when there is no memory.
     static CPlex* PASCAL Create(CPlex*& head, UINT_PTR nMax, UINT_PTR cbElement);
 
-    /// Frees this block and all that follow; the elements must have been destroyed. Does nothing on a null chain.
-    static void PASCAL FreeDataChain(CPlex* head);
+    /// Frees this block and all that follow; the elements must have been destroyed.
+    void FreeDataChain();
 };

@@ -216,7 +216,7 @@ public:
     CStringT& TrimRight(XCHAR chTarget);
     CStringT& TrimRight(PCXSTR pszTargets);
 
-    /// Case by the user's locale.
+    /// Case by the C run-time's locale: A to Z alone in a program that sets none. Ends at the first zero.
     CStringT& MakeLower();
     CStringT& MakeUpper();
     CStringT& MakeReverse();

@@ -6,11 +6,12 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID)
     // A failed attach is followed by a detach.
     if (reason == DLL_PROCESS_ATTACH)
     {
-        return StartModuleStates() ? TRUE : FALSE;
+        return StartNewHandlers() && StartModuleStates() ? TRUE : FALSE;
     }
     if (reason == DLL_PROCESS_DETACH)
     {
         EndModuleStates();
+        EndNewHandlers();
     }
     return TRUE;
 }

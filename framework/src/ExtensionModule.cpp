@@ -27,6 +27,12 @@ CDynLinkLibrary* FindLibrary(HMODULE module, BOOL any)
     return library;
 }
 
+// A record that lives as long as the call that it is given to.
+AFX_EXTENSION_MODULE& Temporary(AFX_EXTENSION_MODULE&& record)
+{
+    return record;
+}
+
 HMODULE FrameworkModule()
 {
     HMODULE module = nullptr;
@@ -40,19 +46,19 @@ CCmdTarget::CCmdTarget() = default;
 CCmdTarget::~CCmdTarget() = default;
 
 CDynLinkLibrary::CDynLinkLibrary(AFX_EXTENSION_MODULE& state, BOOL bSystem)
-    : CDynLinkLibrary(state.hModule, state.hResource, bSystem)
-{
-}
-
-CDynLinkLibrary::CDynLinkLibrary(HINSTANCE hModule, HINSTANCE hResource, BOOL bSystem)
-    : m_hModule(hModule),
-      m_hResource(hResource == nullptr ? hModule : hResource),
+    : m_hModule(state.hModule),
+      m_hResource(state.hResource == nullptr ? state.hModule : state.hResource),
       m_bSystem(bSystem),
       m_pNextDLL(nullptr)
 {
-    RecordCall("CDynLinkLibrary", {hModule, 0, bSystem != FALSE});
+    RecordCall("CDynLinkLibrary", {m_hModule, 0, bSystem != FALSE});
     const LibraryListGuard guard;
     AfxGetModuleState()->m_libraryList.AddHead(this);
+}
+
+CDynLinkLibrary::CDynLinkLibrary(HINSTANCE hModule, HINSTANCE hResource)
+    : CDynLinkLibrary(Temporary(AFX_EXTENSION_MODULE{TRUE, hModule, hResource}), FALSE)
+{
 }
 
 CDynLinkLibrary::~CDynLinkLibrary()
@@ -93,6 +99,6 @@ void AFXAPI AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL bAll)
 void AFXAPI AfxCoreInitModule()
 {
     RecordCall("AfxCoreInitModule");
-    const HMODULE framework = FrameworkModule();
-    new CDynLinkLibrary(framework, framework, TRUE);
+    AFX_EXTENSION_MODULE framework = {TRUE, FrameworkModule(), nullptr};
+    new CDynLinkLibrary(framework, TRUE);
 }

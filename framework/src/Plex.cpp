@@ -25,12 +25,13 @@ CPlex* PASCAL CPlex::Create(CPlex*& head, UINT_PTR nMax, UINT_PTR cbElement)
     return plex;
 }
 
-void PASCAL CPlex::FreeDataChain(CPlex* head)
+void CPlex::FreeDataChain()
 {
-    while (head != nullptr)
+    CPlex* block = this;
+    while (block != nullptr)
     {
-        CPlex* const next = head->pNext;
-        std::free(head);
-        head = next;
+        CPlex* const next = block->pNext;
+        std::free(block);
+        block = next;
     }
 }

@@ -15,20 +15,22 @@ int CStringW::Insert(int iIndex, XCHAR ch)
 
 int CStringW::Insert(int iIndex, PCXSTR psz)
 {
+    const int length = GetLength();
+    const int added = StringLength(psz);
+    // Empty strings share one text, which would count as a part of this one.
+    if (added == 0)
+    {
+        return length;
+    }
     if (IsOwn(psz))
     {
         return Insert(iIndex, static_cast<PCXSTR>(CStringT(psz)));
     }
-    const int length = GetLength();
     const int index = std::clamp(iIndex, 0, length);
-    const int added = StringLength(psz);
-    if (added != 0)
-    {
-        PXSTR buffer = GetBuffer(length + added);
-        wmemmove(buffer + index + added, buffer + index, static_cast<size_t>(length - index));
-        wmemcpy(buffer + index, psz, static_cast<size_t>(added));
-        ReleaseBufferSetLength(length + added);
-    }
+    PXSTR buffer = GetBuffer(length + added);
+    wmemmove(buffer + index + added, buffer + index, static_cast<size_t>(length - index));
+    wmemcpy(buffer + index, psz, static_cast<size_t>(added));
+    ReleaseBufferSetLength(length + added);
     return length + added;
 }
 
@@ -202,13 +204,13 @@ CStringW& CStringW::Trim(PCXSTR pszTargets)
 
 CStringW& CStringW::MakeLower()
 {
-    CharLowerBuffW(GetBuffer(), static_cast<DWORD>(GetLength()));
+    _wcslwr(GetBuffer());
     return *this;
 }
 
 CStringW& CStringW::MakeUpper()
 {
-    CharUpperBuffW(GetBuffer(), static_cast<DWORD>(GetLength()));
+    _wcsupr(GetBuffer());
     return *this;
 }
 

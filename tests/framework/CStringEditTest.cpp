@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "helpers/RunTimeLocale.h"
+
 namespace
 {
 std::wstring Text(const CString& text)
@@ -341,14 +343,52 @@ TEST(CStringEditTest, ComparisonEndsAtAZero)
     EXPECT_TRUE(CString(L"a\0b", 3) == L"a");
 }
 
-TEST(CStringEditTest, ChangesCaseByTheUsersLocale)
+TEST(CStringEditTest, ChangesCaseFromAToZAloneInTheLocaleC)
 {
-    CString text(L"aZ\u00C4\u00E4\u0416\u0436\u00DF\u03A9 1_");
-    EXPECT_EQ(Text(text.MakeLower()), L"az\u00E4\u00E4\u0436\u0436\u00DF\u03C9 1_");
-    EXPECT_EQ(Text(text.MakeUpper()), L"AZ\u00C4\u00C4\u0416\u0416\u00DF\u03A9 1_");
+    CString text(L"aZ\u00C4\u00E4\u0416\u0436 1_");
+    EXPECT_EQ(Text(text.MakeLower()), L"az\u00C4\u00E4\u0416\u0436 1_");
+    EXPECT_EQ(Text(text.MakeUpper()), L"AZ\u00C4\u00E4\u0416\u0436 1_");
     EXPECT_EQ(Text(CString().MakeUpper()), L"");
+    EXPECT_NE(CString(L"\u00C4").CompareNoCase(L"\u00E4"), 0);
+}
+
+TEST(CStringEditTest, ChangesCaseByTheRunTimesLocale)
+{
+    const quon_test::RunTimeLocale german("German");
+    CString text(L"aZ\u00C4\u00E4 1_");
+    EXPECT_EQ(Text(text.MakeLower()), L"az\u00E4\u00E4 1_");
+    EXPECT_EQ(Text(text.MakeUpper()), L"AZ\u00C4\u00C4 1_");
+    EXPECT_EQ(CString(L"\u00C4").CompareNoCase(L"\u00E4"), 0);
+}
+
+TEST(CStringEditTest, ChangesCaseUpToAZero)
+{
+    EXPECT_EQ(Text(CString(L"a\0b", 3).MakeUpper()), std::wstring(L"A\0b", 3));
+    EXPECT_EQ(Text(CString(L"A\0B", 3).MakeLower()), std::wstring(L"a\0B", 3));
+}
+
+TEST(CStringEditTest, Reverses)
+{
     EXPECT_EQ(Text(CString(L"abc").MakeReverse()), L"cba");
     EXPECT_EQ(Text(CString().MakeReverse()), L"");
+}
+
+TEST(CStringEditTest, InsertsAnEmptyStringIntoAnEmptyOne)
+{
+    CString text;
+    const CString other;
+    EXPECT_EQ(text.Insert(0, other), 0);
+    EXPECT_EQ(text.Insert(0, L""), 0);
+    EXPECT_TRUE(text.IsEmpty());
+}
+
+TEST(CStringEditTest, InsertsAnotherStringOfTheSameText)
+{
+    CString text(L"abc");
+    const CString other(text);
+    EXPECT_EQ(text.Insert(1, other), 6);
+    EXPECT_EQ(Text(text), L"aabcbc");
+    EXPECT_EQ(Text(other), L"abc");
 }
 
 TEST(CStringEditTest, Tokenizes)

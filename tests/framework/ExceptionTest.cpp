@@ -1,8 +1,15 @@
 // The framework's exceptions: thrown as pointers out of its DLL, caught by class or base class, ended by Delete().
-#include <gtest/gtest.h>
 #include <afx.h>
 #include <afxdisp.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+#include <new>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace
 {
@@ -56,6 +63,53 @@ TEST(ExceptionTest, CanBeThrownAgainAndAgain)
         ASSERT_TRUE(Throws<CMemoryException>([] { AfxThrowMemoryException(); }));
         ASSERT_TRUE(Throws<COleException>([] { AfxThrowOleException(E_POINTER); }));
     }
+}
+
+// More than any heap has, and a size that the compiler does not see.
+std::size_t TooMuch()
+{
+    static volatile std::size_t size = SIZE_MAX / 4;
+    return size;
+}
+
+TEST(ExceptionTest, OperatorNewThrowsTheMemoryException)
+{
+    EXPECT_TRUE(Throws<CMemoryException>([] { ::operator delete(::operator new(TooMuch())); }));
+    EXPECT_TRUE(Throws<CMemoryException>([] { std::make_unique<char[]>(TooMuch()); }));
+    EXPECT_TRUE(Throws<CMemoryException>([] { std::vector<char> bytes(TooMuch()); }));
+    EXPECT_TRUE(Throws<CMemoryException>([] { std::string text(TooMuch(), 'x'); }));
+    EXPECT_EQ(std::unique_ptr<char[]>(new (std::nothrow) char[TooMuch()]), nullptr);
+}
+
+TEST(ExceptionTest, OperatorNewTakesNoBytesForOne)
+{
+    void* const first = ::operator new(0);
+    void* const second = ::operator new(0);
+    EXPECT_NE(first, second);
+    ::operator delete(first);
+    ::operator delete(second);
+}
+
+int handlerCalls = 0;
+
+int __cdecl TryThreeTimes(std::size_t size)
+{
+    EXPECT_EQ(size, TooMuch());
+    handlerCalls += 1;
+    return handlerCalls < 3 ? 1 : ::AfxNewHandler(size);
+}
+
+TEST(ExceptionTest, OperatorNewTriesAgainAsLongAsTheThreadsHandlerSays)
+{
+    handlerCalls = 0;
+    const _PNH previous = ::AfxSetNewHandler(&TryThreeTimes);
+    EXPECT_TRUE(Throws<CMemoryException>([] { ::operator delete(::operator new(TooMuch())); }));
+    EXPECT_EQ(handlerCalls, 3);
+    _PNH other = nullptr;
+    std::thread([&other] { other = ::AfxGetNewHandler(); }).join();
+    EXPECT_EQ(other, previous) << "a thread has its own handler";
+    EXPECT_EQ(::AfxSetNewHandler(previous), &TryThreeTimes);
+    EXPECT_EQ(::AfxGetNewHandler(), previous);
 }
 
 TEST(ExceptionTest, UnwindDestroysTheFrames)

@@ -1,8 +1,12 @@
 // What the stand-in offers to the tests of modules: the order of their calls, and failures on demand.
-#include <gtest/gtest.h>
 #include <afxwin.h>
+
+#include <gtest/gtest.h>
 #include <quon_framework_journal.h>
+
 #include <thread>
+
+#include "helpers/ModuleNames.h"
 
 namespace
 {
@@ -77,12 +81,12 @@ TEST_F(JournalTest, TellsArgumentsAndModuleStates)
     } expected[] = {
         {"AfxWinTerm", false, nullptr, 0, AfxGetAppModuleState()},
         {"AfxCoreInitModule", false, nullptr, 0, &state},
-        {"CDynLinkLibrary", true, GetModuleHandleW(L"QuonFramework.dll"), 0, &state},
+        {"CDynLinkLibrary", true, GetModuleHandleW(quon_test::kFrameworkModule), 0, &state},
         {"AfxWinInit", false, module, 0, &state},
         {"AfxInitExtensionModule", false, module, 0, &state},
         {"AfxUnlockTempMaps", false, nullptr, -1, &state},
         {"AfxTermExtensionModule", false, module, TRUE, &state},
-        {"~CDynLinkLibrary", true, GetModuleHandleW(L"QuonFramework.dll"), 0, &state},
+        {"~CDynLinkLibrary", true, GetModuleHandleW(quon_test::kFrameworkModule), 0, &state},
     };
     for (int i = 0; i < 8; ++i)
     {

@@ -102,30 +102,49 @@ TEST(CMapTest, IteratesByBucketAndTheYoungestFirst)
     EXPECT_THAT(KeysOf(map), ElementsAre(17, 34, 0, 20, 3, 33, 16));
 }
 
-TEST(CMapTest, HashesPointersByAllButTheirLowestFourBits)
+template <class Key>
+UINT HashOf(Key key)
 {
-#ifdef _MSC_VER
-    GTEST_SKIP() << "newer versions of the framework spread pointers in another way";
-#else
-    EXPECT_EQ(HashKey<void*>(reinterpret_cast<void*>(0x120)), 0x12U);
-    EXPECT_EQ(HashKey<void*>(reinterpret_cast<void*>(0xF)), 0U);
-    EXPECT_EQ(HashKey<void*>(reinterpret_cast<void*>(0x1234567890)), 0x23456789U);
+    return HashKey<Key>(key);
+}
 
-    CMap<void*, void*, int, int> map;
-    std::vector<INT_PTR> order;
-    for (const INT_PTR key : {0x10, 0x20, 0x120})
-    {
-        map[reinterpret_cast<void*>(key)] = 1;
-    }
-    for (POSITION position = map.GetStartPosition(); position != nullptr;)
-    {
-        void* key = nullptr;
-        int value = 0;
-        map.GetNextAssoc(position, key, value);
-        order.push_back(reinterpret_cast<INT_PTR>(key));
-    }
-    EXPECT_THAT(order, ElementsAre(0x120, 0x10, 0x20));
-#endif
+void* Address(UINT_PTR number)
+{
+    return reinterpret_cast<void*>(number);
+}
+
+TEST(CMapTest, HashesIntegersAndPointersByMultiplication)
+{
+    EXPECT_EQ(HashOf(0), 0U);
+    EXPECT_EQ(HashOf(1), 16807U);
+    EXPECT_EQ(HashOf(0x10), 268912U);
+    EXPECT_EQ(HashOf(127773), 2147480811U);
+    // 127774 * 16807 exceeds the modulus.
+    EXPECT_EQ(HashOf(127774), 13971U);
+    EXPECT_EQ(HashOf(0x7FFFFFFFU), 0U);
+    EXPECT_EQ(HashOf(-1), 2147466840U);
+    EXPECT_EQ(HashOf(Address(0x10)), 268912U);
+    // Of a pointer, the lowest 32 bits.
+    EXPECT_EQ(HashOf(Address(0x500000010)), 268912U);
+    EXPECT_EQ(HashOf<__int64>(0x500000010), 268912U ^ 84035U);
+}
+
+TEST(CMapTest, HashesTextsByTheirCharacters)
+{
+    const std::wstring wide = L"key";
+    const std::string narrow = "key";
+    EXPECT_EQ(HashOf(wide.c_str()), HashOf(std::wstring(wide).c_str()));
+    EXPECT_NE(HashOf(wide.c_str()), HashOf(L"kez"));
+    EXPECT_NE(HashOf(wide.c_str()), HashOf(L"ke"));
+    EXPECT_EQ(HashOf(narrow.c_str()), HashOf(std::string(narrow).c_str()));
+    EXPECT_NE(HashOf(narrow.c_str()), HashOf("kez"));
+
+    CMap<CString, LPCWSTR, int, int> map;
+    map[wide.c_str()] = 7;
+    int value = 0;
+    EXPECT_TRUE(map.Lookup(std::wstring(wide).c_str(), value));
+    EXPECT_EQ(value, 7);
+    EXPECT_FALSE(map.Lookup(L"other", value));
 }
 
 TEST(CMapTest, LooksUpSetsAndRemoves)

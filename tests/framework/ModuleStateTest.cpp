@@ -176,7 +176,7 @@ TEST(ModuleStateTest, LibrariesLinkThemselvesIntoTheCurrentState)
     AfxInitExtensionModule(second, Fake(32));
     new CDynLinkLibrary(first);
     new CDynLinkLibrary(second);
-    CDynLinkLibrary* third = new CDynLinkLibrary(Fake(48), Fake(64), FALSE);
+    CDynLinkLibrary* third = new CDynLinkLibrary(Fake(48), Fake(64));
     EXPECT_EQ(third->m_hResource, Fake(64));
     EXPECT_EQ(Modules(), (std::vector<HMODULE>{Fake(48), Fake(32), Fake(16)}));
     EXPECT_NE(AfxGetModuleState(), app);
@@ -194,7 +194,7 @@ TEST(ModuleStateTest, ARecordNeverFilledEndsNoOtherModule)
     AFX_MODULE_STATE state(TRUE, &EntryForTests, _MFC_VER);
     AFX_MANAGE_STATE(&state);
     AFX_EXTENSION_MODULE record = {};
-    CDynLinkLibrary* other = new CDynLinkLibrary(Fake(16), Fake(16), FALSE);
+    CDynLinkLibrary* other = new CDynLinkLibrary(Fake(16), Fake(16));
     AfxTermExtensionModule(record, TRUE);
     EXPECT_EQ(Modules(), (std::vector<HMODULE>{Fake(16)}));
     delete other;
@@ -207,7 +207,7 @@ TEST(ModuleStateTest, AllRecordsOfAModuleGoTogether)
     AFX_EXTENSION_MODULE record = {};
     AfxInitExtensionModule(record, Fake(16));
     new CDynLinkLibrary(record);
-    new CDynLinkLibrary(Fake(32), Fake(32), FALSE);
+    new CDynLinkLibrary(Fake(32), Fake(32));
     new CDynLinkLibrary(record);
     AfxTermExtensionModule(record);
     EXPECT_EQ(Modules(), (std::vector<HMODULE>{Fake(32)}));

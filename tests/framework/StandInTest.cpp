@@ -1,7 +1,11 @@
 // What the stand-in promises beyond the framework; these tests need not pass against the framework itself.
-#include <gtest/gtest.h>
 #include <afxwin.h>
+
+#include <gtest/gtest.h>
+
 #include <string>
+
+#include "helpers/TemporaryFolder.h"
 
 namespace
 {
@@ -49,6 +53,29 @@ TEST(StandInTest, MovedFromStringsAreEmpty)
     EXPECT_TRUE(source.IsEmpty());
     source = static_cast<CString&&>(target);
     EXPECT_TRUE(target.IsEmpty());
+}
+
+// The framework itself leaves the position at the start of the file.
+TEST(StandInTest, AppendingFlagsWriteToTheEndUnasked)
+{
+    const quon_test::TemporaryFolder folder;
+    const std::wstring path = folder.WriteFile(L"log.txt", "old\r\n");
+    CStdioFile file;
+    ASSERT_TRUE(
+        file.Open(path.c_str(), CFile::modeCreate | CFile::modeNoTruncate | CFile::modeWrite | CFile::typeText));
+    file.WriteString(L"a\n");
+    file.Seek(0, CFile::begin);
+    file.WriteString(L"b\n");
+    file.Close();
+    EXPECT_EQ(folder.ReadFile(L"log.txt"), "old\r\na\r\nb\r\n");
+}
+
+// A null handler makes the framework's operator new return null, which only MSVC's code expects.
+TEST(StandInTest, NoHandlerForShortMemoryMeansTheFrameworksOwn)
+{
+    const _PNH previous = AfxSetNewHandler(nullptr);
+    EXPECT_EQ(AfxGetNewHandler(), &AfxNewHandler);
+    AfxSetNewHandler(previous);
 }
 
 TEST(StandInTest, AskingForTheStateLeavesTheLastErrorAlone)

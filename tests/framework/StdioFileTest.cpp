@@ -59,23 +59,6 @@ TEST(CStdioFileTest, AppendingFlagsKeepWhatIsThere)
     EXPECT_EQ(folder.ReadFile(L"log.txt"), "first\r\nsecond\r\nthird");
 }
 
-TEST(CStdioFileTest, AppendingFlagsWriteToTheEndUnasked)
-{
-#ifdef _MSC_VER
-    GTEST_SKIP() << "the framework itself leaves the position at the start";
-#else
-    const TemporaryFolder folder;
-    const std::wstring path = folder.WriteFile(L"log.txt", "old\r\n");
-    CStdioFile file;
-    ASSERT_TRUE(file.Open(path.c_str(), kAppendText));
-    file.WriteString(L"a\n");
-    file.Seek(0, CFile::begin);
-    file.WriteString(L"b\n");
-    file.Close();
-    EXPECT_EQ(folder.ReadFile(L"log.txt"), "old\r\na\r\nb\r\n");
-#endif
-}
-
 TEST(CStdioFileTest, TranslatesLinesInTextOnly)
 {
     struct Row

@@ -11,19 +11,15 @@
 
 #include "framework/ThrowsPointer.h"
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
 #include "helpers/TemporaryFolder.h"
 
 namespace
 {
 using quon_test::ImportPatch;
+using quon_test::kFrameworkModule;
 using quon_test::TemporaryFolder;
 using quon_test::ThrowsPointer;
-
-#ifdef _MSC_VER
-constexpr wchar_t kFrameworkModule[] = L"mfc140u.dll";
-#else
-constexpr wchar_t kFrameworkModule[] = L"QuonFramework.dll";
-#endif
 
 constexpr std::uint64_t kUnixEpoch = 116444736000000000;  // 1970-01-01 in 100 ns since 1601
 constexpr std::uint64_t kSecond = 10000000;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
 
 #include <cstdlib>
 #include <set>
@@ -67,9 +68,9 @@ private:
         std::free(block);
     }
 
-    ImportPatch<void* (*)(std::size_t)> m_malloc{L"QuonWin32Utils.dll", "malloc", &CountingMalloc};
-    ImportPatch<void* (*)(void*, std::size_t)> m_realloc{L"QuonWin32Utils.dll", "realloc", &CountingRealloc};
-    ImportPatch<void (*)(void*)> m_free{L"QuonWin32Utils.dll", "free", &CountingFree};
+    ImportPatch<void* (*)(std::size_t)> m_malloc{kLibraryModule, "malloc", &CountingMalloc};
+    ImportPatch<void* (*)(void*, std::size_t)> m_realloc{kLibraryModule, "realloc", &CountingRealloc};
+    ImportPatch<void (*)(void*)> m_free{kLibraryModule, "free", &CountingFree};
 };
 
 }  // namespace quon_test

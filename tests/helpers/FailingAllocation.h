@@ -4,15 +4,22 @@
 #include <cstddef>
 
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
+#include "helpers/ShortMemory.h"
 
 namespace quon_test
 {
 
 /// Lets one allocation of the library or of the framework fail: the one after `successes` others. One at a time.
+/// Operator new reports it to the thread that made the object as `kind` says, to others as the framework does.
 class FailingAllocation
 {
 public:
-    explicit FailingAllocation(int successes) : m_left(successes) { s_active = this; }
+    explicit FailingAllocation(int successes, ShortMemory kind = ShortMemoryOfThisRun())
+        : m_left(successes), m_report(kind)
+    {
+        s_active = this;
+    }
     ~FailingAllocation() { s_active = nullptr; }
     FailingAllocation(const FailingAllocation&) = delete;
     FailingAllocation& operator=(const FailingAllocation&) = delete;
@@ -29,8 +36,9 @@ private:
 
     static inline FailingAllocation* s_active = nullptr;
     int m_left;
-    ImportPatch<void*(__cdecl*)(std::size_t)> m_library{L"QuonWin32Utils.dll", "malloc", &Allocate};
-    ImportPatch<void*(__cdecl*)(std::size_t)> m_framework{L"QuonFramework.dll", "malloc", &Allocate};
+    ShortMemoryReport m_report;
+    ImportPatch<void*(__cdecl*)(std::size_t)> m_library{kLibraryModule, "malloc", &Allocate};
+    ImportPatch<void*(__cdecl*)(std::size_t)> m_framework{kFrameworkModule, "malloc", &Allocate};
 };
 
 }  // namespace quon_test

@@ -6,7 +6,7 @@
 // each of them gets a free that knows whose a block is.
 #include "helpers/GuardPages.h"
 
-#include <windows.h>
+#include <afx.h>
 
 #include <malloc.h>
 
@@ -16,6 +16,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+
+#include "helpers/ModuleNames.h"
 
 namespace
 {
@@ -216,7 +218,7 @@ const bool isInstalled = [] {
     {
         return false;
     }
-    const HMODULE runtime = ::GetModuleHandleW(L"msvcrt.dll");
+    const HMODULE runtime = ::GetModuleHandleW(quon_test::kRunTimeModule);
     const auto plain = [runtime](const char* name) { return reinterpret_cast<void*>(::GetProcAddress(runtime, name)); };
     plainMalloc = reinterpret_cast<Malloc>(plain("malloc"));
     plainRealloc = reinterpret_cast<Realloc>(plain("realloc"));
@@ -227,7 +229,7 @@ const bool isInstalled = [] {
         Fail("cannot be set up");
     }
     for (const wchar_t* const module :
-         {L"QuonWin32Utils.dll", L"QuonFramework.dll", static_cast<const wchar_t*>(nullptr)})
+         {quon_test::kLibraryModule, quon_test::kFrameworkModule, static_cast<const wchar_t*>(nullptr)})
     {
         ReplaceImports(module);
     }

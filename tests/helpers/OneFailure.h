@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "helpers/ModuleNames.h"
+
 namespace quon_test
 {
 
@@ -57,7 +59,7 @@ class OneFailure
 public:
     OneFailure(const char* function, std::uintptr_t result, DWORD error)
     {
-        for (const Import& import : ImportsOf(L"QuonWin32Utils.dll"))
+        for (const Import& import : ImportsOf(kLibraryModule))
         {
             if (import.function == function)
             {

@@ -3,6 +3,7 @@
 #include "module/ModuleStateInternal.h"
 
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
 
 #include <gtest/gtest.h>
 
@@ -28,7 +29,7 @@ TEST(ModuleStateTest, TheFrameworksWindowProcedureRunsUnderTheLibrarysModuleStat
 {
     AFX_MODULE_STATE* const host = AfxGetModuleState();
     ASSERT_NE(host, &QuonModuleState());
-    const quon_test::ImportPatch<decltype(&::DefWindowProcW)> patch(L"QuonFramework.dll", "DefWindowProcW",
+    const quon_test::ImportPatch<decltype(&::DefWindowProcW)> patch(quon_test::kFrameworkModule, "DefWindowProcW",
                                                                     &RecordingDefWindowProc);
     EXPECT_EQ(QuonModuleWndProc(nullptr, WM_USER + 1, 2, 3), 42);
     EXPECT_EQ(seen.state, &QuonModuleState());

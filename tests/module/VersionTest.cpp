@@ -1,10 +1,12 @@
-#include <windows.h>
+#include <afx.h>
 
 #include <gtest/gtest.h>
 
 #include <cwchar>
 #include <string>
 #include <vector>
+
+#include "helpers/ModuleNames.h"
 
 namespace
 {
@@ -32,8 +34,8 @@ std::wstring FileVersionOf(const wchar_t* name)
 
 TEST(VersionResource, IsTheProjectsInBothLibraries)
 {
-    EXPECT_EQ(FileVersionOf(L"QuonWin32Utils.dll"), QUON_PROJECT_VERSION L".0");
-    EXPECT_EQ(FileVersionOf(L"QuonFramework.dll"), QUON_PROJECT_VERSION L".0");
+    EXPECT_EQ(FileVersionOf(quon_test::kLibraryModule), QUON_PROJECT_VERSION L".0");
+    EXPECT_EQ(FileVersionOf(quon_test::kFrameworkModule), QUON_PROJECT_VERSION L".0");
 }
 
 }  // namespace

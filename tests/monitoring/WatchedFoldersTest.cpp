@@ -193,6 +193,15 @@ TEST_F(WatchedFolders, AreToldApartByTheirTextButNotByCase)
     EXPECT_NE(folders.Notification(L"c:\\d"), nullptr);
 }
 
+TEST_F(WatchedFolders, AreNotToldApartByTheCaseOfForeignLetters)
+{
+    folders.SetFolder(L"C:\\\u00C4\u0416");
+    folders.SetFolder(L"C:\\\u00E4\u0436");
+    Active(L"C:\\\u00C4\u0416", 0x1);
+    Active(L"C:\\\u00E4\u0436", 0x1);
+    EXPECT_EQ(folders.OpenCount(), 1u);
+}
+
 TEST_F(WatchedFolders, StandInTheWaitInTheOrderOfTheirArrival)
 {
     std::vector<QuonFileEventId> ids;

@@ -8,6 +8,7 @@
 #include "paths/PathTestSupport.h"
 #include "paths/QuonPath.h"
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
 
 using quon_test::ImportPatch;
 using quon_test::MakeForward;
@@ -40,10 +41,8 @@ public:
     MemoryExhaustion() { g_requests = 0; }
 
 private:
-    static constexpr const wchar_t* kFramework = L"QuonFramework.dll";
-
-    ImportPatch<Allocate> m_malloc{kFramework, "malloc", &RefuseFirst};
-    ImportPatch<Reallocate> m_realloc{kFramework, "realloc", &RefuseFirstGrowth};
+    ImportPatch<Allocate> m_malloc{quon_test::kFrameworkModule, "malloc", &RefuseFirst};
+    ImportPatch<Reallocate> m_realloc{quon_test::kFrameworkModule, "realloc", &RefuseFirstGrowth};
 };
 
 /// Runs `work` without memory and tells whether it threw what the framework throws then.

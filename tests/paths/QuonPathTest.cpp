@@ -8,6 +8,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "helpers/RunTimeLocale.h"
 #include "paths/PathTestSupport.h"
 
 using quon_test::MakeForward;
@@ -208,6 +209,13 @@ TEST(QuonPathFlagNames, HaveTheirValues)
     EXPECT_EQ(QuonPathNormalize, 0x40u);
 }
 
+TEST(QuonPathFlags, CaseFollowsTheLocaleOfTheRunTime)
+{
+    const quon_test::RunTimeLocale german("German");
+    EXPECT_EQ(Text(QuonPath(L"\x00C4Z", QuonPathLowerCase)), L"\x00E4z");
+    EXPECT_EQ(Text(QuonPath(L"\x00E4z", QuonPathUpperCase)), L"\x00C4Z");
+}
+
 struct FlagRow
 {
     const wchar_t* text;
@@ -231,8 +239,8 @@ TEST(QuonPathFlagsTable, EachGroupIsANumber)
         {L"aB/c", 0x10, L"ab/c", L"\\"},
         {L"aB/c", 0x20, L"AB/C", L"\\"},
         {L"aB/c", 0x30, L"aB/c", L"\\"},
-        {L"\x00C4z", 0x10, L"\x00E4z", L"\\"},
-        {L"\x00E4z", 0x20, L"\x00C4Z", L"\\"},
+        {L"\x00C4Z", 0x10, L"\x00C4z", L"\\"},  // no locale is set: A to Z alone
+        {L"\x00E4z", 0x20, L"\x00E4Z", L"\\"},
         {L"aB//c\\", 0x40, L"aB\\c\\", L"\\"},
         {L"aB//c\\", 0x41, L"aB/c/", L"/"},
         {L"aB//c\\\\", 0x45, L"aB/c", L"/"},

@@ -3,6 +3,7 @@
 #include "points/PointTestSupport.h"
 
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
 
 #include <gtest/gtest.h>
 
@@ -275,7 +276,7 @@ void* CountingMalloc(std::size_t size)
 TEST(QuonUnsortedPointString, TheListTakesItsNodesInBlocksOfTen)
 {
     g_blocks = 0;
-    const ImportPatch<void* (*)(std::size_t)> patch(L"QuonFramework.dll", "malloc", &CountingMalloc);
+    const ImportPatch<void* (*)(std::size_t)> patch(quon_test::kFrameworkModule, "malloc", &CountingMalloc);
     QuonUnsortedPointString string;
     for (unsigned long point = 1; point <= 31; ++point)
     {
@@ -290,7 +291,7 @@ TEST(QuonUnsortedPointString, WithoutMemoryForANodeTheListThrows)
     string.AddPoint(1);
     string.UpdateText();
     {
-        const ImportPatch<void* (*)(std::size_t)> patch(L"QuonFramework.dll", "malloc", &CountingMalloc);
+        const ImportPatch<void* (*)(std::size_t)> patch(quon_test::kFrameworkModule, "malloc", &CountingMalloc);
         g_nextBlockFails = true;
         bool thrown = false;
         try

@@ -1,4 +1,5 @@
 // Memory that runs out while faces and points are collected and read.
+#include "base/MemoryInternal.h"
 #include "geometry/QuonFaceReader.h"
 #include "geometry/QuonPointReader.h"
 #include "reliability/Survival.h"
@@ -34,11 +35,7 @@ template <typename Reader>
 void AddInSpiteOfFailures(Reader& reader, const VxGePoint3dArray& face)
 {
     const int before = reader.GetFaceCount();
-    try
-    {
-        reader.AddFace(face);
-    }
-    catch (const std::bad_alloc&)
+    if (!RunsInMemory([&] { reader.AddFace(face); }))
     {
         EXPECT_EQ(reader.GetFaceCount(), before);
         reader.AddFace(face);

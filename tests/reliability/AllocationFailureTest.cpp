@@ -220,7 +220,7 @@ TEST(AllocationFailure, PoolAllocator)
                     number = numbers.Construct(1.5);
                 }
             }
-            catch (const std::bad_alloc&)
+            catch (...)
             {
                 giveBack();
                 throw;

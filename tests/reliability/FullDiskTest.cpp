@@ -6,6 +6,7 @@
 #include <string>
 
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
 #include "support/QuonTimer.h"
 #include "helpers/TemporaryFolder.h"
 #include "xml/QuonFileStream.h"
@@ -43,7 +44,7 @@ TEST_F(FullDisk, ATimerMeasuresAllTheSame)
     const std::wstring path = folder / L"run.log";
     {
         QuonTimer timer(path.c_str(), FALSE, TRUE);
-        const ImportPatch<decltype(&::WriteFile)> patch(L"msvcrt.dll", "WriteFile", &RefuseToWrite);
+        const ImportPatch<decltype(&::WriteFile)> patch(quon_test::kRunTimeModule, "WriteFile", &RefuseToWrite);
         timer.StartTimer();
         for (int i = 0; i < 10000; ++i)
         {
@@ -59,7 +60,7 @@ TEST_F(FullDisk, ATimerMeasuresAllTheSame)
 TEST_F(FullDisk, ALogClosesWhenItsLastTextCannotBeWritten)
 {
     const std::wstring path = folder / L"run.log";
-    const ImportPatch<decltype(&::WriteFile)> patch(L"msvcrt.dll", "WriteFile", &RefuseToWrite);
+    const ImportPatch<decltype(&::WriteFile)> patch(quon_test::kRunTimeModule, "WriteFile", &RefuseToWrite);
     {
         QuonTimer timer(path.c_str(), FALSE, TRUE);
         timer.WriteElapsed(FALSE);
@@ -75,7 +76,7 @@ TEST_F(FullDisk, ALogGoesOnWhenThereIsRoomAgain)
     {
         QuonTimer timer(path.c_str(), FALSE, TRUE);
         {
-            const ImportPatch<decltype(&::WriteFile)> patch(L"msvcrt.dll", "WriteFile", &RefuseToWrite);
+            const ImportPatch<decltype(&::WriteFile)> patch(quon_test::kRunTimeModule, "WriteFile", &RefuseToWrite);
             for (int i = 0; i < 2000; ++i)
             {
                 timer.WriteReport(L"lost", FALSE);
@@ -97,7 +98,7 @@ TEST_F(FullDisk, AStreamTellsThatItCouldNotWrite)
     ASSERT_TRUE(stream->OpenForWrite(path.c_str()));
     ULONG written = 7;
     {
-        const ImportPatch<decltype(&::WriteFile)> patch(L"QuonWin32Utils.dll", "WriteFile", &RefuseToWrite);
+        const ImportPatch<decltype(&::WriteFile)> patch(quon_test::kLibraryModule, "WriteFile", &RefuseToWrite);
         EXPECT_EQ(stream->Write("lost", 4, &written), E_FAIL);
         EXPECT_EQ(refusals, 1);
         EXPECT_EQ(written, 0u);

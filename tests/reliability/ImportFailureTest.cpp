@@ -12,6 +12,7 @@
 
 #include "reliability/ImportFailure.h"
 #include "helpers/HardLimit.h"
+#include "helpers/ModuleNames.h"
 #include "helpers/OneFailure.h"
 #include "xml/XmlTestSupport.h"
 
@@ -147,7 +148,8 @@ const char* const kRunTime[] = {"AddVectoredExceptionHandler",
 
 bool IsFrameworkOrRunTime(const Import& import)
 {
-    return import.library == "msvcrt.dll" || import.library == "QuonFramework.dll";
+    return quon_test::IsRunTimeLibrary(import.library.c_str()) ||
+           CString(import.library.c_str()).CompareNoCase(quon_test::kFrameworkModule) == 0;
 }
 
 TEST(ImportFailureTable, KnowsEveryImport)
@@ -171,7 +173,7 @@ TEST(ImportFailureTable, KnowsEveryImport)
     known.insert(known.end(), std::begin(kOnlyAtTheEnd), std::end(kOnlyAtTheEnd));
     known.insert(known.end(), std::begin(kRunTime), std::end(kRunTime));
     std::size_t count = 0;
-    for (const Import& import : ImportsOf(L"QuonWin32Utils.dll"))
+    for (const Import& import : ImportsOf(quon_test::kLibraryModule))
     {
         if (!IsFrameworkOrRunTime(import))
         {

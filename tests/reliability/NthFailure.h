@@ -10,16 +10,23 @@
 #include <cstdlib>
 
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
+#include "helpers/ShortMemory.h"
 
 namespace quon_test
 {
 
 /// Lets one allocation of the library or of the framework fail, the one after `successes` others, whichever function it
-/// asks: malloc, calloc or realloc. Only on the thread that made it. One at a time.
+/// asks: malloc, calloc or realloc. Only on the thread that made it, and reported by operator new as `kind` says. One
+/// at a time.
 class NthFailure
 {
 public:
-    explicit NthFailure(int successes) : m_thread(::GetCurrentThreadId()), m_left(successes) { s_active = this; }
+    explicit NthFailure(int successes, ShortMemory kind = ShortMemoryOfThisRun())
+        : m_thread(::GetCurrentThreadId()), m_left(successes), m_report(kind)
+    {
+        s_active = this;
+    }
     ~NthFailure() { s_active = nullptr; }
     NthFailure(const NthFailure&) = delete;
     NthFailure& operator=(const NthFailure&) = delete;
@@ -51,18 +58,17 @@ private:
         return size > kThreadKeys && IsRefused() ? nullptr : std::realloc(block, size);
     }
 
-    static constexpr const wchar_t* kLibrary = L"QuonWin32Utils.dll";
-    static constexpr const wchar_t* kFramework = L"QuonFramework.dll";
     static inline NthFailure* s_active = nullptr;
 
     DWORD m_thread;
     int m_left;
-    ImportPatch<Malloc> m_libraryNew{kLibrary, "malloc", &Take};
-    ImportPatch<Calloc> m_libraryZeroed{kLibrary, "calloc", &TakeZeroed};
-    ImportPatch<Realloc> m_libraryAgain{kLibrary, "realloc", &TakeAgain};
-    ImportPatch<Malloc> m_frameworkNew{kFramework, "malloc", &Take};
-    ImportPatch<Calloc> m_frameworkZeroed{kFramework, "calloc", &TakeZeroed};
-    ImportPatch<Realloc> m_frameworkAgain{kFramework, "realloc", &TakeAgain};
+    ShortMemoryReport m_report;
+    ImportPatch<Malloc> m_libraryNew{kLibraryModule, "malloc", &Take};
+    ImportPatch<Calloc> m_libraryZeroed{kLibraryModule, "calloc", &TakeZeroed};
+    ImportPatch<Realloc> m_libraryAgain{kLibraryModule, "realloc", &TakeAgain};
+    ImportPatch<Malloc> m_frameworkNew{kFrameworkModule, "malloc", &Take};
+    ImportPatch<Calloc> m_frameworkZeroed{kFrameworkModule, "calloc", &TakeZeroed};
+    ImportPatch<Realloc> m_frameworkAgain{kFrameworkModule, "realloc", &TakeAgain};
 };
 
 /// The blocks in use on the heap of the C run-time, which the library, the framework and the test share.

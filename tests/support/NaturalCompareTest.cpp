@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
 #include "support/RandomText.h"
 #include "helpers/Thorough.h"
 
@@ -249,8 +250,8 @@ void* __cdecl CountingMalloc(std::size_t size)
 
 TEST(CompareNatural, AllocatesNothing)
 {
-    const ImportPatch<void*(__cdecl*)(std::size_t)> patch(L"QuonWin32Utils.dll", "malloc", &CountingMalloc);
-    const ImportPatch<void*(__cdecl*)(std::size_t)> strings(L"QuonFramework.dll", "malloc", &CountingMalloc);
+    const ImportPatch<void*(__cdecl*)(std::size_t)> patch(quon_test::kLibraryModule, "malloc", &CountingMalloc);
+    const ImportPatch<void*(__cdecl*)(std::size_t)> strings(quon_test::kFrameworkModule, "malloc", &CountingMalloc);
     g_allocations = 0;
     const std::wstring a = std::wstring(5000, L'x') + L"12" + std::wstring(5000, L'y') + L"7";
     const std::wstring b = std::wstring(5000, L'x') + L"12" + std::wstring(5000, L'z') + L"7";

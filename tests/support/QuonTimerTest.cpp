@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
 #include "helpers/TemporaryFolder.h"
 #include "support/Wide.h"
 
@@ -20,7 +21,7 @@ using quon_test::TemporaryFolder;
 using quon_test::ToCString;
 using quon_test::Wide;
 
-constexpr wchar_t kLibrary[] = L"QuonWin32Utils.dll";
+constexpr wchar_t kLibrary[] = quon_test::kLibraryModule;
 
 static_assert(std::is_base_of_v<CStdioFile, QuonStdioFile>);
 static_assert(std::is_base_of_v<QuonStdioFile, QuonTimer>);
@@ -138,7 +139,7 @@ HANDLE WINAPI RecordingCreateFile(LPCWSTR name, DWORD access, DWORD sharing, LPS
 TEST(QuonStdioFile, OpensOnceWithTheWantedAccess)
 {
     const TemporaryFolder folder;
-    const ImportPatch<decltype(&::CreateFileW)> patch(L"QuonFramework.dll", "CreateFileW", &RecordingCreateFile);
+    const ImportPatch<decltype(&::CreateFileW)> patch(quon_test::kFrameworkModule, "CreateFileW", &RecordingCreateFile);
     for (const BOOL overwrite : {FALSE, TRUE})
     {
         SCOPED_TRACE(overwrite);
@@ -178,7 +179,7 @@ HANDLE WINAPI DeniedCreateFile(LPCWSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWO
 TEST(QuonStdioFile, StaysClosedWhenTheSystemDeniesAccess)
 {
     const TemporaryFolder folder;
-    const ImportPatch<decltype(&::CreateFileW)> patch(L"QuonFramework.dll", "CreateFileW", &DeniedCreateFile);
+    const ImportPatch<decltype(&::CreateFileW)> patch(quon_test::kFrameworkModule, "CreateFileW", &DeniedCreateFile);
     EXPECT_NO_THROW(EXPECT_EQ(ProbeFile(folder / L"run.log", FALSE, FALSE).IsOpen(), 0));
     EXPECT_NO_THROW(EXPECT_EQ(ProbeFile(folder / L"run.log", TRUE, TRUE).IsOpen(), 0));
 }

@@ -68,11 +68,10 @@ TEST(FormatHResultText, AsksTheSystemInItsLanguageAndFreesTheBuffer)
                 g_request.buffer = *reinterpret_cast<void**>(buffer);
                 return length;
             });
-    const ImportPatch<decltype(&::LocalFree)> freeing(L"QuonWin32Utils.dll", "LocalFree",
-                                                      [](HLOCAL memory) WINAPI -> HLOCAL {
-                                                          g_freed.push_back(memory);
-                                                          return ::LocalFree(memory);
-                                                      });
+    const ImportPatch<decltype(&::LocalFree)> freeing(L"QuonWin32Utils.dll", "LocalFree", [](HLOCAL memory) -> HLOCAL {
+        g_freed.push_back(memory);
+        return ::LocalFree(memory);
+    });
     FormatHResultText(E_FAIL);
     EXPECT_EQ(g_request.flags, static_cast<DWORD>(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS |
                                                   FORMAT_MESSAGE_FROM_SYSTEM));

@@ -141,7 +141,7 @@ TEST(QuonFileStream, CreatesTheFileWithTheseArguments)
     const ImportPatch<decltype(&::CreateFileA)> patch(
         L"QuonWin32Utils.dll", "CreateFileA",
         [](LPCSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD attributes,
-           HANDLE model) WINAPI -> HANDLE {
+           HANDLE model) -> HANDLE {
             call = {name, access, share, disposition, attributes, security == nullptr && model == nullptr};
             return INVALID_HANDLE_VALUE;
         });
@@ -163,7 +163,7 @@ TEST(QuonFileStream, RefusesNamesThatDoNotFit)
     opened = 0;
     const ImportPatch<decltype(&::CreateFileA)> patch(
         L"QuonWin32Utils.dll", "CreateFileA",
-        [](LPCSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) WINAPI -> HANDLE {
+        [](LPCSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) -> HANDLE {
             ++opened;
             return INVALID_HANDLE_VALUE;
         });

@@ -137,7 +137,7 @@ TEST_F(QuonXmlTest, LoadFromUrlResolvesAndFails)
 {
     g_resolved.clear();
     const ImportPatch<decltype(&::GetFullPathNameW)> patch(
-        kLibrary, "GetFullPathNameW", [](LPCWSTR name, DWORD size, LPWSTR buffer, LPWSTR* part) WINAPI -> DWORD {
+        kLibrary, "GetFullPathNameW", [](LPCWSTR name, DWORD size, LPWSTR buffer, LPWSTR* part) -> DWORD {
             EXPECT_EQ(part, nullptr);
             g_resolved.emplace_back(name, size);
             return ::GetFullPathNameW(name, size, buffer, part);
@@ -221,11 +221,11 @@ std::vector<HGLOBAL> g_locked;
 TEST_F(QuonXmlTest, TheMemoryOfTheStreamIsUnlockedAgain)
 {
     g_locked.clear();
-    const ImportPatch<decltype(&::GlobalLock)> locking(kLibrary, "GlobalLock", [](HGLOBAL memory) WINAPI -> LPVOID {
+    const ImportPatch<decltype(&::GlobalLock)> locking(kLibrary, "GlobalLock", [](HGLOBAL memory) -> LPVOID {
         g_locked.push_back(memory);
         return ::GlobalLock(memory);
     });
-    const ImportPatch<decltype(&::GlobalUnlock)> unlocking(kLibrary, "GlobalUnlock", [](HGLOBAL memory) WINAPI -> BOOL {
+    const ImportPatch<decltype(&::GlobalUnlock)> unlocking(kLibrary, "GlobalUnlock", [](HGLOBAL memory) -> BOOL {
         EXPECT_EQ(g_locked, std::vector<HGLOBAL>{memory});
         g_locked.clear();
         return ::GlobalUnlock(memory);
@@ -261,18 +261,18 @@ TEST_F(QuonXmlTest, MemoryStepsThatFailGiveTheirResults)
     EXPECT_EQ(size, 77u);
     {
         const ImportPatch<decltype(&::GetHGlobalFromStream)> patch(
-            kLibrary, "GetHGlobalFromStream", [](IStream*, HGLOBAL*) WINAPI -> HRESULT { return E_HANDLE; });
+            kLibrary, "GetHGlobalFromStream", [](IStream*, HGLOBAL*) -> HRESULT { return E_HANDLE; });
         persist.toSave = "x";
         EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), E_HANDLE);
         delete[] buffer;
         buffer = nullptr;
     }
-    const ImportPatch<decltype(&::CreateStreamOnHGlobal)> patch(
-        kLibrary, "CreateStreamOnHGlobal", [](HGLOBAL memory, BOOL deletes, LPSTREAM*) WINAPI -> HRESULT {
-            EXPECT_EQ(memory, nullptr);
-            EXPECT_TRUE(deletes);
-            return E_UNEXPECTED;
-        });
+    const ImportPatch<decltype(&::CreateStreamOnHGlobal)> patch(kLibrary, "CreateStreamOnHGlobal",
+                                                                [](HGLOBAL memory, BOOL deletes, LPSTREAM*) -> HRESULT {
+                                                                    EXPECT_EQ(memory, nullptr);
+                                                                    EXPECT_TRUE(deletes);
+                                                                    return E_UNEXPECTED;
+                                                                });
     EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), E_UNEXPECTED);
     EXPECT_EQ(xml.LoadFromMemory(pointer, bytes, 3), E_UNEXPECTED);
     EXPECT_EQ(persist.references, 1);
@@ -316,7 +316,7 @@ TEST_F(QuonXmlTest, StreamOperationsThatFailGiveTheirResults)
     FailingStream stream;
     g_stream = &stream;
     const ImportPatch<decltype(&::CreateStreamOnHGlobal)> patch(kLibrary, "CreateStreamOnHGlobal",
-                                                                [](HGLOBAL, BOOL, LPSTREAM* out) WINAPI -> HRESULT {
+                                                                [](HGLOBAL, BOOL, LPSTREAM* out) -> HRESULT {
                                                                     g_stream->AddRef();
                                                                     *out = g_stream;
                                                                     return S_OK;

@@ -43,15 +43,13 @@ TEST_F(QuonXmlTest, CreatesItsDocumentAndReportsNoFailure)
 {
     g_creations.clear();
     g_initialisations = 0;
-    const ImportPatch<decltype(&::CoInitialize)> initialising(kLibrary, "CoInitialize",
-                                                              [](LPVOID reserved) WINAPI -> HRESULT {
-                                                                  EXPECT_EQ(reserved, nullptr);
-                                                                  ++g_initialisations;
-                                                                  return E_FAIL;
-                                                              });
+    const ImportPatch<decltype(&::CoInitialize)> initialising(kLibrary, "CoInitialize", [](LPVOID reserved) -> HRESULT {
+        EXPECT_EQ(reserved, nullptr);
+        ++g_initialisations;
+        return E_FAIL;
+    });
     const ImportPatch<decltype(&::CoCreateInstance)> creating(
-        kLibrary, "CoCreateInstance",
-        [](REFCLSID clsid, LPUNKNOWN, DWORD context, REFIID, LPVOID* object) WINAPI -> HRESULT {
+        kLibrary, "CoCreateInstance", [](REFCLSID clsid, LPUNKNOWN, DWORD context, REFIID, LPVOID* object) -> HRESULT {
             g_creations.push_back({clsid, context});
             *object = nullptr;
             return REGDB_E_CLASSNOTREG;
@@ -275,7 +273,7 @@ TEST_F(QuonXmlTest, ANameThatNeedsMoreMemoryThanThereIsRaises)
 {
     QuonXml xml(L"name.xml", false, true, false);
     const ImportPatch<decltype(&::SysAllocString)> patch(kLibrary, "SysAllocString",
-                                                         [](const OLECHAR*) WINAPI -> BSTR { return nullptr; });
+                                                         [](const OLECHAR*) -> BSTR { return nullptr; });
     EXPECT_EQ(ErrorOf([&] { xml.Load(); }), E_OUTOFMEMORY);
 }
 

@@ -38,7 +38,7 @@ protected:
 
 private:
     const ImportPatch<decltype(&::MessageBoxW)> m_patch{
-        kLibrary, "MessageBoxW", [](HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) WINAPI -> int {
+        kLibrary, "MessageBoxW", [](HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) -> int {
             g_boxes.push_back({owner, text, caption, type});
             return IDOK;
         }};

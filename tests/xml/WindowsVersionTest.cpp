@@ -62,7 +62,7 @@ TEST(IsWindowsXPOrLaterDeathTest, ComparesTheVersionOnce)
 int AskInVain()
 {
     const ImportPatch<decltype(&::GetVersionExW)> patch(kLibrary, "GetVersionExW",
-                                                        [](OSVERSIONINFOW*) WINAPI -> BOOL { return FALSE; });
+                                                        [](OSVERSIONINFOW*) -> BOOL { return FALSE; });
     return static_cast<int>(IsWindowsXPOrLater());
 }
 

@@ -60,8 +60,8 @@ public:
 
 private:
     const ImportPatch<decltype(&::SysAllocString)> m_making{
-        kLibrary, "SysAllocString", [](const OLECHAR* text) WINAPI -> BSTR { return Record(::SysAllocString(text)); }};
-    const ImportPatch<decltype(&::SysFreeString)> m_freeing{kLibrary, "SysFreeString", [](BSTR text) WINAPI -> void {
+        kLibrary, "SysAllocString", [](const OLECHAR* text) -> BSTR { return Record(::SysAllocString(text)); }};
+    const ImportPatch<decltype(&::SysFreeString)> m_freeing{kLibrary, "SysFreeString", [](BSTR text) -> void {
                                                                 g_texts.erase(text);
                                                                 ::SysFreeString(text);
                                                             }};

@@ -1,0 +1,1 @@
+// Found by cmake/FindFastCppCsvParser.cmake; nothing is compiled against it.
