@@ -1,5 +1,7 @@
 #include "monitoring/FileWatcherThreadInternal.h"
 
+#include "messaging/ThreadStartInternal.h"
+
 #include <process.h>
 
 namespace QuonFileEventServer_details
@@ -11,12 +13,7 @@ namespace
 constexpr DWORD kSettlingMilliseconds = 500;
 constexpr DWORD kStopMilliseconds = 10000;
 
-// Lives on the stack of Start until the thread has set the event: the thread copies what it needs before.
-struct StartBlock
-{
-    HANDLE started;
-    FileWatcherThread* watcher;
-};
+using StartBlock = ThreadStart<FileWatcherThread>;
 
 }  // namespace
 
@@ -76,15 +73,14 @@ void FileWatcherThread::Forget()
 
 unsigned __stdcall FileWatcherThread::ThreadProc(void* startBlock)
 {
-    // Start gives its stack back as soon as the event is set.
-    const StartBlock block = *static_cast<const StartBlock*>(startBlock);
+    const StartBlock block = StartBlock::Copy(startBlock);
     // Makes the thread's message queue: from here on no posted message is lost.
     MSG message;
     ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
     ::SetEvent(block.started);
     try
     {
-        block.watcher->Run();
+        block.owner->Run();
     }
     catch (CException* error)
     {
