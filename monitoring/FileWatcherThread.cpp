@@ -95,26 +95,29 @@ unsigned __stdcall FileWatcherThread::ThreadProc(void* startBlock)
 
 void FileWatcherThread::Run()
 {
-    for (;;)
+    bool continues = true;
+    while (continues)
     {
-        const std::vector<HANDLE>& handles = m_folders.Handles();
-        const auto count = static_cast<DWORD>(handles.size());
-        // More handles than the system can wait for make this fail, and be tried again at once.
-        const DWORD result =
-            count != 0 ? ::MsgWaitForMultipleObjectsEx(count, handles.data(), INFINITE, QS_ALLINPUT, 0) : 0;
-        if (result != count)
-        {
-            TakeSignal(result);
-        }
-        else if (!PumpMessages())
-        {
-            return;
-        }
+        continues = m_folders.Handles().empty() ? PumpMessages() : WaitForFolders();
     }
 }
 
-// Until no message is left: the wait above tells only of messages that nobody has looked at, so that one which came
-// together with another would lie there until something else happens.
+bool FileWatcherThread::WaitForFolders()
+{
+    const std::vector<HANDLE>& handles = m_folders.Handles();
+    const auto count = static_cast<DWORD>(handles.size());
+    // Fails at once when there are more than kQuonMaxWatchedFolders, and is repeated.
+    const DWORD result = ::MsgWaitForMultipleObjectsEx(count, handles.data(), INFINITE, QS_ALLINPUT, 0);
+    if (result == count)
+    {
+        return PumpMessages();
+    }
+    TakeSignal(result);
+    return true;
+}
+
+// Until no message is left: the wait above reports only messages that nobody has looked at. One that came together with
+// another would stay queued until the next wake-up.
 bool FileWatcherThread::PumpMessages()
 {
     MSG message;
