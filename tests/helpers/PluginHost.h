@@ -1,7 +1,7 @@
 // A host that does not link the library, for tests of how a process with it ends.
 #pragma once
 
-#include <afx.h>
+#include <windows.h>
 
 #include <cwchar>
 #include <vector>

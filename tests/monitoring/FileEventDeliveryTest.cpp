@@ -3,6 +3,7 @@
 
 #include <afx.h>
 
+#include "helpers/OneFailure.h"
 #include "helpers/ReusedBlock.h"
 
 #include <gmock/gmock.h>
@@ -204,6 +205,22 @@ TEST_F(FileEventReuse, IdentifierIsGivenOutAgainAfterItsLastEvent)
     EXPECT_THAT(newSink.calls, ElementsAre("size"));
     EXPECT_THAT(watch.sink.calls, IsEmpty());
     watch.Unsubscribe(id);
+    EXPECT_TRUE(watch.Barrier());
+}
+
+TEST_F(FileEventReuse, IdentifierStaysReservedThoughItIsUnsubscribedAgainInVain)
+{
+    ASSERT_EQ(watch.Unsubscribe(id), S_OK);
+    ASSERT_TRUE(block.WaitUntilFree());
+    {
+        const OneFailure posting("PostThreadMessageW", FALSE, ERROR_NOT_ENOUGH_QUOTA);
+        EXPECT_EQ(watch.server->Unsubscribe(id), S_OK);
+        EXPECT_TRUE(posting.WasCalled());
+    }
+    const QuonFileEventId newId = SubscribeNew();
+    EXPECT_EQ(block.Reuses(), 1);
+    EXPECT_NE(newId, id);
+    watch.server->Unsubscribe(newId);
     EXPECT_TRUE(watch.Barrier());
 }
 
