@@ -1,9 +1,9 @@
 #include "messaging/QuonMessageQueue.h"
 
+#include "base/MemoryInternal.h"
 #include "messaging/QuonCallback.h"
 
 #include <memory>
-#include <new>
 
 QuonMessage::QuonMessage() = default;
 QuonMessage::QuonMessage(const QuonMessage&) = default;
@@ -81,13 +81,13 @@ QuonServerResult QuonMessageQueue::Post(QuonMessage* message)
     {
         return kQuonServerNullMessage;
     }
-    PostWork* const work = new (std::nothrow) PostWork{this, message};
+    std::unique_ptr<PostWork> work = MakeInMemory<PostWork>(PostWork{this, message});
     if (work == nullptr)
     {
         return kQuonServerOutOfMemory;
     }
     // From here on the block is the consumer's. One that could not be queued is not freed.
-    return ::QueueUserAPC(&QuonMessageQueue::PostApc, m_thread, reinterpret_cast<ULONG_PTR>(work)) != 0
+    return ::QueueUserAPC(&QuonMessageQueue::PostApc, m_thread, reinterpret_cast<ULONG_PTR>(work.release())) != 0
                ? kQuonServerOk
                : kQuonServerRefused;
 }

@@ -27,7 +27,9 @@ public:
     /// @return the waitable handle that this handler serves; the same at every call while it is registered
     virtual HANDLE GetHandle() = 0;
     /// Called on the server thread when the handle is signalled or abandoned. A handle that stays signalled calls again
-    /// at once.
+    /// at once, and until it is not signalled any more the thread runs no procedure call: neither AddHandler nor
+    /// RemoveHandler takes effect. To stop being called without resetting the handle, call DoRemoveHandler of the
+    /// server thread from here.
     virtual void OnSignaled() = 0;
     /// Called on the server thread at its end, after the last OnSignaled. Does nothing by default.
     virtual void OnClose();

@@ -1,14 +1,15 @@
 #include "messaging/QuonServerThread.h"
 
+#include "base/MemoryInternal.h"
 #include "base/QuonEllipsis.h"
+#include "messaging/ThreadStartInternal.h"
 
 #include <memory>
-#include <new>
 
 namespace
 {
 
-constexpr DWORD kMaximumHandles = MAXIMUM_WAIT_OBJECTS;
+static_assert(kQuonMaxServerHandles == MAXIMUM_WAIT_OBJECTS, "what one wait takes");
 constexpr DWORD kUnhandledError = 0x8000FFFF;
 
 class Lock
@@ -23,12 +24,7 @@ private:
     CRITICAL_SECTION& m_section;
 };
 
-// Lives on the stack of Start until the thread has set the event: the thread copies what it needs before.
-struct StartBlock
-{
-    HANDLE started;
-    QuonServerThread* server;
-};
+using StartBlock = ThreadStart<QuonServerThread>;
 
 // What travels to the server thread with a procedure call, which frees it.
 struct HandlerWork
@@ -41,7 +37,7 @@ static_assert(sizeof(HandlerWork) == 24, "three pointers");
 
 QuonServerResult QueueHandlerWork(QuonServerThread* server, QuonServerEventHandler* handler, PAPCFUNC routine)
 {
-    std::unique_ptr<HandlerWork> work(new (std::nothrow) HandlerWork{server, handler, nullptr});
+    std::unique_ptr<HandlerWork> work = MakeInMemory<HandlerWork>(HandlerWork{server, handler, nullptr});
     if (work == nullptr)
     {
         return kQuonServerOutOfMemory;
@@ -83,10 +79,17 @@ void WakeAndJoin(QuonServerThread* server, HANDLE thread)
     }
 }
 
+// The active handles, for one wait. More than a wait takes count as none: then the thread serves nobody, but still
+// carries out the procedure calls that take handlers out and that end it.
+DWORD CopyHandles(const QuonSynchronizedSelector& selector, HANDLE (&handles)[kQuonMaxServerHandles])
+{
+    return selector.GetCount() <= kQuonMaxServerHandles ? selector.GetHandles(handles) : 0;
+}
+
 void WaitOnce(const QuonSynchronizedSelector& selector)
 {
-    HANDLE handles[kMaximumHandles] = {};
-    const DWORD count = selector.GetHandles(handles);
+    HANDLE handles[kQuonMaxServerHandles] = {};
+    const DWORD count = CopyHandles(selector, handles);
     if (count == 0)
     {
         ::SleepEx(INFINITE, TRUE);
@@ -103,8 +106,8 @@ void WaitOnce(const QuonSynchronizedSelector& selector)
 // Handlers whose handles are not signalled at this moment are left alone: they are their owners' to clean up.
 void CloseSignaledHandlers(const QuonSynchronizedSelector& selector)
 {
-    HANDLE handles[kMaximumHandles] = {};
-    const DWORD count = selector.GetHandles(handles);
+    HANDLE handles[kQuonMaxServerHandles] = {};
+    const DWORD count = CopyHandles(selector, handles);
     for (DWORD index = 0; index < count; ++index)
     {
         QuonSynchronizedSelector::HandleRecord record = {};
@@ -214,11 +217,10 @@ HANDLE QuonServerThread::GetThreadHandle() const
 
 DWORD WINAPI QuonServerThread::ThreadProc(void* startBlock)
 {
-    // Start gives its stack back as soon as the event is set.
-    const StartBlock block = *static_cast<const StartBlock*>(startBlock);
+    const StartBlock block = StartBlock::Copy(startBlock);
     try
     {
-        return block.server->Run(block.started);
+        return block.owner->Run(block.started);
     }
     catch (const QuonEllipsis&)
     {

@@ -10,8 +10,13 @@
 #include "messaging/QuonSynchronizedSelector.h"
 
 /// A thread that sleeps in alertable waits on a set of handles and calls a handler when one is signalled. Changes of
-/// the set, from any thread, travel to it as asynchronous procedure calls, so that its table needs no lock; they take
-/// effect at its next wait.
+/// the set, from any thread, travel to it as asynchronous procedure calls, so that its table needs no lock. They take
+/// effect at the first wait that finds no handle signalled: while any handle stays signalled, no procedure call runs.
+/// A handler that wants to be taken out at once calls DoRemoveHandler, and one that ends the thread clears the flag
+/// itself.
+///
+/// The set takes kQuonMaxServerHandles handles. With more the thread calls no handler and waits for procedure calls
+/// alone, until RemoveHandler has brought the number down; at its end it leaves all of them alone.
 ///
 /// The class never clears its running flag. A derived class does, on the server thread (from a handler or a procedure
 /// call of its own), before Stop or the destructor is called: both wait for the thread without limit.
@@ -37,12 +42,13 @@ public:
 
     /// Sends the thread a handler to register. May be called on any thread; the handle is asked for on this one and
     /// again on the server thread.
-    /// @param handler null is sent and ignored; stays the caller's until the thread's end, which deletes it when its
-    /// handle is signalled then
+    /// @param handler the 64th at most (kQuonMaxServerHandles): with one more no handler is called. Null is sent and
+    /// ignored. It stays the caller's until the thread's end, which deletes it when its handle is signalled then.
     /// @return kQuonServerOk when it was sent; kQuonServerOutOfMemory; kQuonServerRefused when it could not be queued
     virtual QuonServerResult AddHandler(QuonServerEventHandler* handler);
 
-    /// Sends the thread a handler to take out, by the handle it has now. May be called on any thread.
+    /// Sends the thread a handler to take out, by the handle it has now. May be called on any thread. From OnSignaled
+    /// it has no effect as long as a handle stays signalled: use DoRemoveHandler there.
     /// @param handler null is sent and ignored; the caller's again once the thread has processed it; it is not deleted
     /// @return as for AddHandler
     virtual QuonServerResult RemoveHandler(QuonServerEventHandler* handler);
@@ -63,7 +69,8 @@ public:
     /// @return kQuonServerOk, or kQuonServerRefused when the handle is registered already
     virtual QuonServerResult DoAddHandler(QuonServerEventHandler* handler);
 
-    /// Takes a handle out of the table; its handler is not deleted. On the server thread only.
+    /// Takes a handle out of the table, at once; its handler is not deleted. On the server thread only, also from
+    /// OnSignaled.
     /// @return kQuonServerOk, or kQuonServerRefused when the handle is not registered
     virtual QuonServerResult DoRemoveHandler(HANDLE handle);
 

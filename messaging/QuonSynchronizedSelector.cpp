@@ -69,6 +69,11 @@ DWORD QuonSynchronizedSelector::GetHandles(HANDLE* handles) const
     return count;
 }
 
+DWORD QuonSynchronizedSelector::GetCount() const
+{
+    return static_cast<DWORD>(m_map.GetCount());
+}
+
 bool QuonSynchronizedSelector::Find(HANDLE handle, HandleRecord& record) const
 {
     return m_map.Lookup(handle, record) != FALSE;

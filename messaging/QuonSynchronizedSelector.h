@@ -10,6 +10,9 @@
 
 class QuonServerEventHandler;
 
+/// The maximum number of handles in one wait of a server thread: that of the system (MAXIMUM_WAIT_OBJECTS).
+constexpr DWORD kQuonMaxServerHandles = 64;
+
 /// Maps waitable handles to the handlers that serve them. Has no lock: it is used on one thread, to which a
 /// QuonServerThread carries every change. Handlers are not owned.
 class QUON_API QuonSynchronizedSelector
@@ -42,9 +45,13 @@ public:
 
     /// Writes the handles of the active records in the order of the table's 17 buckets (the handle divided by 16,
     /// modulo 17) and in each bucket from the youngest to the oldest, which is not the order of registration.
-    /// @param handles room for 64 handles, the limit of one wait; the table does not check it
+    /// @param handles room for all of them, GetCount() at most; the table does not check it. A server thread provides
+    /// kQuonMaxServerHandles.
     /// @return the number of handles written
     DWORD GetHandles(HANDLE* handles) const;
+
+    /// @return the number of handles in the table, of any record
+    DWORD GetCount() const;
 
     /// Looks a handle up.
     /// @param record receives a copy of the record; untouched when there is none

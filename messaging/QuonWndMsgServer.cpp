@@ -1,10 +1,10 @@
 #include "messaging/QuonWndMsgServerInternal.h"
 
+#include "base/MemoryInternal.h"
 #include "base/QuonEllipsis.h"
 
 #include <algorithm>
-#include <new>
-#include <stdexcept>
+#include <iterator>
 
 QuonWndMsgServer::Callback::Callback() = default;
 QuonWndMsgServer::Callback::Callback(const Callback&) = default;
@@ -24,6 +24,10 @@ constexpr wchar_t kClassName[] = L"QuonWnd59A9E57ED6664f9e943F19730E161AEE";
 // Set by the constructor before it creates the window: creating one calls the window procedure, which asks for the
 // server while the function-local static that holds it is still under construction and must not be entered again.
 QuonWndMsgServerImpl* theServer = nullptr;
+
+// Beside the one server and not in it: other modules were built against its layout.
+unsigned walks = 0;              // dispatches under way, one inside the other
+bool hasRemovedEntries = false;  // for the outermost of them to erase
 
 LRESULT CALLBACK HiddenWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
@@ -94,18 +98,13 @@ HRESULT QuonWndMsgServerImpl::AddCallback(const UINT* message, UINT* cookie, Cal
         return E_POINTER;
     }
     const UINT newCookie = ++m_lastCookie;
-    try
-    {
-        // The entry is made before the message's list is touched, so that a failure leaves no empty list behind.
-        std::list<Registration> entry{{callback, newCookie}};
-        std::list<Registration>& registrations = m_registrations[*message];
+    const bool isRegistered = RunsInMemory([this, message, callback, newCookie] {
+        // The entry is made before the message's list is touched: a failure leaves no empty list.
+        Registrations entry{{callback, newCookie}};
+        Registrations& registrations = m_registrations[*message];
         registrations.splice(registrations.end(), entry);
-    }
-    catch (const std::bad_alloc&)
-    {
-        return E_FAIL;
-    }
-    catch (const std::length_error&)
+    });
+    if (!isRegistered)
     {
         return E_FAIL;
     }
@@ -125,19 +124,42 @@ HRESULT QuonWndMsgServerImpl::RemoveCallback(const UINT* value)
     {
         return E_FAIL;
     }
-    std::list<Registration>& registrations = found->second;
-    const auto entry = std::find_if(registrations.begin(), registrations.end(),
-                                    [value](const Registration& candidate) { return candidate.cookie == *value; });
+    Registrations& registrations = found->second;
+    const auto entry = std::find_if(registrations.begin(), registrations.end(), [value](const Registration& candidate) {
+        return candidate.cookie == *value && candidate.callback != nullptr;
+    });
     if (entry == registrations.end())
     {
         return E_FAIL;
     }
-    registrations.erase(entry);
-    if (registrations.empty())
-    {
-        m_registrations.erase(found);
-    }
+    Erase(found, entry);
     return S_OK;
+}
+
+void QuonWndMsgServerImpl::Erase(std::unordered_map<UINT, Registrations>::iterator list, Registrations::iterator entry)
+{
+    if (walks != 0)
+    {
+        // A walk may be at this entry or in this list: the entry goes when the last walk has ended.
+        entry->callback = nullptr;
+        hasRemovedEntries = true;
+        return;
+    }
+    list->second.erase(entry);
+    if (list->second.empty())
+    {
+        m_registrations.erase(list);
+    }
+}
+
+void QuonWndMsgServerImpl::EraseRemoved()
+{
+    hasRemovedEntries = false;
+    for (auto list = m_registrations.begin(); list != m_registrations.end();)
+    {
+        list->second.remove_if([](const Registration& candidate) { return candidate.callback == nullptr; });
+        list = list->second.empty() ? m_registrations.erase(list) : std::next(list);
+    }
 }
 
 HWND QuonWndMsgServerImpl::GetWindow()
@@ -155,6 +177,25 @@ LRESULT QuonWndMsgServerImpl::SendToWindow(UINT message, WPARAM wParam, LPARAM l
     return ::SendMessageW(m_window, message, wParam, lParam);
 }
 
+// Keeps all entries in their places while callbacks are called, also when one of them throws.
+class QuonWndMsgServerImpl::Walk
+{
+public:
+    explicit Walk(QuonWndMsgServerImpl& server) : m_server(server) { ++walks; }
+    ~Walk()
+    {
+        if (--walks == 0 && hasRemovedEntries)
+        {
+            m_server.EraseRemoved();
+        }
+    }
+    Walk(const Walk&) = delete;
+    Walk& operator=(const Walk&) = delete;
+
+private:
+    QuonWndMsgServerImpl& m_server;
+};
+
 void QuonWndMsgServerImpl::Dispatch(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     const auto found = m_registrations.find(message);
@@ -162,9 +203,14 @@ void QuonWndMsgServerImpl::Dispatch(HWND window, UINT message, WPARAM wParam, LP
     {
         return;
     }
+    const Walk walk(*this);
     const WndMsgRecord record = {window, message, wParam, lParam, 0, 0};
     for (const Registration& registration : found->second)
     {
+        if (registration.callback == nullptr)
+        {
+            continue;
+        }
         try
         {
             registration.callback->OnMessage(&record);

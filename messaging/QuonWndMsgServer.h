@@ -18,7 +18,11 @@ struct WndMsgRecord
 };
 
 /// The process's window message server. Used on one thread, the one that first called GetWndMsgServer: its message loop
-/// dispatches the callbacks. There is no lock; registering while a message is being dispatched is not allowed.
+/// dispatches the callbacks. There is no lock.
+///
+/// A callback may change the registrations, its own included, and may send further messages to the window. A callback
+/// that is removed is not called any more, not even by a dispatch that is under way. One that is added for the message
+/// being dispatched is called last in that dispatch.
 struct QUON_API QuonWndMsgServer
 {
     /// Something that observes window messages.
@@ -49,7 +53,7 @@ struct QUON_API QuonWndMsgServer
     /// Destroys the window; the callbacks are not touched. Callers never delete the server.
     virtual ~QuonWndMsgServer();
 
-    /// Registers a callback, behind those that the message has already.
+    /// Registers a callback, after those that the message has already. On the window's thread, also from a callback.
     /// @param message the message number
     /// @param cookie receives the registration's cookie: 1 for the first, then one more each time
     /// @param callback not owned
@@ -57,7 +61,8 @@ struct QUON_API QuonWndMsgServer
     virtual HRESULT AddCallback(const UINT* message, UINT* cookie, Callback* callback) = 0;
 
     /// Removes a registration. The value is used twice, as message number and as cookie, so only a registration whose
-    /// cookie equals its message number can be removed.
+    /// cookie equals its message number can be removed. On the window's thread, also from a callback. Afterwards the
+    /// callback is not called any more and may be deleted.
     /// @param value the message number and cookie
     /// @return S_OK; E_INVALIDARG for 0; E_FAIL when there is no such registration
     virtual HRESULT RemoveCallback(const UINT* value) = 0;

@@ -1,10 +1,12 @@
 /// @file
-/// What the window's thread and the watcher thread tell each other.
+/// What the window's thread and the watcher thread send each other.
 #pragma once
 
 #include <afx.h>
 
 #include "paths/QuonPath.h"
+
+#include <cstdint>
 
 namespace QuonFileEventServer_details
 {
@@ -32,6 +34,12 @@ struct FileSubscription
     HANDLE notification = nullptr;            ///< Of the folder; null until the watch is set up and when that failed.
     DWORD mask;                               ///< The caller's.
 };
+
+/// Returns the identifier of a record.
+inline std::uintptr_t IdOf(const FileSubscription* subscription)
+{
+    return reinterpret_cast<std::uintptr_t>(subscription);
+}
 
 /// Posts a message to a thread's queue.
 /// @return false on failure, with the last error set: ERROR_INVALID_THREAD_ID when the identifier is 0

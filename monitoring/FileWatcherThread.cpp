@@ -1,5 +1,7 @@
 #include "monitoring/FileWatcherThreadInternal.h"
 
+#include "messaging/ThreadStartInternal.h"
+
 #include <process.h>
 
 namespace QuonFileEventServer_details
@@ -11,12 +13,7 @@ namespace
 constexpr DWORD kSettlingMilliseconds = 500;
 constexpr DWORD kStopMilliseconds = 10000;
 
-// Lives on the stack of Start until the thread has set the event: the thread copies what it needs before.
-struct StartBlock
-{
-    HANDLE started;
-    FileWatcherThread* watcher;
-};
+using StartBlock = ThreadStart<FileWatcherThread>;
 
 }  // namespace
 
@@ -76,15 +73,14 @@ void FileWatcherThread::Forget()
 
 unsigned __stdcall FileWatcherThread::ThreadProc(void* startBlock)
 {
-    // Start gives its stack back as soon as the event is set.
-    const StartBlock block = *static_cast<const StartBlock*>(startBlock);
+    const StartBlock block = StartBlock::Copy(startBlock);
     // Makes the thread's message queue: from here on no posted message is lost.
     MSG message;
     ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
     ::SetEvent(block.started);
     try
     {
-        block.watcher->Run();
+        block.owner->Run();
     }
     catch (CException* error)
     {
@@ -99,26 +95,29 @@ unsigned __stdcall FileWatcherThread::ThreadProc(void* startBlock)
 
 void FileWatcherThread::Run()
 {
-    for (;;)
+    bool continues = true;
+    while (continues)
     {
-        const std::vector<HANDLE>& handles = m_folders.Handles();
-        const auto count = static_cast<DWORD>(handles.size());
-        // More handles than the system can wait for make this fail, and be tried again at once.
-        const DWORD result =
-            count != 0 ? ::MsgWaitForMultipleObjectsEx(count, handles.data(), INFINITE, QS_ALLINPUT, 0) : 0;
-        if (result != count)
-        {
-            TakeSignal(result);
-        }
-        else if (!PumpMessages())
-        {
-            return;
-        }
+        continues = m_folders.Handles().empty() ? PumpMessages() : WaitForFolders();
     }
 }
 
-// Until no message is left: the wait above tells only of messages that nobody has looked at, so that one which came
-// together with another would lie there until something else happens.
+bool FileWatcherThread::WaitForFolders()
+{
+    const std::vector<HANDLE>& handles = m_folders.Handles();
+    const auto count = static_cast<DWORD>(handles.size());
+    // Fails at once when there are more than kQuonMaxWatchedFolders, and is repeated.
+    const DWORD result = ::MsgWaitForMultipleObjectsEx(count, handles.data(), INFINITE, QS_ALLINPUT, 0);
+    if (result == count)
+    {
+        return PumpMessages();
+    }
+    TakeSignal(result);
+    return true;
+}
+
+// Until no message is left: the wait above reports only messages that nobody has looked at. One that came together with
+// another would stay queued until the next wake-up.
 bool FileWatcherThread::PumpMessages()
 {
     MSG message;

@@ -36,6 +36,8 @@ private:
 
     void Forget();
     void Run();
+    // Both return false when the thread shall end.
+    bool WaitForFolders();
     bool PumpMessages();
     void Dispatch(const MSG& message);
     void TakeSignal(DWORD waitResult);

@@ -53,13 +53,6 @@ Result Guarded(Result failure, const Work& work)
     return failure;
 }
 
-// Null when there is no memory.
-std::unique_ptr<FileSubscription> MakeSubscription(const wchar_t* path, DWORD mask)
-{
-    return Guarded(std::unique_ptr<FileSubscription>(),
-                   [path, mask] { return std::make_unique<FileSubscription>(path, mask); });
-}
-
 HRESULT ToFailure(DWORD error)
 {
     return error != 0 ? HRESULT_FROM_WIN32(error) : E_FAIL;
@@ -121,25 +114,49 @@ HRESULT QuonFileEventServerImpl::Subscribe(const wchar_t* path, DWORD mask, Quon
         {
             return E_OUTOFMEMORY;
         }
-        if (!PostToThread(m_watcher.ThreadId(), kAdd, reinterpret_cast<LPARAM>(subscription.get())))
+        const QuonFileEventId newId = IdOf(subscription.get());
+        // Before it is posted: a watch without an identifier in the table could not be removed any more.
+        m_subscribers.Add(newId, sink);
+        if (!PostToThread(m_watcher.ThreadId(), kAdd, static_cast<LPARAM>(newId)))
         {
-            return ToFailure(::GetLastError());
+            const DWORD error = ::GetLastError();
+            m_subscribers.Erase(newId);
+            return ToFailure(error);
         }
-        // Posted, the record is the watcher's: only its address is of use here.
-        const auto newId = reinterpret_cast<QuonFileEventId>(subscription.release());
-        m_sinks[newId] = sink;
+        // Posted, the record is the watcher's.
+        subscription.release();
         *id = newId;
         return S_OK;
+    });
+}
+
+// Null when there is no memory.
+std::unique_ptr<FileSubscription> QuonFileEventServerImpl::MakeSubscription(const wchar_t* path, DWORD mask)
+{
+    return Guarded(std::unique_ptr<FileSubscription>(), [this, path, mask] {
+        auto subscription = std::make_unique<FileSubscription>(path, mask);
+        // Each record that is kept takes one reserved address away from the allocator.
+        while (m_subscribers.KeepWhenReserved(subscription))
+        {
+            subscription = std::make_unique<FileSubscription>(path, mask);
+        }
+        return subscription;
     });
 }
 
 HRESULT QuonFileEventServerImpl::Unsubscribe(QuonFileEventId id)
 {
     return Guarded(E_FAIL, [this, id] {
-        m_sinks.erase(id);
-        if (m_watcher.IsRunning())
+        const bool isPosted =
+            m_watcher.IsRunning() && PostToThread(m_watcher.ThreadId(), kRemove, static_cast<LPARAM>(id));
+        // Without a window there is no acknowledgement, nor an event.
+        if (isPosted && m_window->GetWindow() != nullptr)
         {
-            PostToThread(m_watcher.ThreadId(), kRemove, static_cast<LPARAM>(id));
+            m_subscribers.Reserve(id);
+        }
+        else
+        {
+            m_subscribers.Erase(id);
         }
         return S_OK;
     });
@@ -154,58 +171,69 @@ void QuonFileEventServerImpl::Shutdown()
 void QuonFileEventServerImpl::OnMessage(const WndMsgRecord* message)
 {
     const auto id = static_cast<QuonFileEventId>(message->lParam);
-    QuonFileEventSink* const sink = FindSink(id);
-    if (sink == nullptr)
-    {
-        return;
-    }
     Guarded(0, [&] {
         switch (message->message)
         {
             case kChanged:
                 CallForEachBit(id, message->wParam);
                 break;
-            case kReserved1:
-                sink->OnReservedEvent1(&id);
+            case kRemove:
+                m_subscribers.Release(id);
                 break;
-            case kReserved2:
-                sink->OnReservedEvent2(&id);
-                break;
-            case kWatchFailed:
-            {
-                const auto error = static_cast<DWORD>(message->wParam);
-                sink->OnWatchFailed(&id, &error);
-                break;
-            }
             default:
+                CallSink(id, *message);
                 break;
         }
         return 0;
     });
 }
 
+void QuonFileEventServerImpl::CallSink(QuonFileEventId id, const WndMsgRecord& message) const
+{
+    const FileSubscribers::Subscriber* const subscriber = m_subscribers.Find(id);
+    QuonFileEventSink* const sink = subscriber != nullptr ? subscriber->sink : nullptr;
+    if (sink == nullptr)
+    {
+        return;
+    }
+    switch (message.message)
+    {
+        case kReserved1:
+            sink->OnReservedEvent1(&id);
+            break;
+        case kReserved2:
+            sink->OnReservedEvent2(&id);
+            break;
+        case kWatchFailed:
+        {
+            const auto error = static_cast<DWORD>(message.wParam);
+            sink->OnWatchFailed(&id, &error);
+            break;
+        }
+        default:
+            break;
+    }
+}
+
 void QuonFileEventServerImpl::CallForEachBit(QuonFileEventId id, WPARAM changes) const
 {
+    FileSubscribers::Serial serial = 0;
     for (const ChangeNotice& change : kChangeNotices)
     {
         if ((changes & change.bit) == 0)
         {
             continue;
         }
-        // Looked up anew for each bit: a sink may unsubscribe, and be gone, in the call for the bit before.
-        QuonFileEventSink* const sink = FindSink(id);
-        if (sink == nullptr)
+        // In the call for the bit before, a sink may have unsubscribed, and be gone. It may even have run a message
+        // loop and subscribed again, which can yield the same identifier: the rest of this event is not for that one.
+        const FileSubscribers::Subscriber* const subscriber = m_subscribers.Find(id);
+        if (subscriber == nullptr || subscriber->sink == nullptr || (serial != 0 && subscriber->serial != serial))
         {
             return;
         }
-        (sink->*change.notice)(&id);
+        serial = subscriber->serial;
+        (subscriber->sink->*change.notice)(&id);
     }
-}
-
-QuonFileEventSink* QuonFileEventServerImpl::FindSink(QuonFileEventId id) const
-{
-    const auto found = m_sinks.find(id);
-    return found != m_sinks.end() ? found->second : nullptr;
 }
 
 QuonFileEventServer* GetFileEventServer()

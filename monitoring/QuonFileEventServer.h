@@ -9,8 +9,12 @@
 #include <cstdint>
 
 /// Names a subscription. Nothing is promised about its value, but that it is not 0; it may be given out again once the
-/// subscription was removed.
+/// subscription was removed and no event of it is on its way.
 using QuonFileEventId = std::uintptr_t;
+
+/// The maximum number of folders that can be watched at a time: the system waits for 64 objects, one of which is the
+/// watcher's message queue.
+constexpr unsigned kQuonMaxWatchedFolders = 63;
 
 /// What a subscriber implements. All operations are called on the thread that owns the window of the window message
 /// server, out of its message loop. Whatever they throw is swallowed, and the rest of the event with it. They may
@@ -61,6 +65,10 @@ protected:
 ///
 /// A change is reported some 500 ms after it happened, so that whoever writes can finish. Files are compared with what
 /// was last reported, so several changes in a row may be reported as one.
+///
+/// Each signal of a folder costs the one thread these 500 ms: ten folders that change at once are reported over five
+/// seconds. A folder that changes at least every 500 ms delays all others, and the folders that were added after it may
+/// not be reported at all until it pauses.
 class QUON_API QuonFileEventServer
 {
 public:
@@ -76,8 +84,10 @@ public:
     /// Watches a file, or a folder's own entry in itself. Returns at once: whether the folder can be watched is known
     /// later, and told by QuonFileEventSink::OnWatchFailed when it cannot.
     ///
-    /// Subscriptions whose paths lie in the same folder share one notification of the system, made for the mask of the
-    /// first of them. Beyond 63 folders nothing is reported any more.
+    /// Subscriptions whose paths are in the same folder share one notification of the system, made for the mask of the
+    /// first of them. With more than kQuonMaxWatchedFolders folders the watcher cannot wait any more: it uses up a
+    /// processor, reports nothing and carries out no further request. Subscribe and Unsubscribe still return S_OK, no
+    /// sink is called after Unsubscribe, and Shutdown ends the thread by force after its ten seconds.
     /// @param path a full path, copied; not null
     /// @param mask FILE_NOTIFY_CHANGE_FILE_NAME (0x1), _DIR_NAME (0x2), _ATTRIBUTES (0x4), _SIZE (0x8), _LAST_WRITE
     /// (0x10), _LAST_ACCESS (0x20); other bits are passed to the system and are never reported
@@ -88,8 +98,8 @@ public:
     virtual HRESULT Subscribe(const wchar_t* path, DWORD mask, QuonFileEventSink* sink, QuonFileEventId* id) = 0;
 
     /// Removes a subscription. Its sink is not called any more, not even for events that are on their way.
-    /// @param id given out by Subscribe, and removed at most once: the watcher takes it for what it is without a check
-    /// @return S_OK, also when the server does not run; E_FAIL when something was thrown
+    /// @param id given out by Subscribe; one that is unknown, or removed already, is ignored
+    /// @return S_OK, also when the server does not run or the identifier is unknown; E_FAIL when something was thrown
     virtual HRESULT Unsubscribe(QuonFileEventId id) = 0;
 
     /// Callers never delete the server.

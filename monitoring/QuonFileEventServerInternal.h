@@ -5,11 +5,12 @@
 #include <afx.h>
 
 #include "messaging/QuonWndMsgServer.h"
+#include "monitoring/FileSubscribersInternal.h"
 #include "monitoring/FileWatcherThreadInternal.h"
 #include "monitoring/QuonFileEventServer.h"
 
 #include <array>
-#include <map>
+#include <memory>
 
 /// The one implementation of the server: the sinks of the subscriptions, and the thread that watches for them.
 class QuonFileEventServerImpl : public QuonFileEventServer, public QuonWndMsgServer::Callback
@@ -29,7 +30,8 @@ public:
 private:
     bool RegisterMessages();
     void UnregisterMessages();
-    QuonFileEventSink* FindSink(QuonFileEventId id) const;
+    std::unique_ptr<QuonFileEventServer_details::FileSubscription> MakeSubscription(const wchar_t* path, DWORD mask);
+    void CallSink(QuonFileEventId id, const WndMsgRecord& message) const;
     void CallForEachBit(QuonFileEventId id, WPARAM changes) const;
 
     // So many consecutive message numbers are registered, although few of them are used.
@@ -37,7 +39,7 @@ private:
 
     // Made before the rest and so destroyed after it.
     QuonWndMsgServer* const m_window;
-    std::map<QuonFileEventId, QuonFileEventSink*> m_sinks;
+    QuonFileEventServer_details::FileSubscribers m_subscribers;
     std::array<UINT, kMessageCount> m_cookies = {};  // 0: not registered
     QuonFileEventServer_details::FileWatcherThread m_watcher;
 };

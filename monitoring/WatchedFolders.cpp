@@ -3,6 +3,7 @@
 #include "base/LetterCaseInternal.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace QuonFileEventServer_details
 {
@@ -13,9 +14,9 @@ namespace
 constexpr DWORD kUncomparedBits =
     FILE_NOTIFY_CHANGE_FILE_NAME | FILE_NOTIFY_CHANGE_DIR_NAME | FILE_NOTIFY_CHANGE_ATTRIBUTES;
 
-LPARAM IdOf(const FileSubscription* subscription)
+LPARAM MessageIdOf(const FileSubscription* subscription)
 {
-    return reinterpret_cast<LPARAM>(subscription);
+    return static_cast<LPARAM>(IdOf(subscription));
 }
 
 bool ReadAttributes(const QuonPath& path, WIN32_FILE_ATTRIBUTE_DATA& data)
@@ -23,10 +24,16 @@ bool ReadAttributes(const QuonPath& path, WIN32_FILE_ATTRIBUTE_DATA& data)
     return ::GetFileAttributesExW(path, GetFileExInfoStandard, &data) != FALSE;
 }
 
+// Unsigned: a time beyond 2^63 is later than all below it.
+std::uint64_t ToNumber(const FILETIME& time)
+{
+    return std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
+}
+
 // An older time, as of a file that came back from a backup, is neither reported nor kept.
 DWORD TakeLaterTime(DWORD bit, FILETIME& baseline, const FILETIME& now)
 {
-    if (::CompareFileTime(&now, &baseline) <= 0)
+    if (ToNumber(now) <= ToNumber(baseline))
     {
         return 0;
     }
@@ -70,6 +77,7 @@ DWORD FindChanges(FileSubscription& subscription, const WIN32_FILE_ATTRIBUTE_DAT
 
 void WatchedFolders::Add(FileSubscription* subscription)
 {
+    m_records.insert(MessageIdOf(subscription));
     const bool isFile = ReadAttributes(subscription->path, subscription->baseline) &&
                         (subscription->baseline.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
     const QuonPath path = FolderOf(subscription->path, isFile);
@@ -94,7 +102,7 @@ void WatchedFolders::AddFolder(const QuonPath& path, FileSubscription* subscript
     if (notification == INVALID_HANDLE_VALUE)
     {
         // The record stays, for ever: its owner may still unsubscribe it.
-        Post(kWatchFailed, error, IdOf(subscription));
+        Post(kWatchFailed, error, MessageIdOf(subscription));
         return;
     }
     m_handleOfPath[static_cast<const wchar_t*>(path)] = notification;
@@ -116,13 +124,17 @@ void WatchedFolders::Check(HANDLE notification) const
         const DWORD changes = ReadAttributes(subscription->path, now) ? FindChanges(*subscription, now) : 0;
         if (changes != 0)
         {
-            Post(kChanged, changes, IdOf(subscription));
+            Post(kChanged, changes, MessageIdOf(subscription));
         }
     }
 }
 
 void WatchedFolders::Remove(LPARAM id)
 {
+    if (m_records.count(id) == 0)
+    {
+        return;
+    }
     auto* const subscription = reinterpret_cast<FileSubscription*>(id);
     const auto folder = m_folders.find(subscription->notification);
     if (folder == m_folders.end())
@@ -140,6 +152,7 @@ void WatchedFolders::Remove(LPARAM id)
     {
         RemoveFolder(folder);
     }
+    m_records.erase(id);
     delete subscription;
     Post(kRemove, 0, id);
 }

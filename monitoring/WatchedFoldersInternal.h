@@ -1,5 +1,5 @@
 /// @file
-/// The folders that the watcher thread watches, and who wants to hear of them.
+/// The folders that the watcher thread watches, and their subscriptions.
 #pragma once
 
 #include <afx.h>
@@ -9,6 +9,7 @@
 
 #include <list>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,8 +35,9 @@ public:
     void Add(FileSubscription* subscription);
     /// Posts the changes of all subscriptions of the folder whose notification this is.
     void Check(HANDLE notification) const;
-    /// Removes and frees a subscription, and its folder with the last one of it. What is not found is left alone.
-    /// @param id the subscription's address; a number, because it is told once more after the record is gone
+    /// Removes and frees a subscription, and its folder with the last one of it. An identifier that is not a record's
+    /// is ignored: it is read only when it is known to be one.
+    /// @param id the subscription's address; a number, because it may be anything
     void Remove(LPARAM id);
 
     /// The notifications in the order in which their folders were added.
@@ -55,6 +57,7 @@ private:
     void Post(UINT message, DWORD value, LPARAM id) const;
 
     QuonWndMsgServer* m_window;
+    std::set<LPARAM> m_records;  // the identifiers of all records that exist, also of those that cannot be watched
     std::map<std::wstring, HANDLE> m_handleOfPath;
     std::map<HANDLE, Folder> m_folders;
     std::vector<HANDLE> m_handles;

@@ -110,6 +110,33 @@ TEST(MessageQueue, PeeksWithoutTakingAndGivesInTheOrderOfPosting)
     EXPECT_EQ(callback.Calls(), 2);
 }
 
+// Looks into its queue when it is called.
+class PeekingCallback : public QuonCallback
+{
+public:
+    BOOL Invoke() override
+    {
+        QuonMessage* message = nullptr;
+        queue->PeekNext(&message);
+        seen.push_back(message);
+        return TRUE;
+    }
+
+    QuonMessageQueue* queue = nullptr;
+    std::vector<QuonMessage*> seen;
+};
+
+TEST(MessageQueue, HoldsTheMessageWhenItCallsTheCallback)
+{
+    PeekingCallback callback;
+    QuonMessageQueue queue(&callback, nullptr);
+    callback.queue = &queue;
+    Message message;
+    EXPECT_EQ(queue.Post(&message), 0u);
+    RunPendingCalls();
+    EXPECT_EQ(callback.seen, std::vector<QuonMessage*>{&message});
+}
+
 TEST(MessageQueue, DoesWithoutACallback)
 {
     QuonMessageQueue queue(nullptr, nullptr);

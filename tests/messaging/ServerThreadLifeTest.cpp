@@ -12,6 +12,8 @@
 #include <atomic>
 #include <memory>
 #include <optional>
+#include <string>
+#include <thread>
 #include <vector>
 
 using namespace quon_test;
@@ -257,6 +259,56 @@ TEST_F(ServerThreadLife, StopsWithAFixedResultAndKeepsTheHandle)
     EXPECT_EQ(server.Start(), 0u);
     EXPECT_EQ(server.GetThreadHandle(), thread);
     EXPECT_FALSE(server.IsRunning());
+}
+
+QuonServerThread* lockedServer = nullptr;
+std::vector<std::string> locks;
+
+// Notes whether another thread could enter the section that serializes the life of the server.
+void NoteLock(const char* where)
+{
+    // The first of the object's fields.
+    auto* const section = reinterpret_cast<CRITICAL_SECTION*>(reinterpret_cast<char*>(lockedServer) + sizeof(void*));
+    bool isHeld = true;
+    std::thread([&] {
+        if (::TryEnterCriticalSection(section) != FALSE)
+        {
+            ::LeaveCriticalSection(section);
+            isHeld = false;
+        }
+    }).join();
+    locks.push_back(where + std::string(isHeld ? ": locked" : ": open"));
+}
+
+HANDLE WINAPI LockNotingCreateThread(SECURITY_ATTRIBUTES* security, SIZE_T stackSize, LPTHREAD_START_ROUTINE routine,
+                                     void* argument, DWORD flags, DWORD* id)
+{
+    NoteLock("create");
+    return ::CreateThread(security, stackSize, routine, argument, flags, id);
+}
+
+DWORD WINAPI LockNotingWait(HANDLE handle, DWORD timeout)
+{
+    NoteLock("wait");
+    return ::WaitForSingleObject(handle, timeout);
+}
+
+// Another Start would make a second thread, another Stop wait for one that is about to be replaced.
+TEST_F(ServerThreadLife, IsLockedWhileItStartsStopsAndIsDestroyed)
+{
+    locks.clear();
+    auto server = std::make_unique<TestServer>();
+    lockedServer = server.get();
+    const ImportPatch<decltype(&::CreateThread)> create(kLibrary, "CreateThread", &LockNotingCreateThread);
+    const ImportPatch<decltype(&::WaitForSingleObject)> wait(kLibrary, "WaitForSingleObject", &LockNotingWait);
+    ASSERT_EQ(server->Start(), 0u);
+    NoteLock("started");
+    server->End();
+    NoteLock("stopped");
+    server.reset();
+    EXPECT_THAT(locks, ElementsAre("create: locked", "wait: locked", "started: open", "wait: locked", "stopped: open",
+                                   // The destructors, of the derived class and of the base class.
+                                   "wait: locked", "wait: locked"));
 }
 
 TEST_F(ServerThreadLife, IsWokenByStopAndByTheDestructor)

@@ -246,6 +246,122 @@ void Abandon(HANDLE mutex)
     ::CloseHandle(thread);
 }
 
+// A handle that is signalled ends the thread's wait before a procedure call does. So what is queued from OnSignaled, a
+// removal included, has no effect until the handle is not signalled any more, or is taken out directly.
+TEST_F(ServerThreadHandlers, KeepProcedureCallsWaitingWhileTheirHandleStaysSignalled)
+{
+    constexpr int kRounds = 1000;
+    const Event event;
+    const Event called;
+    int rounds = 0;
+    int roundsBeforeTheCall = 0;
+    TestServer server;
+    TestHandler* handler = nullptr;
+    const auto act = [&] {
+        ++rounds;
+        if (rounds == 1)
+        {
+            EXPECT_EQ(server.RemoveHandler(handler), 0u);
+            server.Queue([&] {
+                roundsBeforeTheCall = rounds;
+                called.Set();
+            });
+        }
+        if (rounds == kRounds)
+        {
+            EXPECT_EQ(server.DoRemoveHandler(event.Handle()), 0u);
+        }
+    };
+    TestHandler staying(event.Handle(), m_journal, "staying", act);
+    handler = &staying;
+    ASSERT_EQ(server.Start(), 0u);
+    event.Set();
+    EXPECT_EQ(server.AddHandler(handler), 0u);
+    ASSERT_TRUE(called.Wait());
+    server.End();
+    EXPECT_EQ(rounds, kRounds);
+    EXPECT_EQ(roundsBeforeTheCall, kRounds);
+    ASSERT_EQ(server.Changes().size(), 3u);
+    EXPECT_TRUE(server.Changes()[0].added);
+    EXPECT_EQ(server.Changes()[1].result, 0u);        // the direct removal
+    EXPECT_EQ(server.Changes()[2].result, 1000001u);  // the one that was queued, too late
+}
+
+// The other way out: the flag is cleared where it takes effect, not by a procedure call.
+TEST_F(ServerThreadHandlers, MayEndTheThreadThoughTheirHandleStaysSignalled)
+{
+    const Event event;
+    TestServer server;
+    auto* const handler = new TestHandler(event.Handle(), m_journal, "staying", [&server] { server.StopRunning(); });
+    ASSERT_EQ(server.Start(), 0u);
+    event.Set();
+    EXPECT_EQ(server.AddHandler(handler), 0u);
+    server.Stop(nullptr);
+    EXPECT_THAT(m_journal.Lines(),
+                ElementsAre("staying signalled", "staying signalled", "staying closed", "staying deleted"));
+}
+
+class ServerThreadHandlersBeyondTheLimit : public ServerThreadHandlers
+{
+protected:
+    static constexpr size_t kTooMany = kQuonMaxServerHandles + 1;
+
+    ServerThreadHandlersBeyondTheLimit()
+    {
+        for (size_t index = 0; index < kTooMany; ++index)
+        {
+            events.push_back(std::make_unique<Event>());
+            const Event& event = *events.back();
+            handlers.push_back(
+                std::make_unique<TestHandler>(event.Handle(), m_journal, std::to_string(index), [this, &event] {
+                    event.Reset();
+                    called.Set();
+                }));
+        }
+        EXPECT_EQ(server.Start(), 0u);
+    }
+
+    void AddAll()
+    {
+        for (const auto& handler : handlers)
+        {
+            EXPECT_EQ(server.AddHandler(handler.get()), 0u);
+        }
+        ASSERT_TRUE(server.Settle());
+        ASSERT_EQ(server.Changes().size(), kTooMany);
+        EXPECT_EQ(server.Changes().back().result, 0u);
+    }
+
+    std::vector<std::unique_ptr<Event>> events;
+    std::vector<std::unique_ptr<TestHandler>> handlers;
+    Event called;
+    TestServer server;
+};
+
+TEST_F(ServerThreadHandlersBeyondTheLimit, AreNotServedUntilOneIsRemoved)
+{
+    AddAll();
+    events[3]->Set();
+    // A wait for the handles would report the event before it runs the call.
+    ASSERT_TRUE(server.Settle());
+    EXPECT_THAT(m_journal.Lines(), IsEmpty());
+    EXPECT_EQ(server.RemoveHandler(handlers.back().get()), 0u);
+    ASSERT_TRUE(called.Wait());
+    EXPECT_THAT(m_journal.Lines(), ElementsAre("3 signalled"));
+    server.End();
+}
+
+TEST_F(ServerThreadHandlersBeyondTheLimit, AreLeftAloneAtTheEnd)
+{
+    AddAll();
+    for (const auto& event : events)
+    {
+        event->Set();
+    }
+    server.End();
+    EXPECT_THAT(m_journal.Lines(), IsEmpty());
+}
+
 TEST_F(ServerThreadHandlers, AreCalledForAnAbandonedMutexAsForASignalledOne)
 {
     const HANDLE mutex = ::CreateMutexW(nullptr, FALSE, nullptr);

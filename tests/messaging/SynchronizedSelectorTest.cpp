@@ -164,6 +164,7 @@ TEST(SynchronizedSelector, HoldsAsManyAsAWaitCanTake)
     }
     std::vector<std::uintptr_t> handles = HandlesOf(selector);
     ASSERT_EQ(handles.size(), 64u);
+    EXPECT_EQ(selector.GetCount(), 64u);
     std::sort(handles.begin(), handles.end());
     for (std::uintptr_t i = 1; i <= 64; ++i)
     {

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -264,6 +265,51 @@ TEST(WndMsgServerCreation, StartsItsCookiesWithOne)
     const ChildResult result = RunPart(L"FirstCookie");
     EXPECT_TRUE(result.ended);
     EXPECT_EQ(result.code, 0u);
+}
+
+const QuonWndMsgServer* endingServer = nullptr;
+bool isUnregistered = false;
+
+BOOL WINAPI NotingUnregisterClass(const wchar_t* name, HINSTANCE instance)
+{
+    isUnregistered = true;
+    return ::UnregisterClassW(name, instance);
+}
+
+// The first memory that is returned after the class went is that of the registrations.
+void __cdecl WatchingFree(void* block)
+{
+    if (isUnregistered && block != nullptr)
+    {
+        constexpr size_t kWindow = sizeof(void*);
+        constexpr size_t kClassAtom = 2 * sizeof(void*);
+        const bool isCleared =
+            FieldAt<HWND>(*endingServer, kWindow) == nullptr && FieldAt<ATOM>(*endingServer, kClassAtom) == 0;
+        ::TerminateProcess(::GetCurrentProcess(), isCleared ? kRightEnd : kWrongEnd);
+    }
+    std::free(block);
+}
+
+TEST(Part, DISABLED_Cleared)
+{
+    endingServer = QuonWndMsgServer::GetWndMsgServer();
+    ASSERT_NE(FieldAt<HWND>(*endingServer, sizeof(void*)), nullptr);
+    ASSERT_NE(FieldAt<ATOM>(*endingServer, 2 * sizeof(void*)), 0);
+    static Counter counter;
+    const UINT message = WM_APP;
+    UINT cookie = 0;
+    ASSERT_EQ(QuonWndMsgServer::GetWndMsgServer()->AddCallback(&message, &cookie, &counter), S_OK);
+    // They stay until the process has gone. The allocator's call may be in either module.
+    new Patch<decltype(&::UnregisterClassW)>(kLibrary, "UnregisterClassW", &NotingUnregisterClass);
+    new Patch<void(__cdecl*)(void*)>(kLibrary, "free", &WatchingFree);
+    new Patch<void(__cdecl*)(void*)>(L"QuonFramework.dll", "free", &WatchingFree);
+}
+
+TEST(WndMsgServerCreation, ForgetsItsWindowAndClassBeforeItsRegistrations)
+{
+    const ChildResult result = RunPart(L"Cleared");
+    EXPECT_TRUE(result.ended);
+    EXPECT_EQ(result.code, kRightEnd);
 }
 
 // A program whose modules end in every way that there is; see MessagingLife.cpp.

@@ -11,7 +11,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <thread>
 #include <tuple>
@@ -354,6 +356,262 @@ TEST_F(WndMsgServerDispatch, FailsWithoutMemoryAndRegistersNothing)
     }
     // The list's entry and the map's.
     EXPECT_GE(failures, 3);
+}
+
+void* __cdecl ThrowingMalloc(std::size_t)
+{
+    AfxThrowMemoryException();
+}
+
+// With the real framework `new` itself throws so.
+TEST_F(WndMsgServerDispatch, FailsAlsoWhenTheAllocatorThrowsTheFrameworksException)
+{
+    Recorder recorder("recorder");
+    const UINT message = NewMessage();
+    UINT cookie = 99;
+    HRESULT result = S_OK;
+    {
+        const ImportPatch<void*(__cdecl*)(std::size_t)> malloc{kLibrary, "malloc", &ThrowingMalloc};
+        result = m_server->AddCallback(&message, &cookie, &recorder);
+    }
+    EXPECT_EQ(result, E_FAIL);
+    EXPECT_EQ(cookie, 99u);
+    m_server->SendToWindow(message, 0, 0);
+    EXPECT_THAT(calls, ElementsAre("default"));
+}
+
+// Callbacks that change the registrations while their message is being dispatched. A registration can be removed only
+// where its cookie is its message number, so each message here has several removable ones: their callbacks stand on the
+// heap and are deleted as soon as they are removed, so that a walk which still touched one would touch freed memory.
+class WndMsgServerReentrance : public WndMsgServerDispatch
+{
+protected:
+    class Acting : public QuonWndMsgServer::Callback
+    {
+    public:
+        Acting(std::string name, std::function<void()> act) : m_name(std::move(name)), m_act(std::move(act)) {}
+        void OnMessage(const WndMsgRecord*) override
+        {
+            calls.push_back(m_name);
+            // It may be deleted in what it does.
+            const std::function<void()> act = m_act;
+            act();
+        }
+
+    private:
+        std::string m_name;
+        std::function<void()> m_act;
+    };
+
+    Acting* Make(
+        std::string name, std::function<void()> act = [] {})
+    {
+        m_callbacks.push_back(std::make_unique<Acting>(std::move(name), std::move(act)));
+        return m_callbacks.back().get();
+    }
+
+    // Registers "before", a removable callback, and "after" for one message, which is returned.
+    UINT AddThree(Acting* before, Acting* middle, Acting* after)
+    {
+        const UINT number = NextCookie() + 1;
+        EXPECT_EQ(Add(number, *before), number - 1);
+        EXPECT_EQ(Add(number, *middle), number);
+        EXPECT_EQ(Add(number, *after), number + 1);
+        return number;
+    }
+
+    // Removes a registration and deletes its callback.
+    void RemoveAndDelete(UINT value, QuonWndMsgServer::Callback* callback)
+    {
+        EXPECT_EQ(Remove(value), S_OK);
+        std::erase_if(m_callbacks, [callback](const auto& candidate) { return candidate.get() == callback; });
+        EXPECT_EQ(Remove(value), E_FAIL);
+    }
+
+    void SendTwice()
+    {
+        m_server->SendToWindow(message, 0, 0);
+        calls.push_back("-");
+        m_server->SendToWindow(message, 0, 0);
+    }
+
+    UINT message = 0;
+    Acting* removable = nullptr;
+
+private:
+    // Those that stay registered must stay alive.
+    static inline std::vector<std::unique_ptr<Acting>> m_callbacks;
+};
+
+TEST_F(WndMsgServerReentrance, CallbackMayRemoveItself)
+{
+    removable = Make("itself", [this] { RemoveAndDelete(message, removable); });
+    message = AddThree(Make("before"), removable, Make("after"));
+    SendTwice();
+    EXPECT_THAT(calls, ElementsAre("before", "itself", "after", "default", "-", "before", "after", "default"));
+}
+
+TEST_F(WndMsgServerReentrance, CallbackMayRemoveTheNextOne)
+{
+    const auto removeNext = [this] {
+        if (removable != nullptr)
+        {
+            RemoveAndDelete(message, std::exchange(removable, nullptr));
+        }
+    };
+    removable = Make("next");
+    message = AddThree(Make("before", removeNext), removable, Make("after"));
+    SendTwice();
+    EXPECT_THAT(calls, ElementsAre("before", "after", "default", "-", "before", "after", "default"));
+}
+
+TEST_F(WndMsgServerReentrance, CallbackMayRemoveOneBeforeIt)
+{
+    const auto removePrevious = [this] {
+        if (removable != nullptr)
+        {
+            RemoveAndDelete(message, std::exchange(removable, nullptr));
+        }
+    };
+    removable = Make("previous");
+    message = AddThree(Make("before"), removable, Make("after", removePrevious));
+    SendTwice();
+    EXPECT_THAT(calls, ElementsAre("before", "previous", "after", "default", "-", "before", "after", "default"));
+}
+
+TEST_F(WndMsgServerReentrance, CallbackMayRemoveTheOnlyOneWhichIsItself)
+{
+    removable = Make("only", [this] { RemoveAndDelete(message, removable); });
+    message = NextCookie();
+    ASSERT_EQ(Add(message, *removable), message);
+    SendTwice();
+    EXPECT_THAT(calls, ElementsAre("only", "default", "-", "default"));
+}
+
+TEST_F(WndMsgServerReentrance, EmptyListGoesWithTheDispatchThatEmptiedIt)
+{
+    // The map's table may grow with one registration, and stays so.
+    message = NextCookie();
+    Recorder recorder("recorder");
+    Add(message, recorder);
+    ASSERT_EQ(Remove(message), S_OK);
+    message = NextCookie();
+    removable = Make("only", [this] { EXPECT_EQ(Remove(message), S_OK); });
+    const AllocationCounter counter;
+    ASSERT_EQ(Add(message, *removable), message);
+    EXPECT_GT(counter.GetLiveCount(), 0u);
+    m_server->SendToWindow(message, 0, 0);
+    EXPECT_EQ(counter.GetLiveCount(), 0u);
+}
+
+TEST_F(WndMsgServerReentrance, CallbackMayRemoveItselfAndAddItselfAgain)
+{
+    // Its new cookie is not its message number, so it comes once more, at the end, and stays.
+    removable = Make("again", [this] {
+        if (Remove(message) == S_OK)
+        {
+            Add(message, *removable);
+        }
+    });
+    message = AddThree(Make("before"), removable, Make("after"));
+    SendTwice();
+    EXPECT_THAT(
+        calls, ElementsAre("before", "again", "after", "again", "default", "-", "before", "after", "again", "default"));
+}
+
+TEST_F(WndMsgServerReentrance, CallbackThatIsAddedIsCalledInTheSameDispatch)
+{
+    Acting* const added = Make("added");
+    bool hasAdded = false;
+    message = NewMessage();
+    Add(message, *Make("adder", [&] {
+            if (!std::exchange(hasAdded, true))
+            {
+                Add(message, *added);
+            }
+        }));
+    SendTwice();
+    EXPECT_THAT(calls, ElementsAre("adder", "added", "default", "-", "adder", "added", "default"));
+}
+
+TEST_F(WndMsgServerReentrance, CallbackMayAddForManyOtherMessages)
+{
+    // So many that the map of messages is rebuilt.
+    Acting* const other = Make("other");
+    bool hasAdded = false;
+    message = NewMessage();
+    Add(message, *Make("adder", [&] {
+            for (int count = 0; !hasAdded && count < 5000; ++count)
+            {
+                Add(NewMessage(), *other);
+            }
+            hasAdded = true;
+        }));
+    Add(message, *Make("after"));
+    SendTwice();
+    EXPECT_THAT(calls, ElementsAre("adder", "after", "default", "-", "adder", "after", "default"));
+}
+
+TEST_F(WndMsgServerReentrance, CallbackMaySendTheSameMessageAgain)
+{
+    bool isNested = false;
+    const auto sendOnce = [&] {
+        if (!std::exchange(isNested, true))
+        {
+            m_server->SendToWindow(message, 0, 0);
+        }
+    };
+    message = NewMessage();
+    Add(message, *Make("sender", sendOnce));
+    Add(message, *Make("after"));
+    m_server->SendToWindow(message, 0, 0);
+    EXPECT_THAT(calls, ElementsAre("sender", "sender", "after", "default", "after", "default"));
+}
+
+TEST_F(WndMsgServerReentrance, NestedDispatchMayRemoveTheOneThatTheOuterIsAt)
+{
+    bool isNested = false;
+    removable = Make("removable", [&] {
+        if (!std::exchange(isNested, true))
+        {
+            m_server->SendToWindow(message, 0, 0);
+            // The nested dispatch has ended, this one has not: its entry must still be in its place.
+            RemoveAndDelete(message, removable);
+            m_server->SendToWindow(message, 0, 0);
+        }
+    });
+    message = AddThree(Make("before"), removable, Make("after"));
+    m_server->SendToWindow(message, 0, 0);
+    EXPECT_THAT(calls, ElementsAre("before", "removable",                      // the outer one
+                                   "before", "removable", "after", "default",  // the first nested one
+                                   "before", "after", "default",               // the second
+                                   "after", "default"));
+}
+
+TEST_F(WndMsgServerReentrance, ExceptionThatPassesThroughEndsTheDispatchInOrder)
+{
+    bool throws = true;
+    removable = Make("thrower", [&] {
+        if (std::exchange(throws, false))
+        {
+            EXPECT_EQ(Remove(message), S_OK);
+            throw 5;
+        }
+    });
+    message = AddThree(Make("before"), removable, Make("after"));
+    // Straight to the window procedure: what lies between here and there on Windows need not let exceptions through.
+    const auto procedure = reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(m_server->GetWindow(), GWLP_WNDPROC));
+    EXPECT_THROW(procedure(m_server->GetWindow(), message, 0, 0), int);
+    calls.clear();
+    m_server->SendToWindow(message, 0, 0);
+    EXPECT_THAT(calls, ElementsAre("before", "after", "default"));
+    // Removal works at once again: a dispatch that was counted and never ended would put it off for ever.
+    const UINT other = NextCookie();
+    Recorder recorder("recorder");
+    const AllocationCounter live;
+    Add(other, recorder);
+    EXPECT_EQ(Remove(other), S_OK);
+    EXPECT_EQ(live.GetLiveCount(), 0u);
 }
 
 #if defined(__GNUC__)

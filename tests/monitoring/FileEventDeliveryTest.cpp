@@ -3,6 +3,9 @@
 
 #include <afx.h>
 
+#include "helpers/OneFailure.h"
+#include "helpers/ReusedBlock.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -87,6 +90,9 @@ TEST_F(FileEventDelivery, IgnoresTheOtherMessages)
         SendEvent(number, 0x3F, id);
         EXPECT_THAT(sink.calls, IsEmpty());
     }
+    // An acknowledgement that nobody waits for, as another process can send it, changes nothing.
+    SendEvent(kMsgChanged, 0x8, id);
+    EXPECT_THAT(sink.calls, ElementsAre("size"));
 }
 
 TEST_F(FileEventDelivery, IgnoresUnknownIdentifiersAndNullSinks)
@@ -141,17 +147,115 @@ TEST_F(FileEventDelivery, StopsAtTheCallThatUnsubscribes)
     EXPECT_THAT(sink.calls, ElementsAre("file name", "folder name", "attributes"));
 }
 
-// Who unsubscribes and makes a new subscription hears nothing of the old one's event through it.
-TEST_F(FileEventDelivery, DoesNotPassTheRestOfAnEventToANewSubscription)
+// Identifiers that are given out again. The record's memory comes back as soon as the watcher has freed it.
+class FileEventReuse : public testing::Test
 {
-    sink.then = [this] {
+protected:
+    static constexpr wchar_t kPath[] = L"c:\\d\\f";
+
+    QuonFileEventId SubscribeNew()
+    {
+        QuonFileEventId newId = 0;
+        EXPECT_EQ(watch.server->Subscribe(kPath, 0x3F, &newSink, &newId), S_OK);
+        return newId;
+    }
+
+    WindowMessage Acknowledgement() const { return {kMsgRemove, 0, static_cast<LPARAM>(id)}; }
+
+    FakeWatch watch;
+    RecordingSink newSink;
+    ReusedBlock block;
+    const QuonFileEventId id = watch.Subscribe(kPath, 0x3F);
+};
+
+TEST_F(FileEventReuse, IdentifierIsNotGivenOutWhileAnEventOfItIsQueued)
+{
+    ASSERT_EQ(reinterpret_cast<QuonFileEventId>(block.Address()), id);
+    auto* const window = QuonWndMsgServer::GetWndMsgServer();
+    ASSERT_TRUE(window->PostToWindow(kMsgChanged, 0x3F, static_cast<LPARAM>(id)));
+    ASSERT_EQ(watch.Unsubscribe(id), S_OK);
+    ASSERT_TRUE(block.WaitUntilFree());
+    const QuonFileEventId newId = SubscribeNew();
+    // The allocator has given the address out again, and it was not used.
+    EXPECT_EQ(block.Reuses(), 1);
+    EXPECT_NE(newId, id);
+    // Nor is it looked for a second time.
+    const QuonFileEventId third = SubscribeNew();
+    EXPECT_NE(third, id);
+    EXPECT_NE(third, newId);
+
+    EXPECT_TRUE(watch.Barrier());
+    EXPECT_EQ(watch.journal.Count({kMsgChanged, 0x3F, static_cast<LPARAM>(id)}), 1u);
+    EXPECT_EQ(watch.journal.Count(Acknowledgement()), 1u);
+    EXPECT_THAT(watch.sink.calls, IsEmpty());
+    EXPECT_THAT(newSink.calls, IsEmpty());
+    SendEvent(kMsgChanged, 0x8, newId);
+    EXPECT_THAT(newSink.ids, ElementsAre(newId));
+    watch.server->Unsubscribe(newId);
+    watch.server->Unsubscribe(third);
+    EXPECT_TRUE(watch.Barrier());
+}
+
+TEST_F(FileEventReuse, IdentifierIsGivenOutAgainAfterItsLastEvent)
+{
+    ASSERT_EQ(watch.Unsubscribe(id), S_OK);
+    ASSERT_TRUE(PumpUntil([this] { return watch.journal.Count(Acknowledgement()) == 1; }));
+    EXPECT_EQ(SubscribeNew(), id);
+    SendEvent(kMsgChanged, 0x8, id);
+    EXPECT_THAT(newSink.calls, ElementsAre("size"));
+    EXPECT_THAT(watch.sink.calls, IsEmpty());
+    watch.Unsubscribe(id);
+    EXPECT_TRUE(watch.Barrier());
+}
+
+TEST_F(FileEventReuse, IdentifierStaysReservedThoughItIsUnsubscribedAgainInVain)
+{
+    ASSERT_EQ(watch.Unsubscribe(id), S_OK);
+    ASSERT_TRUE(block.WaitUntilFree());
+    {
+        const OneFailure posting("PostThreadMessageW", FALSE, ERROR_NOT_ENOUGH_QUOTA);
+        EXPECT_EQ(watch.server->Unsubscribe(id), S_OK);
+        EXPECT_TRUE(posting.WasCalled());
+    }
+    const QuonFileEventId newId = SubscribeNew();
+    EXPECT_EQ(block.Reuses(), 1);
+    EXPECT_NE(newId, id);
+    watch.server->Unsubscribe(newId);
+    EXPECT_TRUE(watch.Barrier());
+}
+
+TEST_F(FileEventReuse, RecordKeptForAReservedIdentifierGoesWithTheReservation)
+{
+    ASSERT_EQ(watch.Unsubscribe(id), S_OK);
+    ASSERT_TRUE(block.WaitUntilFree());
+    const QuonFileEventId newId = SubscribeNew();
+    EXPECT_EQ(block.Reuses(), 1);
+    ASSERT_TRUE(PumpUntil([this] { return watch.journal.Count(Acknowledgement()) == 1; }));
+    EXPECT_TRUE(block.WaitUntilFree());
+    EXPECT_EQ(SubscribeNew(), id);
+    watch.Unsubscribe(id);
+    watch.server->Unsubscribe(newId);
+    EXPECT_TRUE(watch.Barrier());
+}
+
+// A sink that unsubscribes, lets its message loop run and subscribes again can get the same identifier, while the old
+// subscription's event is still being delivered.
+TEST_F(FileEventReuse, RestOfAnEventIsNotForANewSubscriptionOfTheSameIdentifier)
+{
+    QuonFileEventId newId = 0;
+    watch.sink.then = [&] {
         watch.Unsubscribe(id);
-        watch.Subscribe(L"c:\\d\\f", 0x3F);
-        sink.then = nullptr;
+        EXPECT_TRUE(PumpUntil([this] { return watch.journal.Count(Acknowledgement()) == 1; }));
+        newId = SubscribeNew();
     };
-    const std::function<void()> keepsTheRunningOneAlive = sink.then;
     SendEvent(kMsgChanged, 0x3F, id);
-    EXPECT_THAT(sink.calls, ElementsAre("file name"));
+    ASSERT_EQ(newId, id);
+    EXPECT_THAT(watch.sink.calls, ElementsAre("file name"));
+    EXPECT_THAT(newSink.calls, IsEmpty());
+    SendEvent(kMsgChanged, 0x18, id);
+    EXPECT_THAT(newSink.calls, ElementsAre("size", "last write"));
+    watch.Unsubscribe(id);
+    EXPECT_TRUE(watch.Barrier());
 }
 
 TEST_F(FileEventDelivery, LetsASinkSubscribeInItsCall)

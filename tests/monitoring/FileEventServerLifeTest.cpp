@@ -5,12 +5,14 @@
 #include "helpers/ChildProcess.h"
 #include "helpers/FailingAllocation.h"
 #include "helpers/OneFailure.h"
+#include "helpers/ReusedBlock.h"
 #include "helpers/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 
 using namespace quon_test;
@@ -371,6 +373,36 @@ TEST(Part, DISABLED_ShutdownWithMatchingCookies)
     }
 }
 
+// The registrations of all messages go while one of them is being dispatched.
+TEST(Part, DISABLED_ShutdownFromASink)
+{
+    while (NextCookie() != kFirstMessage - 1)
+    {
+    }
+    QuonFileEventServer* const server = TheServer();
+    // After the server, for the same message: still called, though the registration before it has gone.
+    WindowJournal& journal = TheWindowJournal();
+    RecordingSink sink;
+    QuonFileEventId id = 0;
+    ASSERT_EQ(server->Subscribe(L"C:\\no such folder", 0x1, &sink, &id), S_OK);
+    sink.then = [server] { server->Shutdown(); };
+    SendEvent(kMsgChanged, 0x1, id);
+    EXPECT_THAT(sink.calls, ElementsAre("file name"));
+    EXPECT_EQ(journal.Count({kMsgChanged, 0x1, static_cast<LPARAM>(id)}), 1u);
+    SendEvent(kMsgChanged, 0x1, id);
+    EXPECT_THAT(sink.calls, ElementsAre("file name"));
+    EXPECT_EQ(journal.Count({kMsgChanged, 0x1, static_cast<LPARAM>(id)}), 2u);
+    for (UINT number = kFirstMessage; number < kFirstMessage + kMessageCount; ++number)
+    {
+        ASSERT_EQ(QuonWndMsgServer::GetWndMsgServer()->RemoveCallback(&number), E_FAIL) << number;
+    }
+}
+
+TEST(FileEventServerLife, ShutsDownFromASink)
+{
+    ExpectPartPasses(L"ShutdownFromASink");
+}
+
 TEST(FileEventServerLife, RemovesTheRegistrationsThatItCan)
 {
     ExpectPartPasses(L"ShutdownWithMatchingCookies");
@@ -401,6 +433,70 @@ TEST(Part, DISABLED_ShutdownOfAHangingThread)
     ::GetExitCodeThread(TheWatcherThread().handle, &code);
     EXPECT_EQ(code, 0u);
     EXPECT_EQ(TrySubscribe(), E_FAIL);
+}
+
+std::atomic<int> failedWaits = 0;
+Event& waitHasFailed = *new Event;
+
+// Takes no lock: the thread is terminated in it.
+DWORD WINAPI FailureNotingWait(DWORD count, const HANDLE* handles, DWORD limit, DWORD wakeMask, DWORD flags)
+{
+    const DWORD result = ::MsgWaitForMultipleObjectsEx(count, handles, limit, wakeMask, flags);
+    if (result == WAIT_FAILED && ++failedWaits == 100)
+    {
+        waitHasFailed.Set();
+    }
+    return result;
+}
+
+// The watcher cannot wait any more, and is told so by nobody.
+TEST(Part, DISABLED_TooManyFolders)
+{
+    QuonFileEventServer* const server = TheServer();
+    new Patch<decltype(&::MsgWaitForMultipleObjectsEx)>(kLibrary, "MsgWaitForMultipleObjectsEx", &FailureNotingWait);
+    TemporaryFolder folder;
+    RecordingSink sink;
+    std::vector<QuonFileEventId> ids;
+    const auto subscribeToAnother = [&] {
+        const std::wstring name = std::to_wstring(ids.size());
+        folder.MakeFolder(name);
+        QuonFileEventId id = 0;
+        EXPECT_EQ(server->Subscribe((folder / name).c_str(), 0x1, &sink, &id), S_OK);
+        ids.push_back(id);
+    };
+    while (ids.size() < kQuonMaxWatchedFolders)
+    {
+        subscribeToAnother();
+    }
+    // So many are watched: a request behind them is carried out.
+    RecordingSink missing;
+    EXPECT_EQ(TrySubscribe(&missing), S_OK);
+    EXPECT_TRUE(PumpUntil([&] { return !missing.calls.empty(); }));
+    EXPECT_EQ(failedWaits, 0);
+
+    subscribeToAnother();
+    ASSERT_TRUE(waitHasFailed.Wait());
+    EXPECT_EQ(server->Unsubscribe(ids.front()), S_OK);
+    SendEvent(kMsgChanged, 0x1, ids.front());
+    EXPECT_THAT(sink.calls, IsEmpty());
+    SendEvent(kMsgChanged, 0x1, ids.back());
+    EXPECT_THAT(sink.calls, ElementsAre("file name"));
+    EXPECT_EQ(TrySubscribe(), S_OK);
+    {
+        const Patch<decltype(&::WaitForSingleObject)> wait(kLibrary, "WaitForSingleObject", &ImpatientWait);
+        const Patch<decltype(&::TerminateThread)> terminate(kLibrary, "TerminateThread", &RecordingTerminate);
+        server->Shutdown();
+    }
+    EXPECT_THAT(calls, ElementsAre("wait 10000", "terminate 0"));
+    EXPECT_EQ(TrySubscribe(), E_FAIL);
+    EXPECT_EQ(server->Unsubscribe(ids.back()), S_OK);
+    SendEvent(kMsgChanged, 0x1, ids.back());
+    EXPECT_THAT(sink.calls, ElementsAre("file name"));
+}
+
+TEST(FileEventServerLife, UnsubscribesAndShutsDownWithMoreFoldersThanItCanWatch)
+{
+    ExpectPartPasses(L"TooManyFolders");
 }
 
 TEST(FileEventServerLife, TerminatesAThreadThatDoesNotEnd)
@@ -555,6 +651,17 @@ TEST(Part, DISABLED_NoWindow)
     EXPECT_EQ(server->Unsubscribe(id), S_OK);
     EXPECT_EQ(server->Unsubscribe(other), S_OK);
     EXPECT_TRUE(waitFor(0));
+    {
+        // No event of a subscription is queued, so its identifier is free at once.
+        ReusedBlock block;
+        ASSERT_EQ(server->Subscribe(L"c:\\d", 0x1, nullptr, &id), S_OK);
+        EXPECT_EQ(server->Unsubscribe(id), S_OK);
+        ASSERT_TRUE(block.WaitUntilFree());
+        ASSERT_EQ(server->Subscribe(L"c:\\d", 0x1, nullptr, &other), S_OK);
+        EXPECT_EQ(other, id);
+        EXPECT_EQ(server->Unsubscribe(other), S_OK);
+        ASSERT_TRUE(block.WaitUntilFree());
+    }
     server->Shutdown();
     EXPECT_EQ(windowPosts, 0);
 }

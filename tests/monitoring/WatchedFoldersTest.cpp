@@ -312,6 +312,32 @@ TEST_F(WatchedFolders, AreNotKeptWaitingByARowOfMessages)
     EXPECT_THAT(calls, Contains("sleep 500").Times(2));
 }
 
+// While there are messages one signal is taken after each, that of the folder which was added first. A folder that is
+// signalled again during each pause therefore keeps the later ones waiting for as long as it goes on.
+TEST_F(WatchedFolders, AreNotCheckedWhileOneBeforeThemIsSignalledAllTheTime)
+{
+    constexpr int kRounds = 10;
+    folders.SetFolder(L"c:\\busy");
+    folders.SetFolder(L"c:\\later");
+    const QuonFileEventId busy = Active(L"c:\\busy", 0x1);
+    const QuonFileEventId later = Active(L"c:\\later", 0x1);
+    int rounds = 0;
+    folders.onRead = [&](const std::wstring& path) {
+        if (path == L"c:\\busy" && ++rounds < kRounds)
+        {
+            folders.Signal(L"c:\\busy");
+            folders.Signal(L"c:\\later");
+        }
+    };
+    folders.Signal(L"c:\\busy");
+    ASSERT_TRUE(PumpUntil([&] { return !TakeMessages(later).empty(); }));
+    EXPECT_TRUE(watch.Barrier());
+    folders.onRead = nullptr;
+    std::vector<QuonFileEventId> expected(kRounds, busy);
+    expected.push_back(later);
+    EXPECT_EQ(watch.sink.ids, expected);
+}
+
 TEST_F(WatchedFolders, SurviveAWaitThatFails)
 {
     folders.SetFolder(L"c:\\d");
