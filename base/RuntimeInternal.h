@@ -1,9 +1,10 @@
 // Functions of the C run-time that reach the run-time itself with every compiler.
 //
-// MinGW links copies of its own for the plain names. They read and round otherwise than the run-time of the host's other
-// modules: its wcstod takes characters of other scripts for digits after a code page's best fit, misses the nearest
-// double by one unit now and then and writes through null when memory is short; its modf drops the sign of a zero
-// fraction; its swscanf saturates. The run-time's own are imported instead, through the pointers in the import table.
+// MinGW links copies of its own for the plain names. They read and round otherwise than the run-time of the host's
+// other modules: its wcstod takes characters of other scripts for digits after a code page's best fit, misses the
+// nearest double by one unit now and then and writes through null when memory is short; its modf drops the sign of a
+// zero fraction; its swscanf saturates. The run-time's own are imported instead, through the pointers in the import
+// table.
 #pragma once
 
 #include <cmath>

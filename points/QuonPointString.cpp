@@ -1,5 +1,6 @@
 #include "points/QuonPointString.h"
 
+#include "base/LengthInternal.h"
 #include "points/PointFormatInternal.h"
 #include "points/PointSetInternal.h"
 #include "points/PointTextInternal.h"
@@ -225,7 +226,7 @@ void QuonPointString::ParseOtherItem()
         return;
     }
     const PointItem item = reader.Next();
-    m_token.SetString(item.token, static_cast<int>(item.tokenLength));
+    m_token.SetString(item.token, ToStringLength(item.tokenLength));
     Consume(reader.position - text);
     if (item.kind == ItemKind::None)
     {

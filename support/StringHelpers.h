@@ -59,7 +59,7 @@ QUON_API bool IsNumericText(const wchar_t* text);
 /// @param delimiters each of its characters is a delimiter; null counts as empty.
 /// @param[out] token the token, empty when there is none. Its memory is used again, so one object for all tokens of a
 ///             text is the fast way.
-/// @return true when there was a token.
+/// @return true when there was a token. When memory runs out the cursor stays where it was.
 QUON_API bool GetNextToken(const wchar_t** cursor, const wchar_t* delimiters, CString& token);
 
 /// Cuts the first element off a list.
@@ -78,7 +78,7 @@ QUON_API CString TakeSpaceToken(CString& rest);
 
 /// Splits a list at its commas. White space around elements is removed; empty elements are left out.
 /// @param text the list.
-/// @param out the elements are appended to what it holds.
+/// @param out the elements are appended to what it holds; when memory runs out, those before the one that failed.
 /// @return true, always.
 QUON_API bool SplitCommaList(CString text, CStringArray& out);
 

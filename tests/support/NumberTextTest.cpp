@@ -154,10 +154,19 @@ TEST(ParseDouble, ReadsWhatTheRunTimeOfTheLibraryReads)
     {
         const LocaleForTest locale(name);
         ASSERT_TRUE(locale.IsSet()) << name;
-        for (const wchar_t* const text :
-             {L"0x1p3", L"0x10", L"0x", L"inf", L"-inf", L"infinity", L"nan", L"-nan", L"nan(1)", L"1d5", L"1D5",
-              L"12\u2075", L"\u221e", L"\uff11\uff12", L"\u0663", L"\u00a05", L"\u30005", L"1,5", L"1.5", L"1'000",
-              L"-0", L"1e-400", L"4.9e-324", L"0e9999999999", L"1e2147483648", L"9007199254740993"})
+        for (const wchar_t* const text : {L"0x1p3",        L"0x10",
+                                          L"0x",           L"inf",
+                                          L"-inf",         L"infinity",
+                                          L"nan",          L"-nan",
+                                          L"nan(1)",       L"1d5",
+                                          L"1D5",          L"12\u2075",
+                                          L"\u221e",       L"\uff11\uff12",
+                                          L"\u0663",       L"\u00a05",
+                                          L"\u30005",      L"1,5",
+                                          L"1.5",          L"1'000",
+                                          L"-0",           L"1e-400",
+                                          L"4.9e-324",     L"0e9999999999",
+                                          L"1e2147483648", L"9007199254740993"})
         {
             SCOPED_TRACE(testing::Message() << name << ": " << testing::PrintToString(text));
             wchar_t* end = nullptr;
