@@ -3,8 +3,8 @@
 #include "host/Console.h"
 #include "host/Report.h"
 #include "support/NaturalCompare.h"
+#include "support/QuonMergeSort.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -65,9 +65,8 @@ void PrintSorted(const SortOptions& options)
 {
     std::vector<std::wstring> lines = ReadLines(options.file);
     const auto compare = options.ignoreCase ? &CompareNaturalNoCase : &CompareNatural;
-    // Linguistic collation and the digits of other scripts can make natural order no strict order; a merge sort stays
-    // within its bounds even then.
-    std::stable_sort(lines.begin(), lines.end(), [compare](const std::wstring& a, const std::wstring& b) {
+    // Natural comparison is not a strict order, which the standard library's sorts require.
+    QuonMergeSort(lines.begin(), lines.end(), [compare](const std::wstring& a, const std::wstring& b) {
         return compare(a.c_str(), b.c_str()) < 0;
     });
     if (options.json)

@@ -1,5 +1,6 @@
 #include "paths/PathStringInternal.h"
 
+#include "base/LengthInternal.h"
 #include "base/MemoryInternal.h"
 #include "paths/PathTextInternal.h"
 
@@ -12,16 +13,12 @@ namespace QuonPathText
 namespace
 {
 
-constexpr int ToInt(std::size_t length)
-{
-    return static_cast<int>(length);
-}
-
 /// Room for a text that is gone at the end of the scope: on the stack for the paths of every day.
 class Scratch
 {
 public:
-    explicit Scratch(std::size_t length) : m_data(length <= kLocalLength ? m_local : m_string.GetBuffer(ToInt(length)))
+    explicit Scratch(std::size_t length)
+        : m_data(length <= kLocalLength ? m_local : m_string.GetBuffer(ToStringLength(length)))
     {
     }
     Scratch(const Scratch&) = delete;
@@ -51,12 +48,12 @@ std::wstring_view View(const wchar_t* text)
 
 CString MakeString(std::wstring_view text)
 {
-    return CString(text.data(), ToInt(text.size()));
+    return CString(text.data(), ToStringLength(text.size()));
 }
 
 void SetText(CString& target, std::wstring_view text)
 {
-    target.SetString(text.data(), ToInt(text.size()));
+    target.SetString(text.data(), ToStringLength(text.size()));
 }
 
 void NormalizeString(CString& text, wchar_t separator)
@@ -68,8 +65,8 @@ void NormalizeString(CString& text, wchar_t separator)
     const auto length = static_cast<std::size_t>(text.GetLength());
     // A path that cannot be rewritten for lack of memory still names the same file: it is left as it is.
     RunsInMemory([&] {
-        wchar_t* const buffer = text.GetBuffer(ToInt(length + 1));
-        text.ReleaseBuffer(ToInt(Normalize({buffer, length}, separator, buffer)));
+        wchar_t* const buffer = text.GetBuffer(ToStringLength(length + 1));
+        text.ReleaseBuffer(ToStringLength(Normalize({buffer, length}, separator, buffer)));
     });
 }
 
@@ -82,7 +79,7 @@ void JoinString(CString& text, wchar_t separator, std::wstring_view other)
     const auto oldLength = static_cast<std::size_t>(text.GetLength());
     const bool isNormal = IsNormal(View(text), separator);
     // Both normal forms may be longer than their texts by one character, and one separator comes between them.
-    wchar_t* const buffer = text.GetBuffer(ToInt(oldLength + 2 + tail.size()));
+    wchar_t* const buffer = text.GetBuffer(ToStringLength(oldLength + 2 + tail.size()));
     std::size_t length = isNormal ? oldLength : Normalize({buffer, oldLength}, separator, buffer);
     if (length > 0 && !tail.empty())
     {
@@ -94,7 +91,7 @@ void JoinString(CString& text, wchar_t separator, std::wstring_view other)
         tail.remove_prefix(static_cast<std::size_t>(skipped));
     }
     tail.copy(buffer + length, tail.size());
-    text.ReleaseBuffer(ToInt(length + tail.size()));
+    text.ReleaseBuffer(ToStringLength(length + tail.size()));
 }
 
 }  // namespace QuonPathText

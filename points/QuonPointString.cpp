@@ -1,5 +1,6 @@
 #include "points/QuonPointString.h"
 
+#include "base/LengthInternal.h"
 #include "points/PointFormatInternal.h"
 #include "points/PointSetInternal.h"
 #include "points/PointTextInternal.h"
@@ -72,7 +73,7 @@ void Walk::ParseOtherItem()
         return;
     }
     const PointItem item = reader.Next();
-    string.m_token.SetString(item.token, static_cast<int>(item.tokenLength));
+    string.m_token.SetString(item.token, ToStringLength(item.tokenLength));
     Consume(reader.position - text);
     if (item.kind == ItemKind::None)
     {

@@ -1,6 +1,6 @@
 #include "support/Angles.h"
 
-#include <cmath>
+#include "base/RuntimeInternal.h"
 
 // The order of the operations is part of what the functions promise: results are equal to the last bit wherever doubles
 // are IEEE. No expression here may be simplified or get a precomputed factor.
@@ -31,8 +31,8 @@ double DmsToDegrees(double dms)
 {
     double degrees = 0;
     double minutes = 0;
-    const double fraction = std::modf(dms, &degrees);
-    const double seconds = std::modf(fraction * 100, &minutes) * 100;
+    const double fraction = RuntimeModf(dms, &degrees);
+    const double seconds = RuntimeModf(fraction * 100, &minutes) * 100;
     return degrees + (minutes + seconds / 60) / 60;
 }
 
@@ -45,8 +45,8 @@ double DegreesToDms(double degrees)
 {
     double wholeDegrees = 0;
     double minutes = 0;
-    const double fraction = std::modf(degrees, &wholeDegrees);
-    const double fractionOfMinute = std::modf(fraction * 60, &minutes);
+    const double fraction = RuntimeModf(degrees, &wholeDegrees);
+    const double fractionOfMinute = RuntimeModf(fraction * 60, &minutes);
     // The fraction of a minute stands where D.MMSS has seconds, on purpose: callers may rely on it.
     return minutes / 100 + wholeDegrees + fractionOfMinute / 10000;
 }

@@ -1,6 +1,8 @@
 // The helpers of StringHelpers.h that ask the system for texts.
 #include "support/StringHelpers.h"
 
+#include "base/LengthInternal.h"
+
 #include <comdef.h>
 
 #include <memory>
@@ -27,7 +29,7 @@ CString GetSystemErrorText(DWORD code)
         ::FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_FROM_SYSTEM,
                          nullptr, code, 0, reinterpret_cast<LPWSTR>(&buffer), 0, nullptr);
     const std::unique_ptr<wchar_t, LocalMemory> text(buffer);
-    return length != 0 ? CString(text.get(), static_cast<int>(length)) : CString();
+    return length != 0 ? CString(text.get(), ToStringLength(length)) : CString();
 }
 
 CString GetComErrorText(const _com_error& error)
@@ -35,7 +37,7 @@ CString GetComErrorText(const _com_error& error)
     const _bstr_t description = error.Description();
     if (description.length() != 0)
     {
-        return CString(static_cast<const wchar_t*>(description), static_cast<int>(description.length()));
+        return CString(static_cast<const wchar_t*>(description), ToStringLength(description.length()));
     }
     return GetSystemErrorText(static_cast<DWORD>(error.Error()));
 }

@@ -16,7 +16,11 @@
 /// - Numbers have 32 bits; what is larger counts as 2147483647. Leading zeros do not count, so "a01" equals "a1".
 /// - A text that ends behind a number comes before one that goes on.
 ///
-/// This is an order only among names of one shape: "x1y" and "xy1" are compared by plain collation.
+/// This is an order only among names of one shape: "x1y" and "xy1" are compared by plain collation. Between shapes the
+/// answers can contradict one another: where collation ignores hyphens at first, as in the locale of the United States,
+/// "a-9" comes before "a-10", "a-10" before "a9" and "a9" before "a-9". So it must not be handed to std::sort, std::map
+/// or another user of a strict order; QuonMergeSort (support/QuonMergeSort.h) takes it.
+///
 /// Allocates nothing. A null pointer counts as an empty text. Any thread.
 /// @return negative when @p a comes first, 0 when the two rank equal, positive when @p b comes first. Where numbers
 ///         decide, the value is their difference, not a sign; where collation decides, it is what `wcscoll` or

@@ -1,5 +1,7 @@
 #include "support/StringHelpers.h"
 
+#include "base/RuntimeInternal.h"
+
 #include <cmath>
 #include <cwchar>
 #include <cwctype>
@@ -74,7 +76,7 @@ CString FormatDouble(double value, int decimals)
 bool ParseDouble(const CString& text, double* value)
 {
     wchar_t* end = nullptr;
-    const double parsed = std::wcstod(text, &end);
+    const double parsed = RuntimeWcstod(text, &end);
     if (value != nullptr)
     {
         *value = parsed;

@@ -32,13 +32,16 @@ QUON_API CString CapitalizeWords(const CString& text);
 /// @return the number as "%.*f" writes it.
 QUON_API CString FormatDouble(double value, int decimals);
 
-/// Reads a number as `wcstod` does: white space, sign, decimal or hexadecimal number, "inf" or "nan", with the decimal
-/// point of the C locale in force.
+/// Reads a number as the C run-time's `wcstod` does: white space, sign, digits with the decimal point of the C locale
+/// in force, exponent. The result is the nearest double as far as the run-time rounds correctly.
+///
+/// The run-time that the library is linked to also decides about the rare forms: "inf", "nan" and hexadecimal numbers
+/// are numbers for the Universal C Runtime and not for msvcrt.dll; both take "1d5" as "1e5".
 /// @param text the text; empty reads as 0.
 /// @param[out] value written in every case, also with what could be read of a bad text (0 when nothing could). May be
 ///             null.
-/// @return true when the whole text was read and the value is not positive infinity. So "1e999" and "inf" fail while
-///         "-1e999", "nan" and the empty text succeed.
+/// @return true when the whole text was read and the value is not positive infinity. So "1e999" fails while "-1e999"
+///         and the empty text succeed.
 QUON_API bool ParseDouble(const CString& text, double* value);
 
 /// @return true when the text is not empty and holds nothing but "0" and "." ("0.000", "00", but also ".").
@@ -56,7 +59,7 @@ QUON_API bool IsNumericText(const wchar_t* text);
 /// @param delimiters each of its characters is a delimiter; null counts as empty.
 /// @param[out] token the token, empty when there is none. Its memory is used again, so one object for all tokens of a
 ///             text is the fast way.
-/// @return true when there was a token.
+/// @return true when there was a token. When memory runs out the cursor stays where it was.
 QUON_API bool GetNextToken(const wchar_t** cursor, const wchar_t* delimiters, CString& token);
 
 /// Cuts the first element off a list.
@@ -75,7 +78,7 @@ QUON_API CString TakeSpaceToken(CString& rest);
 
 /// Splits a list at its commas. White space around elements is removed; empty elements are left out.
 /// @param text the list.
-/// @param out the elements are appended to what it holds.
+/// @param out the elements are appended to what it holds; when memory runs out, those before the one that failed.
 /// @return true, always.
 QUON_API bool SplitCommaList(CString text, CStringArray& out);
 

@@ -1,6 +1,8 @@
 // The helpers of StringHelpers.h that take texts apart and put them together.
 #include "support/StringHelpers.h"
 
+#include "base/LengthInternal.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cwchar>
@@ -40,19 +42,37 @@ private:
 };
 
 // Puts characters into a string whose memory is kept when they fit.
-void Store(CString& target, const wchar_t* text, std::size_t length)
+void Store(CString& target, const wchar_t* text, int length)
 {
     if (length == 0)
     {
         target.Empty();
         return;
     }
-    target.SetString(text, static_cast<int>(length));
+    target.SetString(text, length);
 }
+
+// Cuts an array to the elements that were filled in, also when memory runs out before the last of them.
+class FilledElements
+{
+public:
+    explicit FilledElements(CStringArray& array) : m_array(array), m_count(array.GetSize()) {}
+    ~FilledElements() { m_array.SetSize(m_count); }
+    FilledElements(const FilledElements&) = delete;
+    FilledElements& operator=(const FilledElements&) = delete;
+
+    void Add(CString&& element) { m_array.ElementAt(m_count++) = std::move(element); }
+    // Makes room for `count` further elements at once.
+    void MakeRoom(INT_PTR count) { m_array.SetSize(m_count + count); }
+
+private:
+    CStringArray& m_array;
+    INT_PTR m_count;
+};
 
 CString ToCString(const std::wstring& text)
 {
-    return CString(text.data(), static_cast<int>(text.size()));
+    return CString(text.data(), ToStringLength(text.size()));
 }
 
 }  // namespace
@@ -75,8 +95,9 @@ bool GetNextToken(const wchar_t** cursor, const wchar_t* delimiters, CString& to
     {
         ++end;
     }
+    // The cursor moves last: without memory for the token, the caller can ask for it again.
+    Store(token, start, ToStringLength(start, end));
     *cursor = *end != L'\0' ? end + 1 : end;
-    Store(token, start, static_cast<std::size_t>(end - start));
     return end != start;
 }
 
@@ -115,21 +136,20 @@ bool SplitCommaList(CString text, CStringArray& out)
     {
         return true;
     }
-    INT_PTR count = out.GetSize();
-    out.SetSize(count + 1 + std::count(rest, end, L','));
+    FilledElements elements(out);
+    elements.MakeRoom(1 + std::count(rest, end, L','));
     while (rest != end)
     {
         const wchar_t* const comma = std::wcschr(rest, L',');
         const wchar_t* const headEnd = comma != nullptr ? comma : end;
-        CString head(rest, static_cast<int>(headEnd - rest));
+        CString head(rest, ToStringLength(rest, headEnd));
         head.Trim();
         if (!head.IsEmpty())
         {
-            out.ElementAt(count++) = std::move(head);
+            elements.Add(std::move(head));
         }
         rest = comma != nullptr ? comma + 1 : end;
     }
-    out.SetSize(count);
     return true;
 }
 

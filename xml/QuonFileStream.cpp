@@ -57,8 +57,9 @@ bool QuonFileStream::OpenForWrite(const wchar_t* name)
         return false;
     }
     char ansi[kMaxNameBytes + 1];
-    const int length = ::WideCharToMultiByte(CP_ACP, 0, name, static_cast<int>(std::wcslen(name)), ansi, kMaxNameBytes,
-                                             nullptr, nullptr);
+    // Two characters at most make one byte: a longer name does not fit, and its length need not fit an int.
+    const int wideLength = static_cast<int>(::wcsnlen(name, 2 * kMaxNameBytes + 1));
+    const int length = ::WideCharToMultiByte(CP_ACP, 0, name, wideLength, ansi, kMaxNameBytes, nullptr, nullptr);
     if (length == 0)
     {
         return false;

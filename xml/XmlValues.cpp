@@ -1,8 +1,7 @@
 #include "xml/XmlValues.h"
 
+#include "base/RuntimeInternal.h"
 #include "xml/XmlInternal.h"
-
-#include <cwchar>
 
 namespace
 {
@@ -110,7 +109,7 @@ __int64 GetXmlInt64(const IXMLDOMNodePtr& node, const CString& query)
     {
         const CString text = GetXmlString(node, query);
         __int64 value = 0;
-        return ::swscanf(text.GetString(), L"%I64d", &value) == 1 ? value : 0;
+        return RuntimeSwscanf(text.GetString(), L"%I64d", &value) == 1 ? value : 0;
     }
     const _variant_t value = ReadValue(node, query, VT_I8);
     return value.vt == VT_I8 ? value.llVal : 0;

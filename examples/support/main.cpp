@@ -1,11 +1,11 @@
 // Names in natural order, numbers from text, angles as surveyors write them, elements from a pool, a log with times.
 #include "support/Angles.h"
 
+#include "support/QuonMergeSort.h"
 #include "support/QuonPoolAllocator.h"
 #include "support/QuonTimer.h"
 #include "support/StringHelpers.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -21,7 +21,9 @@ struct Vertex
 void SortNames()
 {
     std::vector<CString> names = {L"sheet 10", L"sheet 2", L"sheet 1"};
-    std::sort(names.begin(), names.end(), [](const CString& a, const CString& b) { return CompareNatural(a, b) < 0; });
+    // Not std::sort: natural comparison can contradict itself between names of different shapes.
+    QuonMergeSort(names.begin(), names.end(),
+                  [](const CString& a, const CString& b) { return CompareNatural(a, b) < 0; });
     for (const CString& name : names)
     {
         std::printf("%ls; ", name.GetString());

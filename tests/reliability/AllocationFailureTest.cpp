@@ -167,6 +167,8 @@ TEST(AllocationFailure, StringHelpers)
         [] {
             CapitalizeWords(ToUpperCopy(ToLowerCopy(L"some text 12 with words")));
             FormatDouble(1e100, 20);
+            double number = 0;
+            ParseDouble(L"12345.6789", &number);
             CStringArray elements;
             SplitCommaList(L"a, b,,c ,d", elements);
             CString caption(L"  Name ");

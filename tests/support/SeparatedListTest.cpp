@@ -6,11 +6,13 @@
 
 #include "support/RandomText.h"
 #include "support/Wide.h"
+#include "helpers/FailingAllocation.h"
 #include "helpers/Thorough.h"
 
 namespace
 {
 
+using quon_test::FailingAllocation;
 using quon_test::RandomText;
 using quon_test::ToCString;
 using quon_test::Wide;
@@ -62,6 +64,34 @@ TEST(SplitCommaList, AppendsToWhatTheListHolds)
     EXPECT_TRUE(SplitCommaList(text, list));
     EXPECT_EQ(Elements(list), (Texts{L"first", L"a", L"b"}));
     EXPECT_EQ(text, L"a,b");
+}
+
+TEST(SplitCommaList, HoldsTheElementsBeforeTheOneThatMemoryRanOutFor)
+{
+    bool failed = true;
+    for (int successes = 0; failed; ++successes)
+    {
+        SCOPED_TRACE(successes);
+        CStringArray list;
+        list.Add(L"old");
+        {
+            const FailingAllocation failure(successes);
+            try
+            {
+                SplitCommaList(L"a,b ,,c", list);
+            }
+            catch (CMemoryException* exception)
+            {
+                exception->Delete();
+            }
+            failed = failure.Failed();
+        }
+        const Texts all = {L"old", L"a", L"b", L"c"};
+        Texts elements = Elements(list);
+        ASSERT_LE(elements.size(), all.size());
+        EXPECT_EQ(elements, Texts(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(elements.size())));
+        EXPECT_TRUE(failed || elements.size() == all.size());
+    }
 }
 
 TEST(SplitCommaList, EqualsALoopOverTakeCommaToken)

@@ -7,15 +7,34 @@
 
 #include "support/RandomText.h"
 #include "support/Wide.h"
+#include "helpers/FailingAllocation.h"
+#include "helpers/HugeText.h"
 #include "helpers/Thorough.h"
 
 namespace
 {
 
+using quon_test::FailingAllocation;
+using quon_test::HugeText;
 using quon_test::RandomText;
 using quon_test::ToCString;
 using quon_test::Wide;
 using Texts = std::vector<std::wstring>;
+
+template <typename Work>
+bool RunsOutOfMemory(const Work& work)
+{
+    try
+    {
+        work();
+    }
+    catch (CMemoryException* exception)
+    {
+        exception->Delete();
+        return true;
+    }
+    return false;
+}
 
 Texts AllTokens(const wchar_t* text, const wchar_t* delimiters)
 {
@@ -74,6 +93,37 @@ TEST(GetNextToken, LeavesTheCursorBehindOneDelimiter)
     EXPECT_FALSE(GetNextToken(&cursor, L",", token));
     EXPECT_TRUE(token.IsEmpty());
     EXPECT_EQ(cursor - text, 7);
+}
+
+// A token that the string has no room for is asked for again.
+TEST(GetNextToken, LeavesTheCursorWhenMemoryRunsOut)
+{
+    const std::wstring text = L"," + std::wstring(5000, L'a') + L",b";
+    const wchar_t* cursor = text.c_str();
+    CString token;
+    {
+        const FailingAllocation failure(0);
+        EXPECT_TRUE(RunsOutOfMemory([&] { GetNextToken(&cursor, L",", token); }));
+    }
+    EXPECT_EQ(cursor, text.c_str());
+    EXPECT_TRUE(GetNextToken(&cursor, L",", token));
+    EXPECT_EQ(token.GetLength(), 5000);
+    EXPECT_TRUE(GetNextToken(&cursor, L",", token));
+    EXPECT_EQ(token, L"b");
+}
+
+// Cut to 32 bits its length would be 1,024.
+TEST(GetNextToken, RefusesATokenLongerThanAString)
+{
+    if (quon_test::Cases(0) == 0)
+    {
+        GTEST_SKIP() << "eight gigabytes are read in a thorough run only";
+    }
+    const HugeText text((std::size_t{1} << 32) + 1024);
+    const wchar_t* cursor = text.Get();
+    CString token;
+    EXPECT_TRUE(RunsOutOfMemory([&] { GetNextToken(&cursor, L",", token); }));
+    EXPECT_EQ(cursor, text.Get());
 }
 
 TEST(GetNextToken, WithoutATextGivesNoToken)

@@ -7,6 +7,7 @@
 #include <string>
 #include <type_traits>
 
+#include "helpers/HugeText.h"
 #include "helpers/ImportPatch.h"
 #include "helpers/TemporaryFolder.h"
 
@@ -182,6 +183,11 @@ TEST(QuonFileStream, RefusesNamesThatDoNotFit)
         EXPECT_FALSE(stream->m_bRead) << "in write mode all the same";
         EXPECT_EQ(stream->m_hFile, row.opens != 0 ? INVALID_HANDLE_VALUE : nullptr);
     }
+    // Cut to 32 bits, the length of this name would be 5.
+    const quon_test::HugeText huge((std::size_t{1} << 32) + 5);
+    opened = 0;
+    EXPECT_FALSE(Stream()->OpenForWrite(huge.Get()));
+    EXPECT_EQ(opened, 0);
 }
 
 TEST(QuonFileStream, CreatesNothingForANameOf120Characters)

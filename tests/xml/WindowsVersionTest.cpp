@@ -72,6 +72,18 @@ TEST(IsWindowsXPOrLaterDeathTest, IsFalseWhenTheSystemDoesNotSay)
     EXPECT_EXIT(::_exit(AskInVain()), ::testing::ExitedWithCode(0), "");
 }
 
+// Beyond 64 bits run-times differ: some saturate, some wrap.
+constexpr wchar_t kBeyondInt64[] = L"99999999999999999999";
+
+std::int64_t ReadByTheRunTime(const wchar_t* text)
+{
+    using Scan = int(__cdecl*)(const wchar_t*, const wchar_t*, ...);
+    const auto scan =
+        reinterpret_cast<Scan>(reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"msvcrt.dll"), "swscanf")));
+    std::int64_t value = 0;
+    return scan(text, L"%I64d", &value) == 1 ? value : 0;
+}
+
 // 0 when 64-bit values go through text in a process whose system is older than XP.
 int CheckOldSystem()
 {
@@ -85,8 +97,9 @@ int CheckOldSystem()
         std::int64_t value;
     };
     int row = 1;
-    for (const Row& expected : {Row{L"9223372036854775807", 9223372036854775807}, Row{L"-5", -5}, Row{L" 12 m", 12},
-                                Row{L"2.5", 2}, Row{L"abc", 0}, Row{L"", 0}})
+    for (const Row& expected :
+         {Row{L"9223372036854775807", 9223372036854775807}, Row{L"-5", -5}, Row{L" 12 m", 12}, Row{L"2.5", 2},
+          Row{L"abc", 0}, Row{L"", 0}, Row{kBeyondInt64, ReadByTheRunTime(kBeyondInt64)}})
     {
         const MSXML2::IXMLDOMDocumentPtr document =
             Parse((std::wstring(L"<r><v>") + expected.text + L"</v></r>").c_str());
