@@ -109,7 +109,7 @@ TEST_F(QuonXmlTest, LoadFromStreamWaitsAndLooksAtTheError)
 {
     QuonXml xml(L"", false, false, false);
     StreamedDocument document;
-    const IXMLDOMDocumentPtr pointer(&document);
+    const MSXML2::IXMLDOMDocumentPtr pointer(&document);
     EXPECT_EQ(xml.LoadFromStream(pointer, nullptr), 0) << "no stream interface";
     EXPECT_EQ(document.plan.Count("get_readyState"), 0);
 
@@ -165,12 +165,13 @@ TEST_F(QuonXmlTest, MemoryGivesTheSameDocumentBack)
 {
     QuonXml xml(L"", false, false, false);
     // With a declaration: some parsers do not recognise the encoding of their own stream without one.
-    const IXMLDOMDocumentPtr document = Parse(L"<?xml version='1.0'?><a k='v'><b>t\x00E4\x4E2D</b><!--c--></a>");
+    const MSXML2::IXMLDOMDocumentPtr document =
+        Parse(L"<?xml version='1.0'?><a k='v'><b>t\x00E4\x4E2D</b><!--c--></a>");
     unsigned char* buffer = nullptr;
     unsigned long size = 0;
     ASSERT_EQ(xml.SaveToMemory(document, buffer, size), 0);
     ASSERT_GT(size, 0u);
-    const IXMLDOMDocumentPtr second = EmptyDocument();
+    const MSXML2::IXMLDOMDocumentPtr second = EmptyDocument();
     EXPECT_EQ(xml.LoadFromMemory(second, buffer, size), 0);
     EXPECT_EQ(Xml(second), Xml(document));
     delete[] buffer;
@@ -182,7 +183,7 @@ TEST_F(QuonXmlTest, MemoryHoldsTheBytesOfTheStream)
     StreamedDocument document;
     FakePersist persist;
     document.persist = &persist;
-    const IXMLDOMDocumentPtr pointer(&document);
+    const MSXML2::IXMLDOMDocumentPtr pointer(&document);
     for (const size_t length : {size_t{0}, size_t{1}, size_t{5}, size_t{100000}})
     {
         SCOPED_TRACE(length);
@@ -243,14 +244,14 @@ TEST_F(QuonXmlTest, MemoryStepsThatFailGiveTheirResults)
     QuonXml xml(L"", false, false, false);
     StreamedDocument document;
     FakePersist persist;
-    const IXMLDOMDocumentPtr pointer(&document);
+    const MSXML2::IXMLDOMDocumentPtr pointer(&document);
     const unsigned char bytes[] = {1, 2, 3};
     unsigned char* buffer = nullptr;
     unsigned long size = 77;
     EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), E_NOINTERFACE);
     EXPECT_EQ(xml.LoadFromMemory(pointer, bytes, 3), E_NOINTERFACE);
-    EXPECT_EQ(ErrorOf([&] { xml.SaveToMemory(IXMLDOMDocumentPtr(), buffer, size); }), E_POINTER);
-    EXPECT_EQ(ErrorOf([&] { xml.LoadFromMemory(IXMLDOMDocumentPtr(), bytes, 3); }), E_POINTER);
+    EXPECT_EQ(ErrorOf([&] { xml.SaveToMemory(MSXML2::IXMLDOMDocumentPtr(), buffer, size); }), E_POINTER);
+    EXPECT_EQ(ErrorOf([&] { xml.LoadFromMemory(MSXML2::IXMLDOMDocumentPtr(), bytes, 3); }), E_POINTER);
     document.persist = &persist;
     persist.saveResult = E_ABORT;
     EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), E_ABORT);
@@ -312,7 +313,7 @@ TEST_F(QuonXmlTest, StreamOperationsThatFailGiveTheirResults)
     StreamedDocument document;
     FakePersist persist;
     document.persist = &persist;
-    const IXMLDOMDocumentPtr pointer(&document);
+    const MSXML2::IXMLDOMDocumentPtr pointer(&document);
     FailingStream stream;
     g_stream = &stream;
     const ImportPatch<decltype(&::CreateStreamOnHGlobal)> patch(kLibrary, "CreateStreamOnHGlobal",
@@ -350,7 +351,7 @@ TEST_F(QuonXmlTest, ABufferThatCannotBeMadeIsOutOfMemory)
         kLibrary, "malloc", [](size_t size) -> void* { return size == kHugeBuffer ? nullptr : std::malloc(size); });
     unsigned char* buffer = nullptr;
     unsigned long size = 0;
-    EXPECT_EQ(xml.SaveToMemory(IXMLDOMDocumentPtr(&document), buffer, size), E_OUTOFMEMORY);
+    EXPECT_EQ(xml.SaveToMemory(MSXML2::IXMLDOMDocumentPtr(&document), buffer, size), E_OUTOFMEMORY);
     EXPECT_EQ(size, kHugeBuffer) << "the size is known by then";
     EXPECT_EQ(buffer, nullptr);
 }
