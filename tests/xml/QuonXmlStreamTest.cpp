@@ -152,6 +152,7 @@ TEST_F(QuonXmlTest, LoadFromUrlResolvesAndFails)
     EXPECT_EQ(xml.LoadFromUrl(std::wstring(400, L'x').c_str()), E_FAIL);
     EXPECT_EQ(xml.LoadFromUrl(L"http"), E_FAIL);
     EXPECT_EQ(xml.LoadFromUrl(L"https://host/file.xml"), E_FAIL);
+    EXPECT_EQ(xml.LoadFromUrl(nullptr), E_FAIL);
     ASSERT_EQ(g_resolved.size(), 5u);
     EXPECT_EQ(g_resolved[0], std::make_pair(std::wstring(L"C:\\file.xml"), DWORD{260}));
     EXPECT_EQ(xml.Load(), E_FAIL) << "a stream, but not over a file";
@@ -239,6 +240,8 @@ TEST_F(QuonXmlTest, TheMemoryOfTheStreamIsUnlockedAgain)
     delete[] buffer;
 }
 
+DWORD g_lockError = ERROR_SUCCESS;
+
 TEST_F(QuonXmlTest, MemoryStepsThatFailGiveTheirResults)
 {
     QuonXml xml(L"", false, false, false);
@@ -265,8 +268,17 @@ TEST_F(QuonXmlTest, MemoryStepsThatFailGiveTheirResults)
             kLibrary, "GetHGlobalFromStream", [](IStream*, HGLOBAL*) WINAPI -> HRESULT { return E_HANDLE; });
         persist.toSave = "x";
         EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), E_HANDLE);
-        delete[] buffer;
-        buffer = nullptr;
+        EXPECT_EQ(buffer, nullptr) << "a copy that failed is freed";
+        EXPECT_EQ(size, 1u) << "the size is known by then";
+    }
+    for (const DWORD code : {DWORD{ERROR_INVALID_HANDLE}, DWORD{ERROR_SUCCESS}})
+    {
+        SCOPED_TRACE(code);
+        g_lockError = code;
+        const ImportPatch<decltype(&::GlobalLock)> patch(
+            kLibrary, "GlobalLock", [](HGLOBAL) WINAPI -> LPVOID { return ::SetLastError(g_lockError), nullptr; });
+        EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), code == ERROR_SUCCESS ? E_FAIL : E_HANDLE);
+        EXPECT_EQ(buffer, nullptr);
     }
     const ImportPatch<decltype(&::CreateStreamOnHGlobal)> patch(
         kLibrary, "CreateStreamOnHGlobal", [](HGLOBAL memory, BOOL deletes, LPSTREAM*) WINAPI -> HRESULT {

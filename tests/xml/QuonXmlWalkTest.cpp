@@ -31,6 +31,7 @@ TEST_F(QuonXmlTest, WalksNodesThenAttributesThenChildren)
     EXPECT_TRUE(xml.WalkTree(&Visit, reinterpret_cast<__int64>(&visits)));
     EXPECT_EQ(visits.names, all);
     EXPECT_TRUE(xml.WalkTree(nullptr, 0));
+    EXPECT_TRUE(xml.WalkNode(xml.m_pDoc, 0, nullptr, 0));
 
     for (size_t stop = 1; stop <= 9; ++stop)
     {

@@ -381,6 +381,26 @@ TEST_F(XmlValues, OnlyASeparatorThatDiffersIsTouched)
     EXPECT_TRUE(changes.empty()) << "the setter makes no switch";
 }
 
+// Changing one separator can change what another reads as: both are read as the user has them.
+TEST_F(XmlValues, BothSeparatorsAreReadBeforeEitherIsSwitched)
+{
+    static std::wstring calls;
+    calls.clear();
+    SetSeparators(L",", L".");
+    const ImportPatch<decltype(&::GetLocaleInfoW)> reading(
+        kLibrary, "GetLocaleInfoW", [](LCID locale, LCTYPE type, LPWSTR text, int size) WINAPI -> int {
+            calls += type == LOCALE_SDECIMAL ? L"read decimal, " : L"read thousands, ";
+            return ::GetLocaleInfoW(locale, type, text, size);
+        });
+    const ImportPatch<decltype(&::SetLocaleInfoW)> writing(
+        kLibrary, "SetLocaleInfoW", [](LCID locale, LCTYPE type, LPCWSTR text) WINAPI -> BOOL {
+            calls += type == LOCALE_SDECIMAL ? L"set decimal, " : L"set thousands, ";
+            return ::SetLocaleInfoW(locale, type, text);
+        });
+    EXPECT_EQ(GetXmlDouble(RootWith(L"2.5"), L"v"), 2.5);
+    EXPECT_EQ(calls, L"read decimal, read thousands, set decimal, set thousands, set decimal, set thousands, ");
+}
+
 TEST_F(XmlValues, ASeparatorThatCannotBeReadIsLeftAlone)
 {
     SetSeparators(L",", L".");
