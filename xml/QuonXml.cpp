@@ -54,7 +54,8 @@ HRESULT CopyStreamMemory(IStream* stream, unsigned char* buffer, size_t size)
     const void* const bytes = ::GlobalLock(memory);
     if (bytes == nullptr)
     {
-        return HRESULT_FROM_WIN32(::GetLastError());
+        const HRESULT failure = HRESULT_FROM_WIN32(::GetLastError());
+        return FAILED(failure) ? failure : E_FAIL;
     }
     std::memcpy(buffer, bytes, size);
     ::GlobalUnlock(memory);
