@@ -122,6 +122,17 @@ TEST_F(XmlNodesFind, StartsAtTheFirstNodeOfAListThatWasUsedBefore)
     ReleaseNodeArray(&collected);
 }
 
+// Callers who read the list themselves lose their place.
+TEST_F(XmlNodesFind, LeavesTheCursorOfTheListWhereTheSearchEnded)
+{
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<a><b id='1'/><b id='2'/><b id='3'/></a>");
+    const MSXML2::IXMLDOMNodeListPtr nodes = ChildrenOf(document, L"a");
+    FindFirstNodeByName(nodes, L"b", true);
+    EXPECT_EQ(Attribute(nodes->nextNode(), L"id"), L"2");
+    EXPECT_EQ(Ids(FindNodesByName(nodes, L"b", true)), L"123");
+    EXPECT_FALSE(nodes->nextNode());
+}
+
 TEST_F(XmlNodesFind, FindsAllNodesByNameOuterFirst)
 {
     const MSXML2::IXMLDOMDocumentPtr document = Parse(kTree);

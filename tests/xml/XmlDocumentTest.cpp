@@ -153,6 +153,20 @@ TEST_F(XmlDocumentTest, LoadsAFile)
     EXPECT_EQ(Xml(document), L"<a>t</a>");
 }
 
+// Whether the load waits is the caller's choice, made before.
+TEST_F(XmlDocumentTest, LoadingLeavesTheDocumentsWayOfLoadingAlone)
+{
+    m_folder.WriteFile(L"in.xml", "<a/>");
+    for (const VARIANT_BOOL async : {VARIANT_TRUE, VARIANT_FALSE})
+    {
+        m_pointer->Putasync(async);
+        const int puts = m_document.plan.Count("put_async");
+        EXPECT_TRUE(LoadXmlFile(Path(L"in.xml"), m_pointer));
+        EXPECT_EQ(m_document.plan.Count("put_async"), puts);
+        EXPECT_EQ(m_pointer->Getasync(), async);
+    }
+}
+
 TEST_F(XmlDocumentTest, LoadFailuresHaveTheirTexts)
 {
     m_folder.WriteFile(L"bad.xml", "<a>");
