@@ -231,10 +231,10 @@ void AddCreate(int size)
     const auto target = std::make_shared<Target>();
     target->Prepare();
     CreateElements(*target, size);
-    const long made = MSXML2::GetLength(MSXML2::GetChildNodes(target->root));
+    const long made = target->root->GetchildNodes()->Getlength();
     target->Prepare();
     CreateElementsBare(target->xml.m_pDoc, target->root, target->name, size);
-    Require(made == size && made == MSXML2::GetLength(MSXML2::GetChildNodes(target->root)), "created elements");
+    Require(made == size && made == target->root->GetchildNodes()->Getlength(), "created elements");
 
     AddPrepared(
         "create elements", size, "quon", [target] { target->Prepare(); },

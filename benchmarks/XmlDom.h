@@ -15,11 +15,11 @@
 namespace quon_benchmark
 {
 
-using DomNodes = std::vector<IXMLDOMNode*>;
+using DomNodes = std::vector<MSXML2::IXMLDOMNode*>;
 
 inline void ReleaseAll(DomNodes& nodes)
 {
-    for (IXMLDOMNode* const node : nodes)
+    for (MSXML2::IXMLDOMNode* const node : nodes)
     {
         node->Release();
     }
@@ -27,16 +27,16 @@ inline void ReleaseAll(DomNodes& nodes)
 }
 
 /// Appends a reference to each node of the list and below it that has the name.
-inline void CollectBare(IXMLDOMNodeList* list, const wchar_t* name, DomNodes& found)
+inline void CollectBare(MSXML2::IXMLDOMNodeList* list, const wchar_t* name, DomNodes& found)
 {
-    IXMLDOMNode* node = nullptr;
-    while (list->nextNode(&node) == S_OK)
+    MSXML2::IXMLDOMNode* node = nullptr;
+    while (list->raw_nextNode(&node) == S_OK)
     {
         BSTR nodeName = nullptr;
         node->get_nodeName(&nodeName);
         const bool matches = std::wcscmp(nodeName, name) == 0;
         ::SysFreeString(nodeName);
-        IXMLDOMNodeList* children = nullptr;
+        MSXML2::IXMLDOMNodeList* children = nullptr;
         node->get_childNodes(&children);
         if (matches)
         {
@@ -51,23 +51,23 @@ inline void CollectBare(IXMLDOMNodeList* list, const wchar_t* name, DomNodes& fo
     }
 }
 
-inline DomNodes FindByNameBare(IXMLDOMDocument* document, const wchar_t* name)
+inline DomNodes FindByNameBare(MSXML2::IXMLDOMDocument* document, const wchar_t* name)
 {
     DomNodes found;
-    IXMLDOMNodeList* children = nullptr;
+    MSXML2::IXMLDOMNodeList* children = nullptr;
     document->get_childNodes(&children);
     CollectBare(children, name, found);
     children->Release();
     return found;
 }
 
-inline DomNodes FindByTagName(IXMLDOMDocument* document, BSTR name)
+inline DomNodes FindByTagName(MSXML2::IXMLDOMDocument* document, BSTR name)
 {
     DomNodes found;
-    IXMLDOMNodeList* list = nullptr;
-    document->getElementsByTagName(name, &list);
-    IXMLDOMNode* node = nullptr;
-    while (list->nextNode(&node) == S_OK)
+    MSXML2::IXMLDOMNodeList* list = nullptr;
+    document->raw_getElementsByTagName(name, &list);
+    MSXML2::IXMLDOMNode* node = nullptr;
+    while (list->raw_nextNode(&node) == S_OK)
     {
         found.push_back(node);
     }
@@ -141,7 +141,7 @@ template <typename Texts>
 Texts GetTextsBare(const DomNodes& nodes)
 {
     Texts texts(nodes.size());
-    for (IXMLDOMNode* const node : nodes)
+    for (MSXML2::IXMLDOMNode* const node : nodes)
     {
         BSTR text = nullptr;
         node->get_text(&text);
@@ -154,12 +154,12 @@ template <typename Texts>
 Texts GetAttributesBare(const DomNodes& nodes, BSTR name)
 {
     Texts values(nodes.size());
-    for (IXMLDOMNode* const node : nodes)
+    for (MSXML2::IXMLDOMNode* const node : nodes)
     {
-        IXMLDOMNamedNodeMap* attributes = nullptr;
+        MSXML2::IXMLDOMNamedNodeMap* attributes = nullptr;
         node->get_attributes(&attributes);
-        IXMLDOMNode* attribute = nullptr;
-        attributes->getNamedItem(name, &attribute);
+        MSXML2::IXMLDOMNode* attribute = nullptr;
+        attributes->raw_getNamedItem(name, &attribute);
         VARIANT value;
         ::VariantInit(&value);
         attribute->get_nodeValue(&value);
@@ -175,39 +175,39 @@ template <typename Texts>
 Texts GetAttributesOfElements(const DomNodes& nodes, BSTR name)
 {
     Texts values(nodes.size());
-    for (IXMLDOMNode* const node : nodes)
+    for (MSXML2::IXMLDOMNode* const node : nodes)
     {
-        IXMLDOMElement* element = nullptr;
-        node->QueryInterface(__uuidof(IXMLDOMElement), reinterpret_cast<void**>(&element));
+        MSXML2::IXMLDOMElement* element = nullptr;
+        node->QueryInterface(__uuidof(MSXML2::IXMLDOMElement), reinterpret_cast<void**>(&element));
         VARIANT value;
         ::VariantInit(&value);
-        element->getAttribute(name, &value);
+        element->raw_getAttribute(name, &value);
         values.Take(value.bstrVal);
         element->Release();
     }
     return values;
 }
 
-inline void CreateElementsBare(IXMLDOMDocument* document, IXMLDOMNode* root, BSTR name, int count)
+inline void CreateElementsBare(MSXML2::IXMLDOMDocument* document, MSXML2::IXMLDOMNode* root, BSTR name, int count)
 {
     for (int index = 0; index < count; ++index)
     {
-        IXMLDOMElement* element = nullptr;
-        document->createElement(name, &element);
-        IXMLDOMNode* appended = nullptr;
-        root->appendChild(element, &appended);
+        MSXML2::IXMLDOMElement* element = nullptr;
+        document->raw_createElement(name, &element);
+        MSXML2::IXMLDOMNode* appended = nullptr;
+        root->raw_appendChild(element, &appended);
         appended->Release();
         element->Release();
     }
 }
 
 /// @return the parser's code of an error, 0 for a document that could be loaded
-inline long LoadBare(IXMLDOMDocument* document, const VARIANT& fileName)
+inline long LoadBare(MSXML2::IXMLDOMDocument* document, const VARIANT& fileName)
 {
     document->put_async(VARIANT_FALSE);
     VARIANT_BOOL loaded = VARIANT_FALSE;
-    document->load(fileName, &loaded);
-    IXMLDOMParseError* error = nullptr;
+    document->raw_load(fileName, &loaded);
+    MSXML2::IXMLDOMParseError* error = nullptr;
     document->get_parseError(&error);
     long code = 0;
     error->get_errorCode(&code);

@@ -1,17 +1,19 @@
 #include "xml/QuonXml.h"
 
+#include "base/MemoryInternal.h"
+#include "xml/DomTextInternal.h"
 #include "xml/QuonFileStream.h"
-#include "xml/XmlInternal.h"
 
 #include <cstring>
 #include <cwchar>
-#include <new>
+#include <memory>
+#include <vector>
 
 namespace
 {
 
-using namespace MSXML2;
-using xml_internal::NameOf;
+using xml_internal::Characters;
+using xml_internal::ToBstr;
 
 constexpr long kReadyStateComplete = 4;
 constexpr int kPathCharacters = 260;
@@ -20,13 +22,17 @@ constexpr int kPathCharacters = 260;
 _COM_SMARTPTR_TYPEDEF(IPersistStreamInit, __uuidof(IPersistStreamInit));
 _COM_SMARTPTR_TYPEDEF(IStream, __uuidof(IStream));
 
-HRESULT QueryPersist(IXMLDOMDocument* document, IPersistStreamInitPtr& persist)
+HRESULT QueryPersist(const MSXML2::IXMLDOMDocumentPtr& document, IPersistStreamInitPtr& persist)
 {
-    return NotNull(document)->QueryInterface(__uuidof(IPersistStreamInit), reinterpret_cast<void**>(&persist));
+    return document->QueryInterface(__uuidof(IPersistStreamInit), reinterpret_cast<void**>(&persist));
 }
 
 CString ResolveUrl(const wchar_t* name)
 {
+    if (name == nullptr)
+    {
+        return CString();
+    }
     if (std::wcsncmp(name, L"http:", 5) == 0)
     {
         return CString(name);
@@ -48,7 +54,8 @@ HRESULT CopyStreamMemory(IStream* stream, unsigned char* buffer, size_t size)
     const void* const bytes = ::GlobalLock(memory);
     if (bytes == nullptr)
     {
-        return HRESULT_FROM_WIN32(::GetLastError());
+        const HRESULT failure = HRESULT_FROM_WIN32(::GetLastError());
+        return FAILED(failure) ? failure : E_FAIL;
     }
     std::memcpy(buffer, bytes, size);
     ::GlobalUnlock(memory);
@@ -63,11 +70,28 @@ void DispatchOneMessage()
     ::DispatchMessageW(&message);
 }
 
-// The text in the ANSI code page, valid as long as `text`. A text that the parser does not have is empty.
+// Returns the text in the ANSI code page, valid as long as `text`. A text that the parser does not have is empty.
 const char* Narrow(const _bstr_t& text)
 {
     const char* const narrow = static_cast<const char*>(text);
     return narrow == nullptr ? "" : narrow;
+}
+
+// Calls the visitor for a node and then for its attributes. @return false when it stopped the walk
+bool VisitNode(MSXML2::IXMLDOMNodePtr& node, QuonXmlVisitor visitor, __int64 user)
+{
+    bool goOn = visitor(Characters(node->GetnodeName()), node, user);
+    const MSXML2::IXMLDOMNamedNodeMapPtr attributes = goOn ? node->Getattributes() : nullptr;
+    while (goOn && attributes)
+    {
+        MSXML2::IXMLDOMNodePtr attribute = attributes->nextNode();
+        if (!attribute)
+        {
+            break;
+        }
+        goOn = visitor(Characters(attribute->GetnodeName()), attribute, user);
+    }
+    return goOn;
 }
 
 }  // namespace
@@ -90,7 +114,7 @@ HRESULT QuonXml::CreateDocument()
     return m_pDoc.CreateInstance(MSXML2::CLSID_DOMDocument, nullptr, CLSCTX_ALL);
 }
 
-IXMLDOMDocumentPtr QuonXml::GetDocument() const
+MSXML2::IXMLDOMDocumentPtr QuonXml::GetDocument() const
 {
     return m_pDoc;
 }
@@ -115,7 +139,7 @@ HRESULT QuonXml::Load()
     {
         return S_OK;
     }
-    const _bstr_t name(m_strFileName.GetString());
+    const _bstr_t name = ToBstr(m_strFileName);
     if (m_bStream && m_bFileStream)
     {
         QuonFileStream* const file = new QuonFileStream;
@@ -138,17 +162,17 @@ HRESULT QuonXml::Save(const CString& fileName)
     return fileName.IsEmpty() ? S_OK : SaveDocument(m_pDoc, fileName);
 }
 
-HRESULT QuonXml::LoadSync(const IXMLDOMDocumentPtr& document, const wchar_t* fileName)
+HRESULT QuonXml::LoadSync(const MSXML2::IXMLDOMDocumentPtr& document, const wchar_t* fileName)
 {
-    MSXML2::PutAsync(document, VARIANT_FALSE);
-    // A file that cannot be loaded is no failure and is not reported.
-    return MSXML2::Load(document, _variant_t(fileName)) == VARIANT_TRUE ? CheckParseError(document) : S_OK;
+    document->Putasync(VARIANT_FALSE);
+    // A file that cannot be loaded is not a failure and is not reported.
+    return document->load(_variant_t(fileName)) == VARIANT_TRUE ? CheckParseError(document) : S_OK;
 }
 
-HRESULT QuonXml::LoadAsync(const IXMLDOMDocumentPtr& document, const wchar_t* fileName)
+HRESULT QuonXml::LoadAsync(const MSXML2::IXMLDOMDocumentPtr& document, const wchar_t* fileName)
 {
-    MSXML2::PutAsync(document, VARIANT_TRUE);
-    if (MSXML2::Load(document, _variant_t(fileName)) != VARIANT_TRUE)
+    document->Putasync(VARIANT_TRUE);
+    if (document->load(_variant_t(fileName)) != VARIANT_TRUE)
     {
         return S_OK;
     }
@@ -156,7 +180,7 @@ HRESULT QuonXml::LoadAsync(const IXMLDOMDocumentPtr& document, const wchar_t* fi
     return CheckParseError(document);
 }
 
-HRESULT QuonXml::LoadFromStream(const IXMLDOMDocumentPtr& document, IStream* stream)
+HRESULT QuonXml::LoadFromStream(const MSXML2::IXMLDOMDocumentPtr& document, IStream* stream)
 {
     IPersistStreamInitPtr persist;
     if (FAILED(QueryPersist(document, persist)))
@@ -179,14 +203,14 @@ HRESULT QuonXml::LoadFromUrl(const wchar_t* fileName)
     return E_FAIL;
 }
 
-HRESULT QuonXml::SaveDocument(const IXMLDOMDocumentPtr& document, const wchar_t* fileName)
+HRESULT QuonXml::SaveDocument(const MSXML2::IXMLDOMDocumentPtr& document, const wchar_t* fileName)
 {
-    return MSXML2::Save(document, _variant_t(fileName));
+    return document->save(_variant_t(fileName));
 }
 
-void QuonXml::WaitUntilLoaded(const IXMLDOMDocumentPtr& document)
+void QuonXml::WaitUntilLoaded(const MSXML2::IXMLDOMDocumentPtr& document)
 {
-    while (GetReadyState(document) != kReadyStateComplete)
+    while (document->GetreadyState() != kReadyStateComplete)
     {
         DispatchOneMessage();
     }
@@ -197,10 +221,10 @@ void QuonXml::WaitUntilLoaded(const IXMLDOMDocumentPtr& document)
     }
 }
 
-HRESULT QuonXml::CheckParseError(const IXMLDOMDocumentPtr& document)
+HRESULT QuonXml::CheckParseError(const MSXML2::IXMLDOMDocumentPtr& document)
 {
-    const IXMLDOMParseErrorPtr error = GetParseError(document);
-    const HRESULT code = GetErrorCode(error);
+    const MSXML2::IXMLDOMParseErrorPtr error = document->GetparseError();
+    const HRESULT code = error->GeterrorCode();
     if (code != 0)
     {
         ReportParseError(error);
@@ -208,12 +232,12 @@ HRESULT QuonXml::CheckParseError(const IXMLDOMDocumentPtr& document)
     return code;
 }
 
-void QuonXml::ReportParseError(const IXMLDOMParseErrorPtr& error)
+void QuonXml::ReportParseError(const MSXML2::IXMLDOMParseErrorPtr& error)
 {
-    const long line = GetLine(error);
-    const long position = GetLinePosition(error);
-    const _bstr_t reason = GetReason(error);
-    const _bstr_t url = GetUrl(error);
+    const long line = error->Getline();
+    const long position = error->Getlinepos();
+    const _bstr_t reason = error->Getreason();
+    const _bstr_t url = error->Geturl();
     // The texts go through the ANSI code page on their way: characters that it lacks become question marks.
     CString caption;
     caption.Format(L"%S", Narrow(reason));
@@ -225,7 +249,7 @@ void QuonXml::ReportParseError(const IXMLDOMParseErrorPtr& error)
     ::MessageBoxW(nullptr, text, caption, MB_OK);
 }
 
-HRESULT QuonXml::SaveToMemory(const IXMLDOMDocumentPtr& document, unsigned char*& buffer, unsigned long& size)
+HRESULT QuonXml::SaveToMemory(const MSXML2::IXMLDOMDocumentPtr& document, unsigned char*& buffer, unsigned long& size)
 {
     IStreamPtr stream;
     HRESULT result = ::CreateStreamOnHGlobal(nullptr, TRUE, &stream);
@@ -251,11 +275,22 @@ HRESULT QuonXml::SaveToMemory(const IXMLDOMDocumentPtr& document, unsigned char*
         return result;
     }
     size = end.LowPart;
-    buffer = new (std::nothrow) unsigned char[size];
-    return buffer == nullptr ? E_OUTOFMEMORY : CopyStreamMemory(stream, buffer, size);
+    buffer = nullptr;
+    std::unique_ptr<unsigned char[]> copy;
+    if (!RunsInMemory([&] { copy.reset(new unsigned char[size]); }))
+    {
+        return E_OUTOFMEMORY;
+    }
+    result = CopyStreamMemory(stream, copy.get(), size);
+    if (SUCCEEDED(result))
+    {
+        buffer = copy.release();
+    }
+    return result;
 }
 
-HRESULT QuonXml::LoadFromMemory(const IXMLDOMDocumentPtr& document, const unsigned char* buffer, unsigned long size)
+HRESULT QuonXml::LoadFromMemory(const MSXML2::IXMLDOMDocumentPtr& document, const unsigned char* buffer,
+                                unsigned long size)
 {
     IStreamPtr stream;
     HRESULT result = ::CreateStreamOnHGlobal(nullptr, TRUE, &stream);
@@ -281,36 +316,48 @@ HRESULT QuonXml::LoadFromMemory(const IXMLDOMDocumentPtr& document, const unsign
 bool QuonXml::WalkTree(QuonXmlVisitor visitor, __int64 user)
 {
     // A document that cannot be asked, for whatever reason, is nothing to walk: no failure is raised here.
-    IXMLDOMNodePtr node;
+    MSXML2::IXMLDOMNodePtr node;
     if (visitor == nullptr || !m_pDoc ||
-        FAILED(m_pDoc->QueryInterface(__uuidof(IXMLDOMNode), reinterpret_cast<void**>(&node))))
+        FAILED(m_pDoc->QueryInterface(__uuidof(MSXML2::IXMLDOMNode), reinterpret_cast<void**>(&node))))
     {
         return true;
     }
     return WalkNode(node, 0, visitor, user);
 }
 
-bool QuonXml::WalkNode(IXMLDOMNodePtr node, int depth, QuonXmlVisitor visitor, __int64 user)
+bool QuonXml::WalkNode(MSXML2::IXMLDOMNodePtr node, int depth, QuonXmlVisitor visitor, __int64 user)
 {
-    if (!node)
+    // Callers pass the level of their node; nothing depends on it.
+    static_cast<void>(depth);
+    if (!node || visitor == nullptr)
     {
         return true;
     }
-    bool goOn = visitor(NameOf(node), node, user);
-    const IXMLDOMNamedNodeMapPtr attributes = goOn ? GetAttributes(node) : IXMLDOMNamedNodeMapPtr();
-    while (goOn && attributes)
+    if (!VisitNode(node, visitor, user))
     {
-        IXMLDOMNodePtr attribute = NextNode(attributes);
-        if (!attribute)
+        return false;
+    }
+    // The open nodes, outermost first, are kept here and not on the stack, which a deep document would overflow. The
+    // visitor may put another node in the place of its own: the children are that one's, the sibling is the first
+    // one's.
+    std::vector<MSXML2::IXMLDOMNodePtr> open{node->GetfirstChild()};
+    while (!open.empty())
+    {
+        if (!open.back())
         {
-            break;
+            open.pop_back();
+            if (!open.empty())
+            {
+                open.back() = open.back()->GetnextSibling();
+            }
+            continue;
         }
-        goOn = visitor(NameOf(attribute), attribute, user);
+        MSXML2::IXMLDOMNodePtr visited = open.back();
+        if (!VisitNode(visited, visitor, user))
+        {
+            return false;
+        }
+        open.push_back(visited->GetfirstChild());
     }
-    for (IXMLDOMNodePtr child = goOn ? GetFirstChild(node) : IXMLDOMNodePtr(); goOn && child;
-         child = GetNextSibling(child))
-    {
-        goOn = WalkNode(child, depth + 1, visitor, user);
-    }
-    return goOn;
+    return true;
 }

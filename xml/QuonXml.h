@@ -24,7 +24,7 @@ public:
     QuonXml(const QuonXml&) = delete;
     QuonXml& operator=(const QuonXml&) = delete;
 
-    /// Puts a new document in the place of the present one.
+    /// Replaces the document by a new one. @return the result of its creation; the document is empty after a failure
     HRESULT CreateDocument();
     /// @return the document; empty when it could not be created
     MSXML2::IXMLDOMDocumentPtr GetDocument() const;
@@ -49,7 +49,7 @@ public:
     /// @return the parser's result when it fails, otherwise that of `CheckParseError`; 0 for a document that does not
     /// load from streams
     HRESULT LoadFromStream(const MSXML2::IXMLDOMDocumentPtr& document, IStream* stream);
-    /// Loads nothing yet. @return `E_FAIL`
+    /// Loads nothing yet; the name may be null. @return `E_FAIL`
     HRESULT LoadFromUrl(const wchar_t* fileName);
     /// @return the parser's success code
     HRESULT SaveDocument(const MSXML2::IXMLDOMDocumentPtr& document, const wchar_t* fileName);
@@ -62,17 +62,19 @@ public:
     /// Shows a message box with the parser's reason as caption; the text tells where, and is empty without a line.
     void ReportParseError(const MSXML2::IXMLDOMParseErrorPtr& error);
 
-    /// Saves into a new buffer that the caller frees with array `delete`. @return `E_OUTOFMEMORY` when there is none;
-    /// the result of the step that failed, and then the out values may be unchanged
+    /// Saves into a new buffer that the caller frees with array `delete`. @return `E_OUTOFMEMORY` when there is none, or
+    /// the result of the step that failed. The buffer is then null and the size that of the document; a step before the
+    /// size is known leaves both unchanged
     HRESULT SaveToMemory(const MSXML2::IXMLDOMDocumentPtr& document, unsigned char*& buffer, unsigned long& size);
     /// @return the parser's result; parse errors are not reported
     HRESULT LoadFromMemory(const MSXML2::IXMLDOMDocumentPtr& document, const unsigned char* buffer, unsigned long size);
 
     /// Calls `visitor` for every node of the document, the document node first: a node, its attributes, then its
-    /// children.
+    /// children. A null visitor gives true.
     /// @return false when the visitor stopped the walk
     bool WalkTree(QuonXmlVisitor visitor, __int64 user);
-    /// As `WalkTree`, from `node` on. An empty node gives true. `depth` counts the levels; the visitor does not get it.
+    /// Walks as `WalkTree` does, from `node` on. An empty node and a null visitor give true. `depth` is not used: the
+    /// visitor does not get it. Documents may be of any depth.
     bool WalkNode(MSXML2::IXMLDOMNodePtr node, int depth, QuonXmlVisitor visitor, __int64 user);
 
 #if defined(_MSC_VER)

@@ -1,8 +1,9 @@
 #include "xml/XmlDocument.h"
 
 #include "xml/ComHelpers.h"
-#include "xml/XmlInternal.h"
+#include "xml/DomTextInternal.h"
 #include "xml/XmlNodes.h"
+#include "xml/XmlStatusInternal.h"
 #include "xml/XmlValues.h"
 
 #include <io.h>
@@ -12,7 +13,6 @@
 namespace
 {
 
-using namespace MSXML2;
 using namespace xml_internal;
 
 // The namespace is spelled in two ways, lower case here and mixed case in the schema location. Readers expect both.
@@ -23,7 +23,7 @@ constexpr wchar_t kSchemaLocation[] =
 constexpr wchar_t kRootName[] = L"LandXML";
 constexpr wchar_t kNoInstruction[] = L"bXmlInstruction is FALSE!";
 
-CString LoadStep(const CString& fileName, const IXMLDOMDocumentPtr& document)
+CString LoadStep(const CString& fileName, const MSXML2::IXMLDOMDocumentPtr& document)
 {
     if (fileName.IsEmpty())
     {
@@ -34,7 +34,7 @@ CString LoadStep(const CString& fileName, const IXMLDOMDocumentPtr& document)
         return L"pDoc is NULL!";
     }
     VARIANT_BOOL loaded = VARIANT_FALSE;
-    const HRESULT result = document->load(_variant_t(fileName.GetString()), &loaded);
+    const HRESULT result = document->raw_load(_variant_t(fileName.GetString()), &loaded);
     if (FAILED(result))
     {
         return L"Exception on pDoc->raw_load of file:\n" + fileName + L"\n" + FormatHResultText(result);
@@ -43,7 +43,8 @@ CString LoadStep(const CString& fileName, const IXMLDOMDocumentPtr& document)
 }
 
 // Appends one instruction. @return whether it was appended; otherwise the status says why not
-bool AppendInstruction(const IXMLDOMDocumentPtr& document, const CString& target, const CString& data, CString& status)
+bool AppendInstruction(const MSXML2::IXMLDOMDocumentPtr& document, const CString& target, const CString& data,
+                       CString& status)
 {
     if (target.IsEmpty())
     {
@@ -57,13 +58,13 @@ bool AppendInstruction(const IXMLDOMDocumentPtr& document, const CString& target
     {
         return false;
     }
-    const IXMLDOMNodePtr created(CreateProcessingInstruction(document, ToBstr(target), ToBstr(data)));
+    const MSXML2::IXMLDOMNodePtr created(document->createProcessingInstruction(ToBstr(target), ToBstr(data)));
     if (!created)
     {
         status += L"CreatedAdditionalNode is NULL!";
         return false;
     }
-    if (!AppendChild(document, created))
+    if (!document->appendChild(created))
     {
         status += L"pAppendedAdditionalNode is empty!";
         return false;
@@ -72,7 +73,7 @@ bool AppendInstruction(const IXMLDOMDocumentPtr& document, const CString& target
 }
 
 // Appends all instructions; the messages are added to the status. @return whether the XML declaration is among them
-bool AppendInstructions(const IXMLDOMDocumentPtr& document, const CStringArray& instructions, CString& status)
+bool AppendInstructions(const MSXML2::IXMLDOMDocumentPtr& document, const CStringArray& instructions, CString& status)
 {
     bool declared = false;
     for (INT_PTR i = 0; i < instructions.GetSize(); i += 2)
@@ -90,7 +91,8 @@ bool AppendInstructions(const IXMLDOMDocumentPtr& document, const CStringArray& 
     return declared;
 }
 
-void SetRootAttribute(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root, const CString& entry)
+void SetRootAttribute(const MSXML2::IXMLDOMDocumentPtr& document, const MSXML2::IXMLDOMNodePtr& root,
+                      const CString& entry)
 {
     const int equals = entry.Find(L'=');
     if (equals < 0)
@@ -107,13 +109,13 @@ void SetRootAttribute(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& 
     }
 }
 
-IXMLDOMNodePtr AppendRoot(const IXMLDOMDocumentPtr& document, const CStringArray& roots)
+MSXML2::IXMLDOMNodePtr AppendRoot(const MSXML2::IXMLDOMDocumentPtr& document, const CStringArray& roots)
 {
-    IXMLDOMNodePtr root;
+    MSXML2::IXMLDOMNodePtr root;
     if (roots.GetSize() > 0 && !roots[0].IsEmpty())
     {
-        const IXMLDOMNodePtr created = MakeElement(document, roots[0]);
-        root = created ? AppendChild(document, created) : IXMLDOMNodePtr();
+        const MSXML2::IXMLDOMNodePtr created = document->createElement(ToBstr(roots[0]));
+        root = created ? document->appendChild(created) : MSXML2::IXMLDOMNodePtr();
     }
     for (INT_PTR i = 1; root && i < roots.GetSize(); ++i)
     {
@@ -122,10 +124,9 @@ IXMLDOMNodePtr AppendRoot(const IXMLDOMDocumentPtr& document, const CStringArray
     return root;
 }
 
-// The texts that LoadXmlFile and SaveXmlFile throw are dropped on purpose: the status stays what it was before the
-// call.
+// Both drop the texts that LoadXmlFile and SaveXmlFile throw, on purpose: the status stays what it was before the call.
 
-void LoadInstead(const IXMLDOMDocumentPtr& document, const CString& fileName, CString& status)
+void LoadExistingFile(const MSXML2::IXMLDOMDocumentPtr& document, const CString& fileName, CString& status)
 {
     try
     {
@@ -136,7 +137,7 @@ void LoadInstead(const IXMLDOMDocumentPtr& document, const CString& fileName, CS
     }
 }
 
-void SaveAtLast(const IXMLDOMDocumentPtr& document, const CString& fileName, CString& status)
+void SaveKeepingStatus(const MSXML2::IXMLDOMDocumentPtr& document, const CString& fileName, CString& status)
 {
     try
     {
@@ -147,12 +148,13 @@ void SaveAtLast(const IXMLDOMDocumentPtr& document, const CString& fileName, CSt
     }
 }
 
-// The file is there already: it is loaded or removed. @return whether the work ends here, with `status` as its result
-bool DealWithExistingFile(const IXMLDOMDocumentPtr& document, const CString& fileName, bool overwrite, CString& status)
+// Loads or removes the file that is there already. @return whether the work ends here, with `status` as its result
+bool LoadOrRemoveExistingFile(const MSXML2::IXMLDOMDocumentPtr& document, const CString& fileName, bool overwrite,
+                              CString& status)
 {
     if (!overwrite)
     {
-        LoadInstead(document, fileName, status);
+        LoadExistingFile(document, fileName, status);
         return true;
     }
     if (::_wremove(fileName) != 0)
@@ -163,10 +165,10 @@ bool DealWithExistingFile(const IXMLDOMDocumentPtr& document, const CString& fil
     return false;
 }
 
-void WriteSteps(const IXMLDOMDocumentPtr& document, const CString& fileName, const CStringArray& instructions,
-                const CStringArray& roots, bool overwrite, IXMLDOMNodePtr& root, CString& status)
+void WriteSteps(const MSXML2::IXMLDOMDocumentPtr& document, const CString& fileName, const CStringArray& instructions,
+                const CStringArray& roots, bool overwrite, MSXML2::IXMLDOMNodePtr& root, CString& status)
 {
-    if (XmlFileExists(fileName) && DealWithExistingFile(document, fileName, overwrite, status))
+    if (XmlFileExists(fileName) && LoadOrRemoveExistingFile(document, fileName, overwrite, status))
     {
         return;
     }
@@ -177,7 +179,7 @@ void WriteSteps(const IXMLDOMDocumentPtr& document, const CString& fileName, con
     }
     if (!AppendInstructions(document, instructions, status))
     {
-        // The status so far stays in front when it tells of an incomplete pair; otherwise it is replaced.
+        // The status so far stays in front when it reports an incomplete pair; otherwise it is replaced.
         const bool incomplete = instructions.GetSize() % 2 != 0;
         status = incomplete ? status + kNoInstruction : CString(kNoInstruction);
         return;
@@ -188,27 +190,28 @@ void WriteSteps(const IXMLDOMDocumentPtr& document, const CString& fileName, con
         status = L"pAppendedNode is NULL!";
         return;
     }
-    SaveAtLast(document, fileName, status);
+    SaveKeepingStatus(document, fileName, status);
 }
 
 }  // namespace
 
-IXMLDOMNodePtr AppendNewElement(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& parent, const CString& name)
+MSXML2::IXMLDOMNodePtr AppendNewElement(const MSXML2::IXMLDOMDocumentPtr& document,
+                                        const MSXML2::IXMLDOMNodePtr& parent, const CString& name)
 {
-    const IXMLDOMNodePtr created = MakeElement(document, name);
-    IXMLDOMNodePtr appended;
+    const MSXML2::IXMLDOMNodePtr created = document->createElement(ToBstr(name));
+    MSXML2::IXMLDOMNodePtr appended;
     if (created)
     {
-        IXMLDOMNode* const target = parent ? parent.GetInterfacePtr() : document.GetInterfacePtr();
-        // Unlike creating, appending that fails is told by the empty result.
-        target->appendChild(created, &appended);
+        MSXML2::IXMLDOMNode* const target = parent ? parent.GetInterfacePtr() : document.GetInterfacePtr();
+        // Unlike creating, appending that fails is reported by the empty result.
+        target->raw_appendChild(created, &appended);
     }
     return appended;
 }
 
-void CreateLandXmlDocument(const IXMLDOMDocumentPtr& document)
+void CreateLandXmlDocument(const MSXML2::IXMLDOMDocumentPtr& document)
 {
-    const IXMLDOMNodePtr root = AppendNewElement(document, IXMLDOMNodePtr(), kRootName);
+    const MSXML2::IXMLDOMNodePtr root = AppendNewElement(document, MSXML2::IXMLDOMNodePtr(), kRootName);
     if (!root)
     {
         return;
@@ -225,9 +228,9 @@ void CreateLandXmlDocument(const IXMLDOMDocumentPtr& document)
     SetXmlString(root, L"language", L"English");
 }
 
-IXMLDOMNodePtr GetLandXmlRoot(const IXMLDOMDocumentPtr& document)
+MSXML2::IXMLDOMNodePtr GetLandXmlRoot(const MSXML2::IXMLDOMDocumentPtr& document)
 {
-    return SelectSingleNode(document, kRootName);
+    return document->selectSingleNode(kRootName);
 }
 
 bool XmlFileExists(const CString& fileName)
@@ -235,7 +238,7 @@ bool XmlFileExists(const CString& fileName)
     return ::_waccess(fileName, 0) != -1;
 }
 
-bool LoadXmlFile(const CString& fileName, const IXMLDOMDocumentPtr& document)
+bool LoadXmlFile(const CString& fileName, const MSXML2::IXMLDOMDocumentPtr& document)
 {
     CString status = kStatusFailed;
     try
@@ -254,21 +257,21 @@ bool LoadXmlFile(const CString& fileName, const IXMLDOMDocumentPtr& document)
     return true;
 }
 
-bool SaveXmlFile(const CString& fileName, const IXMLDOMDocumentPtr& document)
+bool SaveXmlFile(const CString& fileName, const MSXML2::IXMLDOMDocumentPtr& document)
 {
     Require(!fileName.IsEmpty(), L"XMLFullFilename is empty!");
     Require(document, L"pDoc is NULL!");
-    const HRESULT result = Save(document, _variant_t(fileName.GetString()));
+    const HRESULT result = document->save(_variant_t(fileName.GetString()));
     // A failure has been raised: what is left are success codes, and only S_OK will do.
     ThrowUnlessOk(result == S_OK ? CString(kStatusOk) : FormatHResultText(result));
     return true;
 }
 
-IXMLDOMNodePtr WriteXmlFile(const IXMLDOMDocumentPtr& document, const CString& fileName,
-                            const CStringArray& instructions, const CStringArray& roots, bool overwrite)
+MSXML2::IXMLDOMNodePtr WriteXmlFile(const MSXML2::IXMLDOMDocumentPtr& document, const CString& fileName,
+                                    const CStringArray& instructions, const CStringArray& roots, bool overwrite)
 {
     CString status = kStatusFailed;
-    IXMLDOMNodePtr root;
+    MSXML2::IXMLDOMNodePtr root;
     WriteSteps(document, fileName, instructions, roots, overwrite, root, status);
     ThrowUnlessOk(status);
     return root;

@@ -21,13 +21,15 @@ QUON_API MSXML2::IXMLDOMNodePtr AppendNewElement(const MSXML2::IXMLDOMDocumentPt
 /// ones. The document has no XML declaration then: `WriteXmlFile` adds one.
 QUON_API void CreateLandXmlDocument(const MSXML2::IXMLDOMDocumentPtr& document);
 
-/// @return the root element of a LandXML document, empty for any other
+/// Returns the root element of a LandXML document; empty for any other.
 QUON_API MSXML2::IXMLDOMNodePtr GetLandXmlRoot(const MSXML2::IXMLDOMDocumentPtr& document);
 
-/// @return whether there is a file or a folder of that name
+/// Returns whether there is a file or a folder of that name.
 QUON_API bool XmlFileExists(const CString& fileName);
 
-/// Loads a file into the document. Catches `_com_error` and `QuonEllipsis`: they become status texts. @return true
+/// Loads a file into the document, in the background when the document is set so, which is the platform's default: the
+/// function then returns before the document is complete. Call `document->Putasync(VARIANT_FALSE)` first to load it
+/// whole. Catches `_com_error` and `QuonEllipsis`: they become status texts. @return true
 QUON_API bool LoadXmlFile(const CString& fileName, const MSXML2::IXMLDOMDocumentPtr& document);
 
 /// Saves the document to a file. A save that fails is raised as `_com_error`; one that ends with a success code other

@@ -1,119 +1,107 @@
 #include "xml/XmlNodes.h"
 
-#include "xml/ComHelpers.h"
-#include "xml/XmlInternal.h"
+#include "xml/DomTextInternal.h"
+#include "xml/NodeSearchInternal.h"
+#include "xml/XmlStatusInternal.h"
 
 namespace
 {
 
-using namespace MSXML2;
 using namespace xml_internal;
 
 // Checks in the order document, created node, root, appended node: the node is created before the root is looked at.
 template <typename Create>
-void AppendCreated(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
-                   const Create& create)
+void AppendCreated(MSXML2::IXMLDOMNodePtr& result, const MSXML2::IXMLDOMDocumentPtr& document,
+                   const MSXML2::IXMLDOMNodePtr& root, const Create& create)
 {
     Require(document, L"pDoc is NULL!");
-    const IXMLDOMNodePtr created = create();
+    const MSXML2::IXMLDOMNodePtr created = create();
     Require(created, L"pCreatedNode is NULL!");
     Require(root, L"pRootNode is NULL!");
-    IXMLDOMNodePtr appended = AppendChild(root, created);
+    MSXML2::IXMLDOMNodePtr appended = root->appendChild(created);
     Require(appended, L"pAppendedNode is NULL!");
     result.Attach(appended.Detach());
 }
 
-// The parser refuses a name here that an attribute cannot have. The attribute itself is not used.
-bool CanMakeAttribute(IXMLDOMDocument* document, BSTR name)
+void SetAttributeOf(const MSXML2::IXMLDOMElementPtr& element, const _bstr_t& name, const CString& value)
 {
-    IXMLDOMAttributePtr attribute;
-    Check(document->createAttribute(name, &attribute), document);
-    return attribute;
+    element->setAttribute(name, _variant_t(value.GetString()));
 }
 
-void SetAttributeOf(IXMLDOMElement* element, BSTR name, const CString& value)
-{
-    Check(element->setAttribute(name, _variant_t(value.GetString())), element);
-}
-
-void SetOneAttribute(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& node, const CString& name,
-                     const CString& value)
+// The attribute that is made is not used: the parser refuses a name here that an attribute cannot have.
+void SetOneAttribute(const MSXML2::IXMLDOMDocumentPtr& document, const MSXML2::IXMLDOMNodePtr& node,
+                     const CString& name, const CString& value)
 {
     Require(document, L"pDoc is NULL!");
-    const DomArgument attribute(name);
-    Require(CanMakeAttribute(document, attribute), L"pCreatedNode is NULL!");
-    const IXMLDOMElementPtr element = QueryFor<IXMLDOMElementPtr>(node);
+    const _bstr_t attribute = ToBstr(name);
+    Require(document->createAttribute(attribute), L"pCreatedNode is NULL!");
+    const MSXML2::IXMLDOMElementPtr element(node);
     Require(element, L"pRootNode is NULL!");
     SetAttributeOf(element, attribute, value);
 }
 
 }  // namespace
 
-void AppendElement(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
-                   const CString& name)
+void AppendElement(MSXML2::IXMLDOMNodePtr& result, const MSXML2::IXMLDOMDocumentPtr& document,
+                   const MSXML2::IXMLDOMNodePtr& root, const CString& name)
 {
-    AppendCreated(result, document, root, [&] { return MakeElement(document, name); });
+    AppendCreated(result, document, root, [&] { return document->createElement(ToBstr(name)); });
 }
 
-void AppendTextChild(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
-                     const CString& text)
+void AppendTextChild(MSXML2::IXMLDOMNodePtr& result, const MSXML2::IXMLDOMDocumentPtr& document,
+                     const MSXML2::IXMLDOMNodePtr& root, const CString& text)
 {
-    AppendCreated(result, document, root,
-                  [&] { return QueryFor<IXMLDOMNodePtr>(CreateTextNode(document, ToBstr(text))); });
+    AppendCreated(result, document, root, [&] { return document->createTextNode(ToBstr(text)); });
 }
 
-void AppendCDataChild(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
-                      const CString& data)
+void AppendCDataChild(MSXML2::IXMLDOMNodePtr& result, const MSXML2::IXMLDOMDocumentPtr& document,
+                      const MSXML2::IXMLDOMNodePtr& root, const CString& data)
 {
-    AppendCreated(result, document, root,
-                  [&] { return QueryFor<IXMLDOMNodePtr>(CreateCDataSection(document, ToBstr(data))); });
+    AppendCreated(result, document, root, [&] { return document->createCDATASection(ToBstr(data)); });
 }
 
-void AppendNodeOfType(IXMLDOMNodePtr& result, const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
-                      DOMNodeType type, const CString& name, const CString& namespaceUri)
+void AppendNodeOfType(MSXML2::IXMLDOMNodePtr& result, const MSXML2::IXMLDOMDocumentPtr& document,
+                      const MSXML2::IXMLDOMNodePtr& root, MSXML2::DOMNodeType type, const CString& name,
+                      const CString& namespaceUri)
 {
     Require(document, L"pDoc is NULL!");
     Require(root, L"pRootNode is NULL!");
-    const IXMLDOMElementPtr rootElement(root);
+    const MSXML2::IXMLDOMElementPtr rootElement(root);
     Require(rootElement, L"pRootElement is NULL!");
-    const IXMLDOMNodePtr created =
-        CreateNode(document, _variant_t(static_cast<long>(type)), ToBstr(name), ToBstr(namespaceUri));
-    const IXMLDOMNodePtr appended = created ? AppendChild(rootElement, created) : IXMLDOMNodePtr();
+    const MSXML2::IXMLDOMNodePtr created =
+        document->createNode(_variant_t(static_cast<long>(type)), ToBstr(name), ToBstr(namespaceUri));
+    const MSXML2::IXMLDOMNodePtr appended = created ? rootElement->appendChild(created) : MSXML2::IXMLDOMNodePtr();
     Require(appended, L"pAppendedNode is NULL!");
     result = appended;
 }
 
-IXMLDOMNodePtr AppendNewElementToRoot(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& root,
-                                      const CString& name)
+MSXML2::IXMLDOMNodePtr AppendNewElementToRoot(const MSXML2::IXMLDOMDocumentPtr& document,
+                                              const MSXML2::IXMLDOMNodePtr& root, const CString& name)
 {
     Require(root, L"pRootNode is NULL!");
     Require(document, L"pDoc is NULL!");
-    const IXMLDOMNodePtr element = MakeElement(document, name);
+    const MSXML2::IXMLDOMNodePtr element = document->createElement(ToBstr(name));
     Require(element, L"pNewElement is NULL!");
-    return AppendChild(root, element);
+    return root->appendChild(element);
 }
 
-IXMLDOMNodePtr AppendTextNode(const IXMLDOMDocumentPtr& document, const CString& rootName, const CString& attribute,
-                              const CString& value, const CString& text)
+MSXML2::IXMLDOMNodePtr AppendTextNode(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
+                                      const CString& attribute, const CString& value, const CString& text)
 {
     Require(document, L"pDoc is NULL!");
-    const IXMLDOMNodeListPtr rootNodes = GetDocumentChildNodes(document);
+    const MSXML2::IXMLDOMNodeListPtr rootNodes = GetDocumentChildNodes(document);
     Require(rootNodes, L"pRootNodeList is NULL!");
-    const IXMLDOMNodePtr root = FirstNodeWithAttribute(rootNodes, rootName, attribute, value);
+    const MSXML2::IXMLDOMNodePtr root = FirstNodeWithAttribute(rootNodes, rootName, attribute, value);
     Require(root, L"pTargetRootNode is NULL!");
-    IXMLDOMNodePtr added;
+    MSXML2::IXMLDOMNodePtr added;
     AppendTextChild(added, document, root, text);
     Require(added, L"pNewNode is NULL!");
-    const HRESULT result = added->put_text(ToBstr(text));
-    if (FAILED(result))
-    {
-        throw L"pNewNode->put_text failed!\n" + FormatHResultText(result);
-    }
+    RequireResult(added->put_text(ToBstr(text)), L"pNewNode->put_text failed!\n");
     return added;
 }
 
-bool SetAttributeOnNode(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& node, const CString& name,
-                        const CString& value)
+bool SetAttributeOnNode(const MSXML2::IXMLDOMDocumentPtr& document, const MSXML2::IXMLDOMNodePtr& node,
+                        const CString& name, const CString& value)
 {
     try
     {
@@ -131,32 +119,29 @@ bool SetAttributeOnNode(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr
     return true;
 }
 
-bool SetAttributesOnNode(const IXMLDOMDocumentPtr& document, const IXMLDOMNodePtr& node, const CStringArray& names,
-                         const CStringArray& values)
+bool SetAttributesOnNode(const MSXML2::IXMLDOMDocumentPtr& document, const MSXML2::IXMLDOMNodePtr& node,
+                         const CStringArray& names, const CStringArray& values)
 {
     Require(document, L"pDoc is NULL!");
-    const IXMLDOMElementPtr element(node);
+    const MSXML2::IXMLDOMElementPtr element(node);
     Require(element, L"pRootNode is NULL!");
     for (INT_PTR i = 0; i < names.GetSize() && i < values.GetSize(); ++i)
     {
-        const DomArgument attribute(names[i]);
-        Require(CanMakeAttribute(document, attribute), L"pDesiredAttribute is NULL!");
+        const _bstr_t attribute = ToBstr(names[i]);
+        Require(document->createAttribute(attribute), L"pDesiredAttribute is NULL!");
         SetAttributeOf(element, attribute, values[i]);
     }
     return true;
 }
 
-bool SetAttributesViaOwnerDocument(const IXMLDOMNodePtr& node, const CStringArray& names, const CStringArray& values)
+bool SetAttributesViaOwnerDocument(const MSXML2::IXMLDOMNodePtr& node, const CStringArray& names,
+                                   const CStringArray& values)
 {
     Require(node, L"pRootNode is NULL!");
-    IXMLDOMDocument* owner = nullptr;
-    const HRESULT result = node->get_ownerDocument(&owner);
-    if (FAILED(result))
-    {
-        throw FormatHResultText(result);
-    }
-    const IXMLDOMNodePtr held(owner, false);
-    const IXMLDOMDocumentPtr document(held);
+    MSXML2::IXMLDOMDocumentPtr owner;
+    RequireResult(node->get_ownerDocument(&owner));
+    // Asked for the interface: what a node gives as its document need not be one.
+    const MSXML2::IXMLDOMDocumentPtr document(static_cast<IUnknown*>(owner));
     Require(document, L"pDoc is NULL!");
     return SetAttributesOnNode(document, node, names, values);
 }

@@ -1,38 +1,24 @@
 #include "xml/XmlNodes.h"
 
-#include "xml/ComHelpers.h"
+#include "base/MemoryInternal.h"
+#include "xml/DomTextInternal.h"
+#include "xml/NodeArray.h"
+#include "xml/NodeSearchInternal.h"
 #include "xml/UniqueStringsInternal.h"
-#include "xml/XmlInternal.h"
+#include "xml/XmlStatusInternal.h"
+
+#include <memory>
+#include <vector>
 
 namespace xml_internal
 {
 
-using namespace MSXML2;
-
-CString AttributeText(IXMLDOMNode* node, BSTR name)
+MSXML2::IXMLDOMNodePtr FirstNodeWithAttribute(const MSXML2::IXMLDOMNodeListPtr& nodes, const CString& name,
+                                              const CString& attribute, const CString& value)
 {
-    const IXMLDOMNamedNodeMapPtr attributes = GetAttributes(node);
-    if (!attributes)
-    {
-        return CString();
-    }
-    IXMLDOMNodePtr attribute;
-    Check(attributes->getNamedItem(name, &attribute), attributes.GetInterfacePtr());
-    if (!attribute)
-    {
-        return CString();
-    }
-    DomValue value;
-    Check(attribute->get_nodeValue(value.Out()), attribute.GetInterfacePtr());
-    return TextOfVariant(value.Get());
-}
-
-IXMLDOMNodePtr FirstNodeWithAttribute(const IXMLDOMNodeListPtr& nodes, const CString& name, const CString& attribute,
-                                      const CString& value)
-{
-    const OwnedNodeArray found(new QuonNodeArray);
+    const QuonNodeArrayOwner found(new QuonNodeArray);
     CollectNodesWithAttributes(*found, nodes, name, attribute, value, true);
-    return found->GetSize() == 0 ? IXMLDOMNodePtr() : IXMLDOMNodePtr(found->GetAt(0));
+    return found->GetSize() == 0 ? MSXML2::IXMLDOMNodePtr() : MSXML2::IXMLDOMNodePtr(found->GetAt(0));
 }
 
 }  // namespace xml_internal
@@ -40,24 +26,43 @@ IXMLDOMNodePtr FirstNodeWithAttribute(const IXMLDOMNodeListPtr& nodes, const CSt
 namespace
 {
 
-using namespace MSXML2;
 using namespace xml_internal;
 
-void CollectNames(IXMLDOMNode* node, bool recursive, UniqueStrings& names)
+using OwnedStringArray = std::unique_ptr<CStringArray>;
+
+// The children of one node that are still to be read. They are counted, not read to the end: a list that has fewer than
+// it says is a failure.
+struct Children
 {
-    IXMLDOMNodeListPtr children;
+    MSXML2::IXMLDOMNodeListPtr list;
+    long left;
+};
+
+Children ChildrenOf(const MSXML2::IXMLDOMNodePtr& node)
+{
+    MSXML2::IXMLDOMNodeListPtr children;
     node->get_childNodes(&children);
     Require(children, L"pNodeList is NULL!");
-    for (long left = GetLength(children); left > 0; --left)
+    return {children, children->Getlength()};
+}
+
+// The levels are kept here and not on the stack, which a deep document would overflow.
+void CollectNames(const MSXML2::IXMLDOMNodePtr& node, bool recursive, UniqueStrings& names)
+{
+    std::vector<Children> levels{ChildrenOf(node)};
+    while (!levels.empty())
     {
-        const IXMLDOMNodePtr child = NextNode(children);
+        if (levels.back().left-- <= 0)
+        {
+            levels.pop_back();
+            continue;
+        }
+        const MSXML2::IXMLDOMNodePtr child = levels.back().list->nextNode();
         Require(child, L"pCurNode is NULL!");
-        DomText name;
-        Check(child->get_nodeName(name.Out()), child.GetInterfacePtr());
-        names.Append(name.Get());
+        names.Append(Characters(child->GetnodeName()));
         if (recursive)
         {
-            CollectNames(child, recursive, names);
+            levels.push_back(ChildrenOf(child));
         }
     }
 }
@@ -73,10 +78,10 @@ CStringArray* StringsOfNodes(const QuonNodeArray& nodes, const Read& read)
     CString* next = strings->GetData();
     for (INT_PTR i = 0; i < size; ++i)
     {
-        IXMLDOMNode* const node = nodes.GetAt(i);
+        MSXML2::IXMLDOMNode* const node = nodes.GetAt(i);
         if (node != nullptr)
         {
-            read(node, *next++);
+            read(*node, *next++);
         }
     }
     strings->SetSize(next - strings->GetData());
@@ -86,26 +91,26 @@ CStringArray* StringsOfNodes(const QuonNodeArray& nodes, const Read& read)
 // The steps of a value path. The messages of its own steps are the result; those of the functions that it calls are
 // thrown.
 template <typename FindRoot, typename TakeValues>
-CString FollowValuePath(const IXMLDOMDocumentPtr& document, const CString& childName, const FindRoot& findRoot,
+CString FollowValuePath(const MSXML2::IXMLDOMDocumentPtr& document, const CString& childName, const FindRoot& findRoot,
                         const TakeValues& takeValues, OwnedStringArray& values)
 {
-    const IXMLDOMNodeListPtr rootNodes = GetDocumentChildNodes(document);
+    const MSXML2::IXMLDOMNodeListPtr rootNodes = GetDocumentChildNodes(document);
     if (!rootNodes)
     {
         return L"pRootNodeList is NULL!";
     }
-    const IXMLDOMNodePtr root = findRoot(rootNodes);
+    const MSXML2::IXMLDOMNodePtr root = findRoot(rootNodes);
     if (!root)
     {
         return L"pTargetRootNode is NULL!";
     }
-    IXMLDOMNodeListPtr children;
+    MSXML2::IXMLDOMNodeListPtr children;
     const HRESULT result = root->get_childNodes(&children);
     if (FAILED(result))
     {
         return L"pTargetRootNode->get_childNodes failed:\n" + FormatHResultText(result);
     }
-    const OwnedNodeArray nodes(FindNodesByName(children, childName, true));
+    const QuonNodeArrayOwner nodes(FindNodesByName(children, childName, true));
     if (nodes == nullptr)
     {
         return L"pDesiredChildNodes is NULL!";
@@ -115,8 +120,8 @@ CString FollowValuePath(const IXMLDOMDocumentPtr& document, const CString& child
 }
 
 template <typename FindRoot, typename TakeValues>
-CStringArray* ReadValuePath(const IXMLDOMDocumentPtr& document, const CString& childName, const FindRoot& findRoot,
-                            const TakeValues& takeValues)
+CStringArray* ReadValuePath(const MSXML2::IXMLDOMDocumentPtr& document, const CString& childName,
+                            const FindRoot& findRoot, const TakeValues& takeValues)
 {
     OwnedStringArray values;
     CString status = kStatusFailed;
@@ -135,17 +140,19 @@ CStringArray* ReadValuePath(const IXMLDOMDocumentPtr& document, const CString& c
 
 auto RootByName(const CString& name)
 {
-    return [&name](const IXMLDOMNodeListPtr& nodes) { return FindFirstNodeByName(nodes, name, true); };
+    return [&name](const MSXML2::IXMLDOMNodeListPtr& nodes) { return FindFirstNodeByName(nodes, name, true); };
 }
 
 auto RootByText(const CString& name, const CString& text)
 {
-    return [&name, &text](const IXMLDOMNodeListPtr& nodes) { return FindNodeByNameAndText(nodes, name, text, true); };
+    return [&name, &text](const MSXML2::IXMLDOMNodeListPtr& nodes) {
+        return FindNodeByNameAndText(nodes, name, text, true);
+    };
 }
 
 auto RootByAttribute(const CString& name, const CString& attribute, const CString& value)
 {
-    return [&name, &attribute, &value](const IXMLDOMNodeListPtr& nodes) {
+    return [&name, &attribute, &value](const MSXML2::IXMLDOMNodeListPtr& nodes) {
         return FirstNodeWithAttribute(nodes, name, attribute, value);
     };
 }
@@ -157,10 +164,10 @@ auto ValuesOf(const CString& attribute)
 
 }  // namespace
 
-CStringArray* GetNodeNames(const IXMLDOMNodePtr& node, bool recursive)
+CStringArray* GetNodeNames(const MSXML2::IXMLDOMNodePtr& node, bool recursive)
 {
     Require(node, L"pNode is NULL!");
-    OwnedStringArray names(MakeArray<CStringArray>());
+    OwnedStringArray names = MakeInMemory<CStringArray>();
     Require(names != nullptr, L"pNames is NULL!");
     UniqueStrings unique(*names);
     CollectNames(node, recursive, unique);
@@ -171,14 +178,10 @@ CStringArray* GetTextsOfNodes(const QuonNodeArray* nodes)
 {
     Require(nodes != nullptr, L"pDesiredChildNodes is NULL!");
     Require(nodes->GetSize() != 0, L"DesiredChildNodesLen = 0!");
-    return StringsOfNodes(*nodes, [](IXMLDOMNode* node, CString& string) {
-        DomText text;
-        const HRESULT result = node->get_text(text.Out());
-        if (FAILED(result))
-        {
-            throw L"Exception on CurNode->get_nodeValue():\n" + FormatHResultText(result);
-        }
-        string = text.Get();
+    return StringsOfNodes(*nodes, [](MSXML2::IXMLDOMNode& node, CString& string) {
+        _bstr_t text;
+        RequireResult(node.get_text(text.GetAddress()), L"Exception on CurNode->get_nodeValue():\n");
+        string = Characters(text);
     });
 }
 
@@ -186,24 +189,25 @@ CStringArray* GetAttributeValuesOfNodes(const QuonNodeArray* nodes, const CStrin
 {
     Require(nodes != nullptr, L"pNodes is NULL!");
     Require(nodes->GetSize() != 0, L"DesiredChildNodesLen = 0!");
-    const DomArgument name(attribute);
-    return StringsOfNodes(*nodes, [&name](IXMLDOMNode* node, CString& string) { string = AttributeText(node, name); });
+    const _bstr_t name = ToBstr(attribute);
+    return StringsOfNodes(*nodes,
+                          [&name](MSXML2::IXMLDOMNode& node, CString& string) { string = AttributeText(node, name); });
 }
 
-CString GetAttributeValue(const IXMLDOMNodePtr& node, const CString& attribute)
+CString GetAttributeValue(const MSXML2::IXMLDOMNodePtr& node, const CString& attribute)
 {
     Require(node, L"pNode is NULL!");
-    return AttributeText(node, DomArgument(attribute));
+    return AttributeText(*node, ToBstr(attribute));
 }
 
-CString GetAttributeValueByName(const IXMLDOMNodePtr& node, const CString& attribute)
+CString GetAttributeValueByName(const MSXML2::IXMLDOMNodePtr& node, const CString& attribute)
 {
-    IXMLDOMNamedNodeMapPtr attributes;
+    MSXML2::IXMLDOMNamedNodeMapPtr attributes;
     // An empty node raises E_POINTER here: there is no text for it.
     const HRESULT result = node->get_attributes(&attributes);
     Require(SUCCEEDED(result) && attributes, L"get_Attributes failed!");
     Require(!attribute.IsEmpty(), L"DesiredAttributeName is empty!");
-    const IXMLDOMNodePtr item = GetNamedItem(attributes, ToBstr(attribute));
+    const MSXML2::IXMLDOMNodePtr item = attributes->getNamedItem(ToBstr(attribute));
     if (!item)
     {
         return CString();
@@ -213,57 +217,58 @@ CString GetAttributeValueByName(const IXMLDOMNodePtr& node, const CString& attri
     return TextOfVariant(value);
 }
 
-void GetAllAttributes(const IXMLDOMNodePtr& node, CStringArray& names, CStringArray& values)
+void GetAllAttributes(const MSXML2::IXMLDOMNodePtr& node, CStringArray& names, CStringArray& values)
 {
     names.RemoveAll();
     values.RemoveAll();
     Require(node, L"pNode is NULL!");
-    IXMLDOMNamedNodeMapPtr attributes;
+    MSXML2::IXMLDOMNamedNodeMapPtr attributes;
     node->get_attributes(&attributes);
     Require(attributes, L"pAttributes is NULL!");
-    const long length = GetLength(attributes);
+    const long length = attributes->Getlength();
     Require(length >= 0, L"AttributesSize < 0!");
     for (long i = 0; i < length; ++i)
     {
-        const IXMLDOMNodePtr attribute = NextNode(attributes);
+        const MSXML2::IXMLDOMNodePtr attribute = attributes->nextNode();
         Require(attribute, L"pCurAttribute is NULL!");
-        names.Add(NameOf(attribute));
-        values.Add(TextOfVariant(GetNodeValue(attribute)));
+        names.Add(Characters(attribute->GetnodeName()));
+        values.Add(TextOfVariant(attribute->GetnodeValue()));
     }
 }
 
-CStringArray* GetValuesOfAttribute(const IXMLDOMDocumentPtr& document, const CString& rootName,
+CStringArray* GetValuesOfAttribute(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
                                    const CString& childName, const CString& attribute)
 {
     return ReadValuePath(document, childName, RootByName(rootName), ValuesOf(attribute));
 }
 
-CStringArray* GetValuesOfAttributeByRootText(const IXMLDOMDocumentPtr& document, const CString& rootName,
+CStringArray* GetValuesOfAttributeByRootText(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
                                              const CString& childName, const CString& rootText,
                                              const CString& attribute)
 {
     return ReadValuePath(document, childName, RootByText(rootName, rootText), ValuesOf(attribute));
 }
 
-CStringArray* GetValuesOfAttributeByRootAttribute(const IXMLDOMDocumentPtr& document, const CString& rootName,
+CStringArray* GetValuesOfAttributeByRootAttribute(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
                                                   const CString& childName, const CString& rootAttribute,
                                                   const CString& rootValue, const CString& attribute)
 {
     return ReadValuePath(document, childName, RootByAttribute(rootName, rootAttribute, rootValue), ValuesOf(attribute));
 }
 
-CStringArray* GetTextsOfChildren(const IXMLDOMDocumentPtr& document, const CString& rootName, const CString& childName)
+CStringArray* GetTextsOfChildren(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
+                                 const CString& childName)
 {
     return ReadValuePath(document, childName, RootByName(rootName), GetTextsOfNodes);
 }
 
-CStringArray* GetTextsOfChildrenByRootText(const IXMLDOMDocumentPtr& document, const CString& rootName,
+CStringArray* GetTextsOfChildrenByRootText(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
                                            const CString& childName, const CString& rootText)
 {
     return ReadValuePath(document, childName, RootByText(rootName, rootText), GetTextsOfNodes);
 }
 
-CStringArray* GetTextsOfChildrenByRootAttribute(const IXMLDOMDocumentPtr& document, const CString& rootName,
+CStringArray* GetTextsOfChildrenByRootAttribute(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
                                                 const CString& childName, const CString& rootAttribute,
                                                 const CString& rootValue)
 {

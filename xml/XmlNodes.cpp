@@ -1,9 +1,12 @@
 #include "xml/XmlNodes.h"
 
-#include "xml/ComHelpers.h"
-#include "xml/XmlInternal.h"
+#include "base/MemoryInternal.h"
+#include "xml/DomTextInternal.h"
+#include "xml/NodeArray.h"
+#include "xml/NodeSearchInternal.h"
+#include "xml/XmlStatusInternal.h"
 
-#include <cwchar>
+#include <algorithm>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -11,94 +14,43 @@
 namespace
 {
 
-using namespace MSXML2;
 using namespace xml_internal;
 
-bool HasName(IXMLDOMNode* node, const wchar_t* name)
+bool HasName(const MSXML2::IXMLDOMNodePtr& node, const CString& name)
 {
-    DomText found;
-    Check(node->get_nodeName(found.Out()), node);
-    return std::wcscmp(found.Get(), name) == 0;
+    return name == Characters(node->GetnodeName());
 }
 
-bool HasText(IXMLDOMNode* node, const wchar_t* text)
+// Adds a node with a reference of the array's own.
+void AddWithReference(QuonNodeArray& nodes, const MSXML2::IXMLDOMNodePtr& node)
 {
-    DomText found;
-    Check(node->get_text(found.Out()), node);
-    return std::wcscmp(found.Get(), text) == 0;
-}
-
-// The list that a search begins with. Its cursor may stand anywhere: callers have used it before.
-void BeginSearch(const IXMLDOMNodeListPtr& nodes)
-{
-    Require(nodes, L"pNodes is NULL!");
-    Reset(nodes);
+    // By itself the array grows by 1024 entries at most and copies itself ever more often. It is made to double
+    // instead.
+    const INT_PTR size = nodes.GetSize();
+    if (size >= 1024 && (size & (size - 1)) == 0)
+    {
+        nodes.SetSize(size, size);
+    }
+    nodes.Add(node);
+    node->AddRef();
 }
 
 template <typename Matches>
-IXMLDOMNodePtr FindFirst(IXMLDOMNodeList* nodes, bool recursive, const Matches& matches)
+MSXML2::IXMLDOMNodePtr FindFirst(const MSXML2::IXMLDOMNodeListPtr& nodes, bool recursive, const Matches& matches)
 {
-    IXMLDOMNodePtr found;
-    ForEachNode(nodes, [&](const IXMLDOMNodePtr& node) {
-        if (matches(node))
-        {
-            found = node;
-        }
-        else if (recursive)
-        {
-            found = FindFirst(ChildrenToSearch(node), recursive, matches);
-        }
-        return !found;
-    });
-    return found;
-}
-
-// Fills an empty array that doubles: the array's own way to append looks at its growth for each entry. Entries that are
-// not filled yet are null, which whoever releases the array passes over.
-class NodeFiller
-{
-public:
-    explicit NodeFiller(QuonNodeArray& nodes) : m_nodes(nodes) {}
-    NodeFiller(const NodeFiller&) = delete;
-    NodeFiller& operator=(const NodeFiller&) = delete;
-
-    // The array gets the reference that `held` has, and `held` is empty.
-    void Take(IXMLDOMNodePtr& held)
+    MSXML2::IXMLDOMNodePtr found;
+    BeginSearch(nodes);
+    if (nodes->Getlength() > 0)
     {
-        if (m_count == m_room)
-        {
-            m_room = m_room == 0 ? kFirstRoom : 2 * m_room;
-            m_nodes.SetSize(m_room);
-            m_entries = m_nodes.GetData();
-        }
-        m_entries[m_count++] = held.Detach();
+        ForEachNode(nodes, recursive, [&](const MSXML2::IXMLDOMNodePtr& node) {
+            if (matches(node))
+            {
+                found = node;
+            }
+            return !found;
+        });
     }
-
-    void Finish() { m_nodes.SetSize(m_count); }
-
-private:
-    static constexpr INT_PTR kFirstRoom = 16;
-
-    QuonNodeArray& m_nodes;
-    void** m_entries = nullptr;
-    INT_PTR m_count = 0;
-    INT_PTR m_room = 0;
-};
-
-void CollectByName(IXMLDOMNodeList* nodes, const wchar_t* name, bool recursive, NodeFiller& found)
-{
-    ForEachNode(nodes, [&](IXMLDOMNodePtr& held) {
-        IXMLDOMNode* const node = held;
-        if (HasName(node, name))
-        {
-            found.Take(held);
-        }
-        if (recursive)
-        {
-            CollectByName(ChildrenToSearch(node), name, recursive, found);
-        }
-        return true;
-    });
+    return found;
 }
 
 struct AttributeCondition
@@ -107,58 +59,40 @@ struct AttributeCondition
     CString value;
 };
 
-void RequireResult(HRESULT result)
+bool Meets(const MSXML2::IXMLDOMNamedNodeMapPtr& attributes, const AttributeCondition& condition)
 {
-    if (FAILED(result))
+    const MSXML2::IXMLDOMNodePtr attribute = attributes->getNamedItem(condition.name);
+    if (!attribute)
     {
-        throw FormatHResultText(result);
+        return false;
     }
+    _variant_t value;
+    RequireResult(attribute->get_nodeValue(&value));
+    return TextOfVariant(value) == condition.value;
 }
 
-bool MeetsAll(IXMLDOMNode* node, const std::vector<AttributeCondition>& conditions)
+bool MeetsAll(const MSXML2::IXMLDOMNodePtr& node, const std::vector<AttributeCondition>& conditions)
 {
     if (conditions.empty())
     {
         return true;
     }
-    IXMLDOMNamedNodeMapPtr attributes;
+    MSXML2::IXMLDOMNamedNodeMapPtr attributes;
     Require(SUCCEEDED(node->get_attributes(&attributes)), L"get_Attributes failed");
-    if (!attributes)
-    {
-        // Texts and comments have no attributes at all: no match and no failure.
-        return false;
-    }
-    for (const AttributeCondition& condition : conditions)
-    {
-        IXMLDOMNodePtr attribute;
-        Check(attributes->getNamedItem(condition.name, &attribute), attributes.GetInterfacePtr());
-        if (!attribute)
-        {
-            return false;
-        }
-        _variant_t value;
-        RequireResult(attribute->get_nodeValue(&value));
-        if (!IsText(value, condition.value))
-        {
-            return false;
-        }
-    }
-    return true;
+    // Texts and comments have no attributes at all: no match and no failure.
+    return attributes && std::all_of(conditions.begin(), conditions.end(),
+                                     [&](const AttributeCondition& condition) { return Meets(attributes, condition); });
 }
 
-void CollectByAttributes(IXMLDOMNodeList* nodes, const wchar_t* name, const std::vector<AttributeCondition>& conditions,
-                         bool recursive, QuonNodeArray& result)
+void CollectByAttributes(const MSXML2::IXMLDOMNodeListPtr& nodes, const CString& name,
+                         const std::vector<AttributeCondition>& conditions, bool recursive, QuonNodeArray& result)
 {
-    ForEachNode(nodes, [&](const IXMLDOMNodePtr& node) {
-        DomText nodeName;
-        RequireResult(node->get_nodeName(nodeName.Out()));
-        if (std::wcscmp(nodeName.Get(), name) == 0 && MeetsAll(node, conditions))
+    ForEachNode(nodes, recursive, [&](const MSXML2::IXMLDOMNodePtr& node) {
+        _bstr_t nodeName;
+        RequireResult(node->get_nodeName(nodeName.GetAddress()));
+        if (name == Characters(nodeName) && MeetsAll(node, conditions))
         {
             AddWithReference(result, node);
-        }
-        if (recursive)
-        {
-            CollectByAttributes(ChildrenToSearch(node), name, conditions, recursive, result);
         }
         return true;
     });
@@ -178,31 +112,31 @@ void AppendMissing(QuonNodeArray& growing, const QuonNodeArray& toAdd, const Rea
     std::wstring key;
     for (INT_PTR i = 0; i < growing.GetSize(); ++i)
     {
-        if (growing[i] != nullptr && readKey(growing[i], key))
+        if (growing[i] != nullptr && readKey(*growing[i], key))
         {
             known.insert(key);
         }
     }
     for (INT_PTR i = 0; i < toAdd.GetSize(); ++i)
     {
-        if (toAdd[i] != nullptr && readKey(toAdd[i], key) && known.insert(key).second)
+        if (toAdd[i] != nullptr && readKey(*toAdd[i], key) && known.insert(key).second)
         {
             AddWithReference(growing, toAdd[i]);
         }
     }
 }
 
-bool ReadNameAndText(IXMLDOMNode* node, std::wstring& key)
+bool ReadNameAndText(MSXML2::IXMLDOMNode& node, std::wstring& key)
 {
-    DomText name;
-    DomText text;
-    if (FAILED(node->get_nodeName(name.Out())) || FAILED(node->get_text(text.Out())))
+    _bstr_t name;
+    _bstr_t text;
+    if (FAILED(node.get_nodeName(name.GetAddress())) || FAILED(node.get_text(text.GetAddress())))
     {
         return false;
     }
-    key.assign(name.Get());
+    key.assign(Characters(name));
     key.push_back(L'\0');
-    key.append(text.Get());
+    key.append(Characters(text));
     return true;
 }
 
@@ -217,7 +151,7 @@ void ReleaseNodeArray(QuonNodeArray* nodes)
     void** const entries = nodes->GetData();
     for (INT_PTR i = nodes->GetSize() - 1; i >= 0; --i)
     {
-        IXMLDOMNode* const node = static_cast<IXMLDOMNode*>(entries[i]);
+        MSXML2::IXMLDOMNode* const node = static_cast<MSXML2::IXMLDOMNode*>(entries[i]);
         if (node != nullptr)
         {
             node->Release();
@@ -226,84 +160,76 @@ void ReleaseNodeArray(QuonNodeArray* nodes)
     nodes->SetSize(0, -1);
 }
 
-IXMLDOMNodeListPtr GetDocumentChildNodes(const IXMLDOMDocumentPtr& document)
+MSXML2::IXMLDOMNodeListPtr GetDocumentChildNodes(const MSXML2::IXMLDOMDocumentPtr& document)
 {
     return ReportingComErrors([&] {
         Require(document, L"pDoc is NULL!");
-        IXMLDOMNodeListPtr nodes;
+        MSXML2::IXMLDOMNodeListPtr nodes;
         document->get_childNodes(&nodes);
         Require(nodes, L"get_childNodes failed!");
-        // The length tells whether the list can be read at all.
-        GetLength(nodes);
+        // The length shows whether the list can be read at all.
+        nodes->Getlength();
         return nodes;
     });
 }
 
-IXMLDOMNodePtr FindFirstNodeByName(const IXMLDOMNodeListPtr& nodes, const CString& name, bool recursive)
+MSXML2::IXMLDOMNodePtr FindFirstNodeByName(const MSXML2::IXMLDOMNodeListPtr& nodes, const CString& name, bool recursive)
 {
-    BeginSearch(nodes);
-    if (GetLength(nodes) < 1)
-    {
-        return IXMLDOMNodePtr();
-    }
-    return FindFirst(nodes, recursive, [&](IXMLDOMNode* node) { return HasName(node, name); });
+    return FindFirst(nodes, recursive, [&](const MSXML2::IXMLDOMNodePtr& node) { return HasName(node, name); });
 }
 
-QuonNodeArray* FindNodesByName(const IXMLDOMNodeListPtr& nodes, const CString& name, bool recursive)
+QuonNodeArray* FindNodesByName(const MSXML2::IXMLDOMNodeListPtr& nodes, const CString& name, bool recursive)
 {
     return ReportingComErrors([&] {
-        OwnedNodeArray found(MakeArray<QuonNodeArray>());
+        QuonNodeArrayOwner found(MakeInMemory<QuonNodeArray>().release());
         Require(found != nullptr, L"pFound is NULL!");
         BeginSearch(nodes);
-        if (GetLength(nodes) > 0)
+        if (nodes->Getlength() > 0)
         {
-            NodeFiller filler(*found);
-            CollectByName(nodes, name, recursive, filler);
-            filler.Finish();
+            ForEachNode(nodes, recursive, [&](const MSXML2::IXMLDOMNodePtr& node) {
+                if (HasName(node, name))
+                {
+                    AddWithReference(*found, node);
+                }
+                return true;
+            });
         }
         return found.release();
     });
 }
 
-IXMLDOMNodePtr FindNodeByNameAndText(const IXMLDOMNodeListPtr& nodes, const CString& name, const CString& text,
-                                     bool recursive)
+MSXML2::IXMLDOMNodePtr FindNodeByNameAndText(const MSXML2::IXMLDOMNodeListPtr& nodes, const CString& name,
+                                             const CString& text, bool recursive)
 {
-    BeginSearch(nodes);
-    if (GetLength(nodes) < 1)
-    {
-        return IXMLDOMNodePtr();
-    }
-    return FindFirst(nodes, recursive, [&](IXMLDOMNode* node) { return HasName(node, name) && HasText(node, text); });
+    return FindFirst(nodes, recursive, [&](const MSXML2::IXMLDOMNodePtr& node) {
+        return HasName(node, name) && text == Characters(node->Gettext());
+    });
 }
 
-QuonNodeArray* GetChildNodesOfRoot(const IXMLDOMDocumentPtr& document, const CString& rootName,
+QuonNodeArray* GetChildNodesOfRoot(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
                                    const CString& childName)
 {
     Require(document, L"pDoc is NULL!");
-    OwnedNodeArray nodes(MakeArray<QuonNodeArray>());
+    QuonNodeArrayOwner nodes(MakeInMemory<QuonNodeArray>().release());
     Require(nodes != nullptr, L"pNodes is NULL!");
-    const IXMLDOMNodeListPtr rootNodes = GetDocumentChildNodes(document);
+    const MSXML2::IXMLDOMNodeListPtr rootNodes = GetDocumentChildNodes(document);
     Require(rootNodes, L"pRootNodeList is NULL!");
-    const IXMLDOMNodePtr root = FindFirstNodeByName(rootNodes, rootName, true);
+    const MSXML2::IXMLDOMNodePtr root = FindFirstNodeByName(rootNodes, rootName, true);
     Require(root, L"pTargetRootNode is NULL!");
-    IXMLDOMNodeListPtr children;
-    const HRESULT result = root->get_childNodes(&children);
-    if (FAILED(result))
-    {
-        throw L"pTargetRootNode->get_childNodes failed:\n" + FormatHResultText(result);
-    }
+    MSXML2::IXMLDOMNodeListPtr children;
+    RequireResult(root->get_childNodes(&children), L"pTargetRootNode->get_childNodes failed:\n");
     nodes.reset(FindNodesByName(children, childName, true));
     return nodes.release();
 }
 
-void CollectNodesWithAttributes(QuonNodeArray& result, const IXMLDOMNodeListPtr& nodes, const CString& name,
+void CollectNodesWithAttributes(QuonNodeArray& result, const MSXML2::IXMLDOMNodeListPtr& nodes, const CString& name,
                                 const CString& attribute, const CString& value, bool recursive)
 {
     BeginSearch(nodes);
     CollectByAttributes(nodes, name, {AttributeCondition{ToBstr(attribute), value}}, recursive, result);
 }  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): it does not follow the reference count of _bstr_t
 
-void CollectNodesWithAttributes(QuonNodeArray& result, const IXMLDOMNodeListPtr& nodes, const CString& name,
+void CollectNodesWithAttributes(QuonNodeArray& result, const MSXML2::IXMLDOMNodeListPtr& nodes, const CString& name,
                                 const CStringArray& pairs, bool recursive)
 {
     BeginSearch(nodes);
@@ -330,8 +256,8 @@ void AddNodesByAttribute(QuonNodeArray* growing, const QuonNodeArray* toAdd, con
     Require(!attribute.IsEmpty(), L"AttributeName is empty!");
     Require(growing != nullptr, L"pGrowingNodes is NULL!");
     Require(toAdd != nullptr, L"pNodesToAdd is NULL!");
-    const DomArgument name(attribute);
-    AppendMissing(*growing, *toAdd, [&](IXMLDOMNode* node, std::wstring& key) {
+    const _bstr_t name = ToBstr(attribute);
+    AppendMissing(*growing, *toAdd, [&](MSXML2::IXMLDOMNode& node, std::wstring& key) {
         key.assign(AttributeText(node, name).GetString());
         return true;
     });

@@ -6,7 +6,11 @@
 /// `_com_error` where no text is named for them.
 ///
 /// Arrays: a returned array is new and belongs to the caller, who gives up a node array by `ReleaseNodeArray` and then
-/// `delete`, and a string array by `delete`. No array leaks when a function throws.
+/// `delete` (`QuonNodeArrayOwner` of "xml/NodeArray.h" does both), and a string array by `delete`. No array leaks when a
+/// function throws.
+///
+/// Lists: a search puts the cursor of the list that it gets before the first node and moves it from there; the caller's
+/// own iteration of that list is lost. Documents may be of any depth.
 ///
 /// Names, texts and values are compared exactly, with case. All calls belong on the thread of the document.
 #pragma once
@@ -92,7 +96,7 @@ QUON_API CString GetAttributeValueByName(const MSXML2::IXMLDOMNodePtr& node, con
 QUON_API void GetAllAttributes(const MSXML2::IXMLDOMNodePtr& node, CStringArray& names, CStringArray& values);
 
 // Values by path: find a root node anywhere in the document, take the nodes called `childName` anywhere below it, and
-// return their texts or the values of one attribute. A status text thrown on the way is passed on behind
+// return their texts or the values of one attribute. A status text thrown on the way is passed on after
 // "Exception in GetValuesOfAttribute():\n", in all six.
 
 /// The root is the first node called `rootName`.

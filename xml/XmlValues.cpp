@@ -1,12 +1,11 @@
 #include "xml/XmlValues.h"
 
 #include "base/RuntimeInternal.h"
-#include "xml/XmlInternal.h"
+#include "xml/DomTextInternal.h"
 
 namespace
 {
 
-using namespace MSXML2;
 using namespace xml_internal;
 
 // -1 until asked, then 1 or 0. Without a lock: a race repeats the same answer.
@@ -14,10 +13,10 @@ int g_nWindowsXPOrLater = -1;
 
 // The typed value of what `query` finds, converted to `type`. Nothing found, and a conversion that succeeds without
 // giving the type, leave another type in it.
-_variant_t ReadValue(IXMLDOMNode* node, const CString& query, VARTYPE type)
+_variant_t ReadValue(const MSXML2::IXMLDOMNodePtr& node, const CString& query, VARTYPE type)
 {
-    const IXMLDOMNodePtr found = SelectSingleNode(node, ToBstr(query));
-    _variant_t value = found ? GetNodeTypedValue(found) : _variant_t();
+    const MSXML2::IXMLDOMNodePtr found = node->selectSingleNode(ToBstr(query));
+    _variant_t value = found ? found->GetnodeTypedValue() : _variant_t();
     if (found && value.vt != type)
     {
         const HRESULT result = ::VariantChangeType(&value, &value, 0, type);
@@ -29,13 +28,13 @@ _variant_t ReadValue(IXMLDOMNode* node, const CString& query, VARTYPE type)
     return value;
 }
 
-void WriteAttribute(const IXMLDOMNodePtr& node, const CString& name, const _variant_t& value)
+void WriteAttribute(const MSXML2::IXMLDOMNodePtr& node, const CString& name, const _variant_t& value)
 {
-    // Empty for a node that is no element; any other failed query is raised.
-    const IXMLDOMElementPtr element = QueryFor<IXMLDOMElementPtr>(node);
+    // Empty for a node that is not an element; any other failed query is raised.
+    const MSXML2::IXMLDOMElementPtr element(node);
     if (element)
     {
-        Check(element->setAttribute(DomArgument(name), value), element.GetInterfacePtr());
+        element->setAttribute(ToBstr(name), value);
     }
 }
 
@@ -74,36 +73,36 @@ private:
 
 }  // namespace
 
-CString GetXmlString(const IXMLDOMNodePtr& node, const CString& query)
+CString GetXmlString(const MSXML2::IXMLDOMNodePtr& node, const CString& query)
 {
-    const IXMLDOMNodePtr found = SelectSingleNode(node, ToBstr(query));
+    const MSXML2::IXMLDOMNodePtr found = node->selectSingleNode(ToBstr(query));
     if (!found)
     {
         return CString();
     }
-    const _variant_t value = GetNodeTypedValue(found);
+    const _variant_t value = found->GetnodeTypedValue();
     return value.vt == VT_BSTR ? CString(value.bstrVal) : CString();
 }
 
-bool GetXmlBool(const IXMLDOMNodePtr& node, const CString& query)
+bool GetXmlBool(const MSXML2::IXMLDOMNodePtr& node, const CString& query)
 {
     const _variant_t value = ReadValue(node, query, VT_BOOL);
     return value.vt == VT_BOOL && value.boolVal != VARIANT_FALSE;
 }
 
-short GetXmlShort(const IXMLDOMNodePtr& node, const CString& query)
+short GetXmlShort(const MSXML2::IXMLDOMNodePtr& node, const CString& query)
 {
     const _variant_t value = ReadValue(node, query, VT_I2);
     return value.vt == VT_I2 ? value.iVal : short{0};
 }
 
-long GetXmlLong(const IXMLDOMNodePtr& node, const CString& query)
+long GetXmlLong(const MSXML2::IXMLDOMNodePtr& node, const CString& query)
 {
     const _variant_t value = ReadValue(node, query, VT_I4);
     return value.vt == VT_I4 ? value.lVal : 0;
 }
 
-__int64 GetXmlInt64(const IXMLDOMNodePtr& node, const CString& query)
+__int64 GetXmlInt64(const MSXML2::IXMLDOMNodePtr& node, const CString& query)
 {
     if (!IsWindowsXPOrLater())
     {
@@ -115,13 +114,13 @@ __int64 GetXmlInt64(const IXMLDOMNodePtr& node, const CString& query)
     return value.vt == VT_I8 ? value.llVal : 0;
 }
 
-unsigned long GetXmlULong(const IXMLDOMNodePtr& node, const CString& query)
+unsigned long GetXmlULong(const MSXML2::IXMLDOMNodePtr& node, const CString& query)
 {
     const _variant_t value = ReadValue(node, query, VT_UI4);
     return value.vt == VT_UI4 ? value.ulVal : 0;
 }
 
-double GetXmlDouble(const IXMLDOMNodePtr& node, const CString& query)
+double GetXmlDouble(const MSXML2::IXMLDOMNodePtr& node, const CString& query)
 {
     SeparatorSwitch decimal(LOCALE_SDECIMAL, L".");
     SeparatorSwitch thousands(LOCALE_STHOUSAND, L",");
@@ -133,27 +132,27 @@ double GetXmlDouble(const IXMLDOMNodePtr& node, const CString& query)
     return value.vt == VT_R8 ? value.dblVal : 0.0;
 }
 
-void SetXmlString(const IXMLDOMNodePtr& node, const CString& name, const CString& value)
+void SetXmlString(const MSXML2::IXMLDOMNodePtr& node, const CString& name, const CString& value)
 {
     WriteAttribute(node, name, _variant_t(value.GetString()));
 }
 
-void SetXmlBool(const IXMLDOMNodePtr& node, const CString& name, bool value)
+void SetXmlBool(const MSXML2::IXMLDOMNodePtr& node, const CString& name, bool value)
 {
     WriteAttribute(node, name, _variant_t(value));
 }
 
-void SetXmlShort(const IXMLDOMNodePtr& node, const CString& name, short value)
+void SetXmlShort(const MSXML2::IXMLDOMNodePtr& node, const CString& name, short value)
 {
     WriteAttribute(node, name, _variant_t(value));
 }
 
-void SetXmlLong(const IXMLDOMNodePtr& node, const CString& name, long value)
+void SetXmlLong(const MSXML2::IXMLDOMNodePtr& node, const CString& name, long value)
 {
     WriteAttribute(node, name, _variant_t(value));
 }
 
-void SetXmlInt64(const IXMLDOMNodePtr& node, const CString& name, __int64 value)
+void SetXmlInt64(const MSXML2::IXMLDOMNodePtr& node, const CString& name, __int64 value)
 {
     if (!IsWindowsXPOrLater())
     {
@@ -165,12 +164,12 @@ void SetXmlInt64(const IXMLDOMNodePtr& node, const CString& name, __int64 value)
     WriteAttribute(node, name, _variant_t(value));
 }
 
-void SetXmlULong(const IXMLDOMNodePtr& node, const CString& name, unsigned long value)
+void SetXmlULong(const MSXML2::IXMLDOMNodePtr& node, const CString& name, unsigned long value)
 {
     WriteAttribute(node, name, _variant_t(value));
 }
 
-void SetXmlDouble(const IXMLDOMNodePtr& node, const CString& name, double value)
+void SetXmlDouble(const MSXML2::IXMLDOMNodePtr& node, const CString& name, double value)
 {
     WriteAttribute(node, name, _variant_t(value));
 }

@@ -220,7 +220,7 @@ void CheckDocuments()
         CHECK(SUCCEEDED(xml.CreateDocument()));
         CreateLandXmlDocument(xml.GetDocument());
         const MSXML2::IXMLDOMNodePtr root = GetLandXmlRoot(xml.GetDocument());
-        CHECK(root && wcscmp(MSXML2::GetNodeName(root), L"LandXML") == 0);
+        CHECK(root && wcscmp(root->GetnodeName(), L"LandXML") == 0);
     }
     ::CoUninitialize();
 }

@@ -226,3 +226,15 @@ private:
     typedef _COM_SMARTPTR<_COM_SMARTPTR_LEVEL2<Interface, &IID>> Interface##Ptr
 
 _COM_SMARTPTR_TYPEDEF(IUnknown, __uuidof(IUnknown));
+
+// The compiler's own header declares these too, in the global namespace: a source that says `using namespace MSXML2`
+// and then a name of either is ambiguous.
+#if defined(__IXMLDOMNode_INTERFACE_DEFINED__)
+_COM_SMARTPTR_TYPEDEF(IXMLDOMAttribute, __uuidof(IXMLDOMAttribute));
+_COM_SMARTPTR_TYPEDEF(IXMLDOMDocument, __uuidof(IXMLDOMDocument));
+_COM_SMARTPTR_TYPEDEF(IXMLDOMElement, __uuidof(IXMLDOMElement));
+_COM_SMARTPTR_TYPEDEF(IXMLDOMNamedNodeMap, __uuidof(IXMLDOMNamedNodeMap));
+_COM_SMARTPTR_TYPEDEF(IXMLDOMNode, __uuidof(IXMLDOMNode));
+_COM_SMARTPTR_TYPEDEF(IXMLDOMNodeList, __uuidof(IXMLDOMNodeList));
+_COM_SMARTPTR_TYPEDEF(IXMLDOMParseError, __uuidof(IXMLDOMParseError));
+#endif

@@ -1,6 +1,7 @@
 // Writes a LandXML document with three points, loads it again and reads them.
 #include "paths/QuonPath.h"
 
+#include "xml/NodeArray.h"
 #include "xml/QuonXml.h"
 #include "xml/XmlDocument.h"
 #include "xml/XmlNodes.h"
@@ -33,13 +34,8 @@ void ReadSurvey(const CString& fileName)
 {
     QuonXml xml(fileName, false, false, false);
     xml.Load();
-    // The caller owns the arrays: the nodes hold references, and go before the array does.
-    const auto release = [](QuonNodeArray* nodes) {
-        ReleaseNodeArray(nodes);
-        delete nodes;
-    };
-    const std::unique_ptr<QuonNodeArray, decltype(release)> points(
-        GetChildNodesOfRoot(xml.GetDocument(), L"CgPoints", L"CgPoint"), release);
+    // The caller owns the arrays. That of the nodes holds references, which its owner releases first.
+    const QuonNodeArrayOwner points(GetChildNodesOfRoot(xml.GetDocument(), L"CgPoints", L"CgPoint"));
     const std::unique_ptr<CStringArray> names(GetAttributeValuesOfNodes(points.get(), L"name"));
     const std::unique_ptr<CStringArray> texts(GetTextsOfNodes(points.get()));
     for (INT_PTR index = 0; index < names->GetSize(); ++index)

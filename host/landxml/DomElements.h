@@ -27,16 +27,12 @@ inline std::wstring_view View(const _bstr_t& text)
 /// The namespace of a node; "" when it has none.
 inline std::wstring NamespaceOf(MSXML2::IXMLDOMNode* node)
 {
-    BSTR uri = nullptr;
-    MSXML2::Check(node->get_namespaceURI(&uri), node);
-    return std::wstring(View(_bstr_t(uri, false)));
+    return std::wstring(View(node->GetnamespaceURI()));
 }
 
 inline bool IsElement(MSXML2::IXMLDOMNode* node)
 {
-    DOMNodeType type = NODE_INVALID;
-    MSXML2::Check(node->get_nodeType(&type), node);
-    return type == NODE_ELEMENT;
+    return node->GetnodeType() == MSXML2::NODE_ELEMENT;
 }
 
 /// The value of an attribute; "" when the element does not have it.
@@ -48,7 +44,7 @@ inline std::wstring AttributeOf(const MSXML2::IXMLDOMNodePtr& node, const wchar_
 /// The number of children of every kind: the steps that a walk over them makes.
 inline size_t CountChildren(const MSXML2::IXMLDOMNodePtr& node)
 {
-    return static_cast<size_t>(MSXML2::GetLength(MSXML2::GetChildNodes(node)));
+    return static_cast<size_t>(node->GetchildNodes()->Getlength());
 }
 
 /// Calls `visit(child)` for each child element of `parent` with the local name, in the parent's own namespace.
@@ -58,9 +54,9 @@ template <typename Visit>
 void ForEachElement(MSXML2::IXMLDOMNode* parent, std::wstring_view name, const Visit& visit)
 {
     const std::wstring space = NamespaceOf(parent);
-    for (MSXML2::IXMLDOMNodePtr child = MSXML2::GetFirstChild(parent); child; child = MSXML2::GetNextSibling(child))
+    for (MSXML2::IXMLDOMNodePtr child = parent->GetfirstChild(); child; child = child->GetnextSibling())
     {
-        if (LocalName(View(MSXML2::GetNodeName(child))) == name && IsElement(child) && NamespaceOf(child) == space)
+        if (LocalName(View(child->GetnodeName())) == name && IsElement(child) && NamespaceOf(child) == space)
         {
             visit(child);
         }

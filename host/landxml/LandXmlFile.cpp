@@ -22,13 +22,13 @@ using MSXML2::IXMLDOMNodePtr;
 // What the parser has to say of a file that it could not load; "" when it says nothing.
 std::wstring WhereItFailed(const IXMLDOMDocumentPtr& document)
 {
-    const MSXML2::IXMLDOMParseErrorPtr error = MSXML2::GetParseError(document);
-    const long line = MSXML2::GetLine(error);
+    const MSXML2::IXMLDOMParseErrorPtr error = document->GetparseError();
+    const long line = error->Getline();
     if (line <= 0)
     {
         return L"";
     }
-    CString reason(View(MSXML2::GetReason(error)).data());
+    CString reason(static_cast<const wchar_t*>(error->Getreason()));
     return L", line " + std::to_wstring(line) + L": " + reason.Trim().GetString();
 }
 
@@ -37,8 +37,11 @@ _variant_t BytesOf(const std::string& text)
 {
     SAFEARRAY* const bytes = ::SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(text.size()));
     void* data = nullptr;
-    MSXML2::NotNull(bytes);
-    MSXML2::Check(::SafeArrayAccessData(bytes, &data), static_cast<IUnknown*>(nullptr));
+    const HRESULT result = bytes == nullptr ? E_OUTOFMEMORY : ::SafeArrayAccessData(bytes, &data);
+    if (FAILED(result))
+    {
+        _com_issue_error(result);
+    }
     std::copy(text.begin(), text.end(), static_cast<char*>(data));
     ::SafeArrayUnaccessData(bytes);
     _variant_t value;
@@ -55,8 +58,8 @@ IXMLDOMDocumentPtr LoadDocument(const std::string& name)
     const QuonXml xml(L"", false, false, false);
     const IXMLDOMDocumentPtr document = xml.GetDocument();
     // By itself a document loads in the background.
-    MSXML2::PutAsync(document, VARIANT_FALSE);
-    if (MSXML2::Load(document, BytesOf(text)) == VARIANT_FALSE)
+    document->Putasync(VARIANT_FALSE);
+    if (document->load(BytesOf(text)) == VARIANT_FALSE)
     {
         throw CommandError(L"\"" + ToWide(name) + L"\" cannot be read as XML" + WhereItFailed(document));
     }
@@ -66,9 +69,9 @@ IXMLDOMDocumentPtr LoadDocument(const std::string& name)
 IXMLDOMNodePtr FindRoot(const IXMLDOMDocumentPtr& document)
 {
     const MSXML2::IXMLDOMNodeListPtr nodes = GetDocumentChildNodes(document);
-    while (const IXMLDOMNodePtr node = MSXML2::NextNode(nodes))
+    while (const IXMLDOMNodePtr node = nodes->nextNode())
     {
-        if (IsElement(node) && LocalName(View(MSXML2::GetNodeName(node))) == L"LandXML")
+        if (IsElement(node) && LocalName(View(node->GetnodeName())) == L"LandXML")
         {
             return node;
         }
@@ -117,7 +120,7 @@ void ReadSurfacePoints(const IXMLDOMNodePtr& points, VxGePoint3dArray& places, S
 {
     Steps steps(CountChildren(points));
     ForEachElement(points, L"P", [&](const IXMLDOMNodePtr& point) {
-        const std::optional<CgPlace> place = ParsePlace(View(MSXML2::GetText(point)));
+        const std::optional<CgPlace> place = ParsePlace(View(point->Gettext()));
         ++info.points;
         if (place && place->elevation)
         {
@@ -244,7 +247,7 @@ std::vector<CgPoint> LandXmlFile::ReadPoints() const
         CgPoint point;
         point.name = AttributeOf(node, L"name");
         point.code = AttributeOf(node, L"code");
-        point.text = View(MSXML2::GetText(node));
+        point.text = View(node->Gettext());
         if (point.text.empty())
         {
             point.reference = AttributeOf(node, L"pntRef");

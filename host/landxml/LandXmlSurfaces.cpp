@@ -61,7 +61,7 @@ private:
     void AddPoint(const IXMLDOMNodePtr& point)
     {
         const std::wstring id = AttributeOf(point, L"id");
-        const std::wstring text(View(MSXML2::GetText(point)));
+        const std::wstring text(View(point->Gettext()));
         const std::optional<CgPlace> place = ParsePlace(text);
         if (!place || !place->elevation)
         {
@@ -89,7 +89,7 @@ private:
         {
             return;
         }
-        const std::wstring text(View(MSXML2::GetText(face)));
+        const std::wstring text(View(face->Gettext()));
         std::vector<size_t> corners;
         for (const std::wstring_view id : WordsOf(text))
         {

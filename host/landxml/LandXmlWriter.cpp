@@ -224,8 +224,7 @@ void FillFaces(QuonMultiTriFaceReader& reader, const Survey& survey)
 
 void AddDeclaration(const MSXML2::IXMLDOMDocumentPtr& document)
 {
-    MSXML2::AppendChild(document,
-                        MSXML2::CreateProcessingInstruction(document, L"xml", L"version=\"1.0\" encoding=\"UTF-8\""));
+    document->appendChild(document->createProcessingInstruction(L"xml", L"version=\"1.0\" encoding=\"UTF-8\""));
 }
 
 void AddSurvey(const DomBranch& root, const Survey& survey)

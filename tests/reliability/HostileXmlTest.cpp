@@ -78,7 +78,7 @@ TEST_F(HostileXml, ManyThousandAttributesAreLoaded)
     ASSERT_EQ(LoadText(xml, WithAttributes(count)), S_OK);
     const MSXML2::IXMLDOMNodePtr root = quon_test::Find(xml.GetDocument(), L"r");
     ASSERT_TRUE(root);
-    EXPECT_EQ(MSXML2::GetLength(MSXML2::GetAttributes(root)), count);
+    EXPECT_EQ(root->Getattributes()->Getlength(), count);
     const std::wstring last = std::to_wstring(count - 1);
     EXPECT_STREQ(GetAttributeValue(root, (L"a" + last).c_str()), last.c_str());
     EXPECT_STREQ(GetAttributeValue(root, (L"a" + std::to_wstring(count)).c_str()), L"");
@@ -114,7 +114,8 @@ std::string Nested(int depth)
     return text;
 }
 
-// The parser draws the line: Wine's at 256 levels. Its refusal is handed on, without a piece of the document.
+// Wine's parser refuses more than 256 levels; the platform's own has no limit. A refusal is handed on, without a piece of
+// the document.
 TEST_F(HostileXml, ADepthOfTenThousandIsRefusedAsTheParserSays)
 {
     QuonXml loaded(L"", false, false, false);
@@ -126,9 +127,9 @@ TEST_F(HostileXml, ADepthOfTenThousandIsRefusedAsTheParserSays)
 }
 
 // Depth that no parser refuses: the tree is built node by node.
-TEST_F(HostileXml, ADepthOfAThousandIsBuiltAndSearched)
+TEST_F(HostileXml, ADeepTreeIsBuiltAndSearched)
 {
-    constexpr int kBuilt = 1000;
+    constexpr int kBuilt = 20000;
     QuonXml xml(L"", false, false, false);
     const MSXML2::IXMLDOMDocumentPtr document = xml.GetDocument();
     MSXML2::IXMLDOMNodePtr node = AppendNewElement(document, nullptr, L"e");
@@ -195,7 +196,7 @@ TEST_F(HostileXml, AnEntityBombIsRefused)
     ASSERT_EQ(LoadText(loaded, WithEntities(2)), S_OK);
     const MSXML2::IXMLDOMNodePtr root = quon_test::Find(loaded.GetDocument(), L"r");
     ASSERT_TRUE(root);
-    EXPECT_EQ(MSXML2::GetText(root).length(), 100u);
+    EXPECT_EQ(root->Gettext().length(), 100u);
     QuonXml refused(L"", false, false, false);
     const std::size_t before = PeakMemory();
     EXPECT_EQ(LoadText(refused, WithEntities(10)), E_FAIL);

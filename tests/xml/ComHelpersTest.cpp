@@ -204,7 +204,7 @@ TEST(Msxml2, WrappersRaiseWithTheObjectsOwnDescription)
         list.supports = supports ? S_OK : S_FALSE;
         try
         {
-            MSXML2::GetLength(static_cast<IXMLDOMNodeList*>(&list));
+            static_cast<MSXML2::IXMLDOMNodeList*>(&list)->Getlength();
             ADD_FAILURE() << "nothing raised";
         }
         catch (const _com_error& error)
@@ -218,10 +218,10 @@ TEST(Msxml2, WrappersRaiseWithTheObjectsOwnDescription)
     }
 }
 
-TEST(Msxml2, WrappersRaiseForAnEmptyObject)
+TEST(Msxml2, MembersOfAnEmptyPointerRaise)
 {
-    EXPECT_EQ(ErrorOf([] { MSXML2::GetNodeName(nullptr); }), E_POINTER);
-    EXPECT_EQ(ErrorOf([] { MSXML2::GetReadyState(nullptr); }), E_POINTER);
+    EXPECT_EQ(ErrorOf([] { MSXML2::IXMLDOMNodePtr()->GetnodeName(); }), E_POINTER);
+    EXPECT_EQ(ErrorOf([] { MSXML2::IXMLDOMDocumentPtr()->GetreadyState(); }), E_POINTER);
 }
 
 #if !defined(_MSC_VER)

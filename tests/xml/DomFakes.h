@@ -111,7 +111,7 @@ public:
     std::optional<LONG> length;  ///< what it says it holds, when that is not the truth
     size_t cursor = 0;
 
-    HRESULT STDMETHODCALLTYPE get_item(LONG index, IXMLDOMNode** item) override
+    HRESULT STDMETHODCALLTYPE get_item(LONG index, MSXML2::IXMLDOMNode** item) override
     {
         return this->plan.Run("get_item", [&] { return GiveNode(static_cast<size_t>(index), item); });
     }
@@ -120,18 +120,18 @@ public:
         return this->plan.Run("get_length",
                               [&] { return *out = length.value_or(static_cast<LONG>(nodes.size())), S_OK; });
     }
-    HRESULT STDMETHODCALLTYPE nextNode(IXMLDOMNode** item) override
+    HRESULT STDMETHODCALLTYPE raw_nextNode(MSXML2::IXMLDOMNode** item) override
     {
         return this->plan.Run("nextNode", [&] { return GiveNode(cursor++, item); });
     }
-    HRESULT STDMETHODCALLTYPE reset() override
+    HRESULT STDMETHODCALLTYPE raw_reset() override
     {
         return this->plan.Run("reset", [&] { return cursor = 0, S_OK; });
     }
     HRESULT STDMETHODCALLTYPE get__newEnum(IUnknown**) override { return E_NOTIMPL; }
 
 protected:
-    HRESULT GiveNode(size_t index, IXMLDOMNode** item)
+    HRESULT GiveNode(size_t index, MSXML2::IXMLDOMNode** item)
     {
         if (index >= nodes.size())
         {
@@ -144,24 +144,27 @@ protected:
 };
 
 /// A list of given nodes.
-using FakeList = FakeNodes<IXMLDOMNodeList>;
+using FakeList = FakeNodes<MSXML2::IXMLDOMNodeList>;
 
 /// A map of given attributes: whatever name it is asked for, it gives the first.
-class FakeMap : public FakeNodes<IXMLDOMNamedNodeMap>
+class FakeMap : public FakeNodes<MSXML2::IXMLDOMNamedNodeMap>
 {
 public:
-    HRESULT STDMETHODCALLTYPE getNamedItem(BSTR, IXMLDOMNode** item) override
+    HRESULT STDMETHODCALLTYPE raw_getNamedItem(BSTR, MSXML2::IXMLDOMNode** item) override
     {
         return plan.Run("getNamedItem", [&] { return GiveNode(0, item); });
     }
-    HRESULT STDMETHODCALLTYPE setNamedItem(IXMLDOMNode*, IXMLDOMNode**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE removeNamedItem(BSTR, IXMLDOMNode**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE getQualifiedItem(BSTR, BSTR, IXMLDOMNode**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE removeQualifiedItem(BSTR, BSTR, IXMLDOMNode**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE raw_setNamedItem(MSXML2::IXMLDOMNode*, MSXML2::IXMLDOMNode**) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE raw_removeNamedItem(BSTR, MSXML2::IXMLDOMNode**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE raw_getQualifiedItem(BSTR, BSTR, MSXML2::IXMLDOMNode**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE raw_removeQualifiedItem(BSTR, BSTR, MSXML2::IXMLDOMNode**) override { return E_NOTIMPL; }
 };
 
 /// A parse error with given properties.
-class FakeParseError : public Fake<IXMLDOMParseError>
+class FakeParseError : public Fake<MSXML2::IXMLDOMParseError>
 {
 public:
     LONG code = 0;
@@ -194,12 +197,14 @@ public:
     HRESULT STDMETHODCALLTYPE get_filepos(LONG*) override { return E_NOTIMPL; }
 };
 
-// One method that forwards: FORWARD(get_text, (BSTR* text), (text))
-#define FORWARD(method, parameters, arguments)                                     \
-    HRESULT STDMETHODCALLTYPE method parameters override                           \
-    {                                                                              \
-        return this->plan.Run(#method, [&] { return m_inner->method arguments; }); \
+// One method that forwards: FORWARD(get_text, (BSTR* text), (text)). In plans each has its name without "raw_".
+#define FORWARD_AS(name, method, parameters, arguments)                          \
+    HRESULT STDMETHODCALLTYPE method parameters override                         \
+    {                                                                            \
+        return this->plan.Run(#name, [&] { return m_inner->method arguments; }); \
     }
+#define FORWARD(method, parameters, arguments) FORWARD_AS(method, method, parameters, arguments)
+#define FORWARD_RAW(method, parameters, arguments) FORWARD_AS(method, raw_##method, parameters, arguments)
 
 /// Forwards every operation of a node to a real one. Set `children` or `attributes` to hand out those instead.
 template <typename Interface, typename Pointer>
@@ -208,16 +213,16 @@ class ForwardingNode : public Fake<Interface>
 public:
     explicit ForwardingNode(Pointer inner) : m_inner(std::move(inner)) {}
 
-    IXMLDOMNodeList* children = nullptr;
-    IXMLDOMNamedNodeMap* attributes = nullptr;
+    MSXML2::IXMLDOMNodeList* children = nullptr;
+    MSXML2::IXMLDOMNamedNodeMap* attributes = nullptr;
 
-    HRESULT STDMETHODCALLTYPE get_childNodes(IXMLDOMNodeList** out) override
+    HRESULT STDMETHODCALLTYPE get_childNodes(MSXML2::IXMLDOMNodeList** out) override
     {
         return this->plan.Run("get_childNodes", [&] {
             return children != nullptr ? (Give(children, out), S_OK) : m_inner->get_childNodes(out);
         });
     }
-    HRESULT STDMETHODCALLTYPE get_attributes(IXMLDOMNamedNodeMap** out) override
+    HRESULT STDMETHODCALLTYPE get_attributes(MSXML2::IXMLDOMNamedNodeMap** out) override
     {
         return this->plan.Run("get_attributes", [&] {
             return attributes != nullptr ? (Give(attributes, out), S_OK) : m_inner->get_attributes(out);
@@ -226,78 +231,82 @@ public:
     FORWARD(get_nodeName, (BSTR * out), (out))
     FORWARD(get_nodeValue, (VARIANT * out), (out))
     FORWARD(put_nodeValue, (VARIANT value), (value))
-    FORWARD(get_nodeType, (DOMNodeType * out), (out))
-    FORWARD(get_parentNode, (IXMLDOMNode * *out), (out))
-    FORWARD(get_firstChild, (IXMLDOMNode * *out), (out))
-    FORWARD(get_lastChild, (IXMLDOMNode * *out), (out))
-    FORWARD(get_previousSibling, (IXMLDOMNode * *out), (out))
-    FORWARD(get_nextSibling, (IXMLDOMNode * *out), (out))
-    FORWARD(insertBefore, (IXMLDOMNode * node, VARIANT before, IXMLDOMNode** out), (node, before, out))
-    FORWARD(replaceChild, (IXMLDOMNode * node, IXMLDOMNode* old, IXMLDOMNode** out), (node, old, out))
-    FORWARD(removeChild, (IXMLDOMNode * node, IXMLDOMNode** out), (node, out))
-    FORWARD(appendChild, (IXMLDOMNode * node, IXMLDOMNode** out), (node, out))
-    FORWARD(hasChildNodes, (VARIANT_BOOL * out), (out))
-    FORWARD(get_ownerDocument, (IXMLDOMDocument * *out), (out))
-    FORWARD(cloneNode, (VARIANT_BOOL deep, IXMLDOMNode** out), (deep, out))
+    FORWARD(get_nodeType, (MSXML2::DOMNodeType * out), (out))
+    FORWARD(get_parentNode, (MSXML2::IXMLDOMNode * *out), (out))
+    FORWARD(get_firstChild, (MSXML2::IXMLDOMNode * *out), (out))
+    FORWARD(get_lastChild, (MSXML2::IXMLDOMNode * *out), (out))
+    FORWARD(get_previousSibling, (MSXML2::IXMLDOMNode * *out), (out))
+    FORWARD(get_nextSibling, (MSXML2::IXMLDOMNode * *out), (out))
+    FORWARD_RAW(insertBefore, (MSXML2::IXMLDOMNode * node, VARIANT before, MSXML2::IXMLDOMNode** out),
+                (node, before, out))
+    FORWARD_RAW(replaceChild, (MSXML2::IXMLDOMNode * node, MSXML2::IXMLDOMNode* old, MSXML2::IXMLDOMNode** out),
+                (node, old, out))
+    FORWARD_RAW(removeChild, (MSXML2::IXMLDOMNode * node, MSXML2::IXMLDOMNode** out), (node, out))
+    FORWARD_RAW(appendChild, (MSXML2::IXMLDOMNode * node, MSXML2::IXMLDOMNode** out), (node, out))
+    FORWARD_RAW(hasChildNodes, (VARIANT_BOOL * out), (out))
+    FORWARD(get_ownerDocument, (MSXML2::IXMLDOMDocument * *out), (out))
+    FORWARD_RAW(cloneNode, (VARIANT_BOOL deep, MSXML2::IXMLDOMNode** out), (deep, out))
     FORWARD(get_nodeTypeString, (BSTR * out), (out))
     FORWARD(get_text, (BSTR * out), (out))
     FORWARD(put_text, (BSTR text), (text))
     FORWARD(get_specified, (VARIANT_BOOL * out), (out))
-    FORWARD(get_definition, (IXMLDOMNode * *out), (out))
+    FORWARD(get_definition, (MSXML2::IXMLDOMNode * *out), (out))
     FORWARD(get_nodeTypedValue, (VARIANT * out), (out))
     FORWARD(put_nodeTypedValue, (VARIANT value), (value))
     FORWARD(get_dataType, (VARIANT * out), (out))
     FORWARD(put_dataType, (BSTR name), (name))
     FORWARD(get_xml, (BSTR * out), (out))
-    FORWARD(transformNode, (IXMLDOMNode * sheet, BSTR* out), (sheet, out))
-    FORWARD(selectNodes, (BSTR query, IXMLDOMNodeList** out), (query, out))
-    FORWARD(selectSingleNode, (BSTR query, IXMLDOMNode** out), (query, out))
+    FORWARD_RAW(transformNode, (MSXML2::IXMLDOMNode * sheet, BSTR* out), (sheet, out))
+    FORWARD_RAW(selectNodes, (BSTR query, MSXML2::IXMLDOMNodeList** out), (query, out))
+    FORWARD_RAW(selectSingleNode, (BSTR query, MSXML2::IXMLDOMNode** out), (query, out))
     FORWARD(get_parsed, (VARIANT_BOOL * out), (out))
     FORWARD(get_namespaceURI, (BSTR * out), (out))
     FORWARD(get_prefix, (BSTR * out), (out))
     FORWARD(get_baseName, (BSTR * out), (out))
-    FORWARD(transformNodeToObject, (IXMLDOMNode * sheet, VARIANT out), (sheet, out))
+    FORWARD_RAW(transformNodeToObject, (MSXML2::IXMLDOMNode * sheet, VARIANT out), (sheet, out))
 
 protected:
     bool Offers(REFIID iid) const override
     {
-        return Fake<Interface>::Offers(iid) || ::IsEqualIID(iid, __uuidof(IXMLDOMNode));
+        return Fake<Interface>::Offers(iid) || ::IsEqualIID(iid, __uuidof(MSXML2::IXMLDOMNode));
     }
     HRESULT QueryInner(REFIID iid, void** object) override { return m_inner->QueryInterface(iid, object); }
 
     Pointer m_inner;
 };
 
-using ForwardingAnyNode = ForwardingNode<IXMLDOMNode, MSXML2::IXMLDOMNodePtr>;
+using ForwardingAnyNode = ForwardingNode<MSXML2::IXMLDOMNode, MSXML2::IXMLDOMNodePtr>;
 
 /// Forwards every operation of an element.
-class ForwardingElement : public ForwardingNode<IXMLDOMElement, MSXML2::IXMLDOMElementPtr>
+class ForwardingElement : public ForwardingNode<MSXML2::IXMLDOMElement, MSXML2::IXMLDOMElementPtr>
 {
 public:
     using ForwardingNode::ForwardingNode;
 
     FORWARD(get_tagName, (BSTR * out), (out))
-    FORWARD(getAttribute, (BSTR name, VARIANT* out), (name, out))
-    FORWARD(setAttribute, (BSTR name, VARIANT value), (name, value))
-    FORWARD(removeAttribute, (BSTR name), (name))
-    FORWARD(getAttributeNode, (BSTR name, IXMLDOMAttribute** out), (name, out))
-    FORWARD(setAttributeNode, (IXMLDOMAttribute * attribute, IXMLDOMAttribute** out), (attribute, out))
-    FORWARD(removeAttributeNode, (IXMLDOMAttribute * attribute, IXMLDOMAttribute** out), (attribute, out))
-    FORWARD(getElementsByTagName, (BSTR name, IXMLDOMNodeList** out), (name, out))
-    FORWARD(normalize, (), ())
+    FORWARD_RAW(getAttribute, (BSTR name, VARIANT* out), (name, out))
+    FORWARD_RAW(setAttribute, (BSTR name, VARIANT value), (name, value))
+    FORWARD_RAW(removeAttribute, (BSTR name), (name))
+    FORWARD_RAW(getAttributeNode, (BSTR name, MSXML2::IXMLDOMAttribute** out), (name, out))
+    FORWARD_RAW(setAttributeNode, (MSXML2::IXMLDOMAttribute * attribute, MSXML2::IXMLDOMAttribute** out),
+                (attribute, out))
+    FORWARD_RAW(removeAttributeNode, (MSXML2::IXMLDOMAttribute * attribute, MSXML2::IXMLDOMAttribute** out),
+                (attribute, out))
+    FORWARD_RAW(getElementsByTagName, (BSTR name, MSXML2::IXMLDOMNodeList** out), (name, out))
+    FORWARD_RAW(normalize, (), ())
 };
 
 /// Forwards every operation of a document. Set `parseError` to hand out that.
-class ForwardingDocument : public ForwardingNode<IXMLDOMDocument, MSXML2::IXMLDOMDocumentPtr>
+class ForwardingDocument : public ForwardingNode<MSXML2::IXMLDOMDocument, MSXML2::IXMLDOMDocumentPtr>
 {
 public:
     using ForwardingNode::ForwardingNode;
 
-    IXMLDOMParseError* parseError = nullptr;
+    MSXML2::IXMLDOMParseError* parseError = nullptr;
     /// Consulted by `get_readyState` when it is set.
     std::function<LONG()> readyState;
 
-    HRESULT STDMETHODCALLTYPE get_parseError(IXMLDOMParseError** out) override
+    HRESULT STDMETHODCALLTYPE get_parseError(MSXML2::IXMLDOMParseError** out) override
     {
         return plan.Run("get_parseError", [&] {
             return parseError != nullptr ? (Give(parseError, out), S_OK) : m_inner->get_parseError(out);
@@ -308,29 +317,29 @@ public:
         return plan.Run("get_readyState",
                         [&] { return readyState ? (*out = readyState(), S_OK) : m_inner->get_readyState(out); });
     }
-    FORWARD(get_doctype, (IXMLDOMDocumentType * *out), (out))
-    FORWARD(get_implementation, (IXMLDOMImplementation * *out), (out))
-    FORWARD(get_documentElement, (IXMLDOMElement * *out), (out))
-    FORWARD(putref_documentElement, (IXMLDOMElement * element), (element))
-    FORWARD(createElement, (BSTR name, IXMLDOMElement** out), (name, out))
-    FORWARD(createDocumentFragment, (IXMLDOMDocumentFragment * *out), (out))
-    FORWARD(createTextNode, (BSTR text, IXMLDOMText** out), (text, out))
-    FORWARD(createComment, (BSTR text, IXMLDOMComment** out), (text, out))
-    FORWARD(createCDATASection, (BSTR data, IXMLDOMCDATASection** out), (data, out))
-    FORWARD(createProcessingInstruction, (BSTR target, BSTR data, IXMLDOMProcessingInstruction** out),
-            (target, data, out))
-    FORWARD(createAttribute, (BSTR name, IXMLDOMAttribute** out), (name, out))
-    FORWARD(createEntityReference, (BSTR name, IXMLDOMEntityReference** out), (name, out))
-    FORWARD(getElementsByTagName, (BSTR name, IXMLDOMNodeList** out), (name, out))
-    FORWARD(createNode, (VARIANT type, BSTR name, BSTR uri, IXMLDOMNode** out), (type, name, uri, out))
-    FORWARD(nodeFromID, (BSTR id, IXMLDOMNode** out), (id, out))
-    FORWARD(load, (VARIANT source, VARIANT_BOOL* out), (source, out))
+    FORWARD(get_doctype, (MSXML2::IXMLDOMDocumentType * *out), (out))
+    FORWARD(get_implementation, (MSXML2::IXMLDOMImplementation * *out), (out))
+    FORWARD(get_documentElement, (MSXML2::IXMLDOMElement * *out), (out))
+    FORWARD(putref_documentElement, (MSXML2::IXMLDOMElement * element), (element))
+    FORWARD_RAW(createElement, (BSTR name, MSXML2::IXMLDOMElement** out), (name, out))
+    FORWARD_RAW(createDocumentFragment, (MSXML2::IXMLDOMDocumentFragment * *out), (out))
+    FORWARD_RAW(createTextNode, (BSTR text, MSXML2::IXMLDOMText** out), (text, out))
+    FORWARD_RAW(createComment, (BSTR text, MSXML2::IXMLDOMComment** out), (text, out))
+    FORWARD_RAW(createCDATASection, (BSTR data, MSXML2::IXMLDOMCDATASection** out), (data, out))
+    FORWARD_RAW(createProcessingInstruction, (BSTR target, BSTR data, MSXML2::IXMLDOMProcessingInstruction** out),
+                (target, data, out))
+    FORWARD_RAW(createAttribute, (BSTR name, MSXML2::IXMLDOMAttribute** out), (name, out))
+    FORWARD_RAW(createEntityReference, (BSTR name, MSXML2::IXMLDOMEntityReference** out), (name, out))
+    FORWARD_RAW(getElementsByTagName, (BSTR name, MSXML2::IXMLDOMNodeList** out), (name, out))
+    FORWARD_RAW(createNode, (VARIANT type, BSTR name, BSTR uri, MSXML2::IXMLDOMNode** out), (type, name, uri, out))
+    FORWARD_RAW(nodeFromID, (BSTR id, MSXML2::IXMLDOMNode** out), (id, out))
+    FORWARD_RAW(load, (VARIANT source, VARIANT_BOOL* out), (source, out))
     FORWARD(get_url, (BSTR * out), (out))
     FORWARD(get_async, (VARIANT_BOOL * out), (out))
     FORWARD(put_async, (VARIANT_BOOL value), (value))
-    FORWARD(abort, (), ())
-    FORWARD(loadXML, (BSTR text, VARIANT_BOOL* out), (text, out))
-    FORWARD(save, (VARIANT destination), (destination))
+    FORWARD_RAW(abort, (), ())
+    FORWARD_RAW(loadXML, (BSTR text, VARIANT_BOOL* out), (text, out))
+    FORWARD_RAW(save, (VARIANT destination), (destination))
     FORWARD(get_validateOnParse, (VARIANT_BOOL * out), (out))
     FORWARD(put_validateOnParse, (VARIANT_BOOL value), (value))
     FORWARD(get_resolveExternals, (VARIANT_BOOL * out), (out))
@@ -343,6 +352,8 @@ public:
 };
 
 #undef FORWARD
+#undef FORWARD_RAW
+#undef FORWARD_AS
 
 /// A list whose failures carry an error object, as the platform's do.
 class DescribingList : public Fake<MSXML2::IXMLDOMNodeList>, public ISupportErrorInfo
@@ -366,9 +377,9 @@ public:
     {
         return ::IsEqualIID(iid, __uuidof(MSXML2::IXMLDOMNodeList)) ? supports : S_FALSE;
     }
-    HRESULT STDMETHODCALLTYPE get_item(LONG, IXMLDOMNode**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE nextNode(IXMLDOMNode**) override { return Refuse(); }
-    HRESULT STDMETHODCALLTYPE reset() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE get_item(LONG, MSXML2::IXMLDOMNode**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE raw_nextNode(MSXML2::IXMLDOMNode**) override { return Refuse(); }
+    HRESULT STDMETHODCALLTYPE raw_reset() override { return S_OK; }
     HRESULT STDMETHODCALLTYPE get__newEnum(IUnknown**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE get_length(LONG*) override { return Refuse(); }
 

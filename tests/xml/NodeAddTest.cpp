@@ -5,16 +5,15 @@ namespace
 {
 
 using namespace quon_test;
-using namespace MSXML2;
 
 class XmlNodesAdd : public XmlTest
 {
 protected:
     // The children of the root.
-    static void AddChildren(const IXMLDOMDocumentPtr& document, QuonNodeArray& nodes)
+    static void AddChildren(const MSXML2::IXMLDOMDocumentPtr& document, QuonNodeArray& nodes)
     {
-        const IXMLDOMNodeListPtr children = GetChildNodes(Find(document, L"*"));
-        while (const IXMLDOMNodePtr child = NextNode(children))
+        const MSXML2::IXMLDOMNodeListPtr children = Find(document, L"*")->GetchildNodes();
+        while (const MSXML2::IXMLDOMNodePtr child = children->nextNode())
         {
             AddNode(nodes, child);
         }
@@ -23,7 +22,7 @@ protected:
 
 TEST_F(XmlNodesAdd, AddsNodesOfANewNameOrText)
 {
-    const IXMLDOMDocumentPtr document =
+    const MSXML2::IXMLDOMDocumentPtr document =
         Parse(L"<a><p id='1'>x</p><p id='2'>x</p><p id='3'>X</p><q id='4'>x</q><p id='5'>x</p><q id='6'>x</q></a>");
     QuonNodeArray toAdd;
     AddChildren(document, toAdd);
@@ -38,15 +37,15 @@ TEST_F(XmlNodesAdd, AddsNodesOfANewNameOrText)
     AddNode(growing, nullptr);
     AddNodes(&growing, &toAdd);
     ASSERT_EQ(growing.GetSize(), 4);
-    EXPECT_EQ(Attribute(IXMLDOMNodePtr(growing[2]), L"id"), L"3");
-    EXPECT_EQ(Attribute(IXMLDOMNodePtr(growing[3]), L"id"), L"4");
+    EXPECT_EQ(Attribute(MSXML2::IXMLDOMNodePtr(growing[2]), L"id"), L"3");
+    EXPECT_EQ(Attribute(MSXML2::IXMLDOMNodePtr(growing[3]), L"id"), L"4");
     ReleaseNodeArray(&growing);
     ReleaseNodeArray(&toAdd);
 }
 
 TEST_F(XmlNodesAdd, NamesAndTextsAreComparedEachForItself)
 {
-    const IXMLDOMDocumentPtr document = Parse(L"<r><a id='1'>bc</a><ab id='2'>c</ab><abc id='3'/></r>");
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<r><a id='1'>bc</a><ab id='2'>c</ab><abc id='3'/></r>");
     QuonNodeArray toAdd;
     AddChildren(document, toAdd);
     QuonNodeArray growing;
@@ -81,16 +80,16 @@ TEST_F(XmlNodesAdd, AnAddedEntryHoldsAReferenceOfItsOwn)
 
 TEST_F(XmlNodesAdd, AddingSkipsWhatCannotBeRead)
 {
-    const IXMLDOMDocumentPtr document = Parse(L"<a><p id='1'>x</p><p id='2'>y</p><p id='3'>z</p></a>");
-    const IXMLDOMNodePtr first = GetFirstChild(Find(document, L"a"));
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<a><p id='1'>x</p><p id='2'>y</p><p id='3'>z</p></a>");
+    const MSXML2::IXMLDOMNodePtr first = Find(document, L"a")->GetfirstChild();
     ForwardingAnyNode nameless(first);
     nameless.plan.Replace("get_nodeName", Returns(E_FAIL));
-    ForwardingAnyNode textless(GetNextSibling(first));
+    ForwardingAnyNode textless(first->GetnextSibling());
     textless.plan.Replace("get_text", Returns(E_FAIL));
     QuonNodeArray toAdd;
     AddNode(toAdd, &nameless);
     AddNode(toAdd, &textless);
-    AddNode(toAdd, GetNextSibling(GetNextSibling(first)));
+    AddNode(toAdd, first->GetnextSibling()->GetnextSibling());
     QuonNodeArray growing;
     AddNode(growing, &nameless);
     AddNodes(&growing, &toAdd);
@@ -103,7 +102,7 @@ TEST_F(XmlNodesAdd, AddingSkipsWhatCannotBeRead)
 
 TEST_F(XmlNodesAdd, AddsNodesByTheValueOfAnAttribute)
 {
-    const IXMLDOMDocumentPtr document =
+    const MSXML2::IXMLDOMDocumentPtr document =
         Parse(L"<a><p id='1' k='v'/><q id='2' k='v'/><p id='3' k='V'/><p id='4'/><q id='5'/><p id='6' k=''/></a>");
     QuonNodeArray toAdd;
     AddChildren(document, toAdd);

@@ -39,22 +39,22 @@ private:
 TEST_F(XmlNodesFailure, ListsThatCannotBeRead)
 {
     ForwardingDocument document(m_document);
-    const IXMLDOMDocumentPtr pointer(&document);
+    const MSXML2::IXMLDOMDocumentPtr pointer(&document);
     document.plan.Replace("get_childNodes", Returns(S_FALSE));
     EXPECT_EQ(StatusOf([&] { GetDocumentChildNodes(pointer); }), L"get_childNodes failed!");
     EXPECT_EQ(StatusOf([&] { GetChildNodesOfRoot(pointer, L"r", L"p"); }), L"get_childNodes failed!");
     EXPECT_EQ(StatusOf([&] { AppendTextNode(pointer, L"r", L"k", L"v", L"t"); }), L"get_childNodes failed!");
-    EXPECT_EQ(StatusOf([&] { GetNodeNames(IXMLDOMNodePtr(&document), false); }), L"pNodeList is NULL!");
+    EXPECT_EQ(StatusOf([&] { GetNodeNames(MSXML2::IXMLDOMNodePtr(&document), false); }), L"pNodeList is NULL!");
 
     FakeList list;
     ForwardingDocument listed(m_document);
     listed.children = &list;
     list.plan.Replace("get_length", Returns(E_ACCESSDENIED));
-    EXPECT_EQ(StatusOf([&] { GetDocumentChildNodes(IXMLDOMDocumentPtr(&listed)); }), kNoInfo);
+    EXPECT_EQ(StatusOf([&] { GetDocumentChildNodes(MSXML2::IXMLDOMDocumentPtr(&listed)); }), kNoInfo);
     list.plan.Replace("get_length", []() -> HRESULT { RaiseDescribed(E_FAIL, L"gone away"); });
-    EXPECT_EQ(StatusOf([&] { GetDocumentChildNodes(IXMLDOMDocumentPtr(&listed)); }), L"_com_error = gone away");
+    EXPECT_EQ(StatusOf([&] { GetDocumentChildNodes(MSXML2::IXMLDOMDocumentPtr(&listed)); }), L"_com_error = gone away");
     list.plan.Replace("get_length", []() -> HRESULT { throw QuonEllipsis(); });
-    EXPECT_EQ(StatusOf([&] { GetDocumentChildNodes(IXMLDOMDocumentPtr(&listed)); }), L"Unhandled Exception!");
+    EXPECT_EQ(StatusOf([&] { GetDocumentChildNodes(MSXML2::IXMLDOMDocumentPtr(&listed)); }), L"Unhandled Exception!");
     EXPECT_EQ(list.references, 1);
     EXPECT_EQ(listed.references, 1);
 
@@ -63,12 +63,13 @@ TEST_F(XmlNodesFailure, ListsThatCannotBeRead)
     longer.plan.Replace("get_length", Returns(S_OK));
     ForwardingAnyNode parent(m_root);
     parent.children = &longer;
-    EXPECT_EQ(Take(GetNodeNames(IXMLDOMNodePtr(&parent), false)), Strings{}) << "the list says that it is empty";
+    EXPECT_EQ(Take(GetNodeNames(MSXML2::IXMLDOMNodePtr(&parent), false)), Strings{})
+        << "the list says that it is empty";
     FakeList shorter;
     shorter.nodes.emplace_back(m_text);
     shorter.plan.Replace("nextNode", Returns(S_FALSE));
     parent.children = &shorter;
-    EXPECT_EQ(StatusOf([&] { GetNodeNames(IXMLDOMNodePtr(&parent), false); }), L"pCurNode is NULL!");
+    EXPECT_EQ(StatusOf([&] { GetNodeNames(MSXML2::IXMLDOMNodePtr(&parent), false); }), L"pCurNode is NULL!");
 }
 
 TEST_F(XmlNodesFailure, SearchesTurnErrorsIntoTextsOnlyWhereTheySaySo)
@@ -93,7 +94,7 @@ TEST_F(XmlNodesFailure, SearchesTurnErrorsIntoTextsOnlyWhereTheySaySo)
         FakeList list;
         list.nodes.emplace_back(&first);
         list.nodes.emplace_back(&failing);
-        EXPECT_EQ(StatusOf([&] { FindNodesByName(IXMLDOMNodeListPtr(&list), L"r", false); }), row.status);
+        EXPECT_EQ(StatusOf([&] { FindNodesByName(MSXML2::IXMLDOMNodeListPtr(&list), L"r", false); }), row.status);
         EXPECT_EQ(first.references, 2) << "the array that was begun is released";
         EXPECT_EQ(failing.references, 2);
 
@@ -101,7 +102,7 @@ TEST_F(XmlNodesFailure, SearchesTurnErrorsIntoTextsOnlyWhereTheySaySo)
             {
                 try
                 {
-                    FindFirstNodeByName(IXMLDOMNodeListPtr(&list), L"none", false);
+                    FindFirstNodeByName(MSXML2::IXMLDOMNodeListPtr(&list), L"none", false);
                 }
                 catch (const _com_error&)
                 {
@@ -124,7 +125,7 @@ TEST_F(XmlNodesFailure, ChildrenThatAreMissingInARecursiveSearch)
     node.plan.Replace("get_childNodes", Returns(S_FALSE));
     FakeList list;
     list.nodes.emplace_back(&node);
-    const IXMLDOMNodeListPtr pointer(&list);
+    const MSXML2::IXMLDOMNodeListPtr pointer(&list);
     CheckStatuses({
         {L"pNodes is NULL!", [&] { FindFirstNodeByName(pointer, L"none", true); }},
         {L"pNodes is NULL!", [&] { FindNodesByName(pointer, L"none", true); }},
@@ -142,7 +143,7 @@ TEST_F(XmlNodesFailure, RootsWhoseChildrenCannotBeRead)
     list.nodes.emplace_back(&root);
     ForwardingDocument document(m_document);
     document.children = &list;
-    EXPECT_TRUE(IsResultText(StatusOf([&] { GetChildNodesOfRoot(IXMLDOMDocumentPtr(&document), L"r", L"p"); }),
+    EXPECT_TRUE(IsResultText(StatusOf([&] { GetChildNodesOfRoot(MSXML2::IXMLDOMDocumentPtr(&document), L"r", L"p"); }),
                              L"pTargetRootNode->get_childNodes failed:\n", E_ACCESSDENIED));
     EXPECT_EQ(root.references, 2);
 }
@@ -158,7 +159,7 @@ TEST_F(XmlNodesFailure, CollectingByAttributes)
     FakeList list;
     list.nodes.emplace_back(&first);
     list.nodes.emplace_back(&node);
-    const IXMLDOMNodeListPtr pointer(&list);
+    const MSXML2::IXMLDOMNodeListPtr pointer(&list);
     const auto collect = [&] { CollectNodesWithAttributes(m_array, pointer, L"r", L"k", L"v", false); };
 
     attribute.plan.Replace("get_nodeValue", Returns(E_ACCESSDENIED));
@@ -193,7 +194,7 @@ TEST_F(XmlNodesFailure, AttributesThatCannotBeRead)
     map.length = 2;
     ForwardingAnyNode node(m_root);
     node.attributes = &map;
-    const IXMLDOMNodePtr pointer(&node);
+    const MSXML2::IXMLDOMNodePtr pointer(&node);
 
     EXPECT_EQ(StatusOf([&] { GetAllAttributes(pointer, m_names, m_values); }), L"pCurAttribute is NULL!");
     EXPECT_EQ(Contents(m_names), Strings{L"#text"}) << "what was read before stays";
@@ -215,8 +216,8 @@ TEST_F(XmlNodesFailure, TextsThatCannotBeWritten)
     {
     public:
         using ForwardingAnyNode::ForwardingAnyNode;
-        IXMLDOMNode* appended = nullptr;
-        HRESULT STDMETHODCALLTYPE appendChild(IXMLDOMNode*, IXMLDOMNode** out) override
+        MSXML2::IXMLDOMNode* appended = nullptr;
+        HRESULT STDMETHODCALLTYPE raw_appendChild(MSXML2::IXMLDOMNode*, MSXML2::IXMLDOMNode** out) override
         {
             Give(appended, out);
             return S_OK;
@@ -228,15 +229,16 @@ TEST_F(XmlNodesFailure, TextsThatCannotBeWritten)
     list.nodes.emplace_back(&root);
     ForwardingDocument document(m_document);
     document.children = &list;
-    EXPECT_TRUE(IsResultText(StatusOf([&] { AppendTextNode(IXMLDOMDocumentPtr(&document), L"r", L"k", L"v", L"t"); }),
-                             L"pNewNode->put_text failed!\n", E_ACCESSDENIED));
+    EXPECT_TRUE(
+        IsResultText(StatusOf([&] { AppendTextNode(MSXML2::IXMLDOMDocumentPtr(&document), L"r", L"k", L"v", L"t"); }),
+                     L"pNewNode->put_text failed!\n", E_ACCESSDENIED));
     EXPECT_EQ(added.references, 1);
 }
 
 TEST_F(XmlNodesFailure, SettingAnAttributeTurnsErrorsIntoTexts)
 {
-    ForwardingElement element{IXMLDOMElementPtr(m_root)};
-    const IXMLDOMNodePtr pointer(&element);
+    ForwardingElement element{MSXML2::IXMLDOMElementPtr(m_root)};
+    const MSXML2::IXMLDOMNodePtr pointer(&element);
     const auto set = [&] { SetAttributeOnNode(m_document, pointer, L"a", L"1"); };
     element.plan.Replace("setAttribute", Returns(E_ACCESSDENIED));
     EXPECT_EQ(StatusOf(set), L"COM Error:\n");
@@ -258,7 +260,7 @@ TEST_F(XmlNodesFailure, SettingAnAttributeTurnsErrorsIntoTexts)
 
 TEST_F(XmlNodesFailure, ArraysThatCannotBeMade)
 {
-    const IXMLDOMNodeListPtr list = GetDocumentChildNodes(m_document);
+    const MSXML2::IXMLDOMNodeListPtr list = GetDocumentChildNodes(m_document);
     const auto failing = [](const std::function<void()>& work) {
         const OutOfMemory patch;
         return StatusOf(work);

@@ -39,9 +39,12 @@ TEST_F(XmlNodesFailure, NullArgumentsAreNamedInOrder)
         {L"pTargetRootNode is NULL!", [&] { AppendTextNode(m_document, L"r", L"k", L"other", L"t"); }},
         {L"pRootNode is NULL!", [&] { AppendNewElementToRoot(m_noDocument, m_noNode, L"e"); }},
         {L"pDoc is NULL!", [&] { AppendNewElementToRoot(m_noDocument, m_root, L"e"); }},
-        {L"pDoc is NULL!", [&] { AppendNodeOfType(m_result, m_noDocument, m_noNode, NODE_ELEMENT, L"e", L""); }},
-        {L"pRootNode is NULL!", [&] { AppendNodeOfType(m_result, m_document, m_noNode, NODE_ELEMENT, L"e", L""); }},
-        {L"pRootElement is NULL!", [&] { AppendNodeOfType(m_result, m_document, m_text, NODE_ELEMENT, L"e", L""); }},
+        {L"pDoc is NULL!",
+         [&] { AppendNodeOfType(m_result, m_noDocument, m_noNode, MSXML2::NODE_ELEMENT, L"e", L""); }},
+        {L"pRootNode is NULL!",
+         [&] { AppendNodeOfType(m_result, m_document, m_noNode, MSXML2::NODE_ELEMENT, L"e", L""); }},
+        {L"pRootElement is NULL!",
+         [&] { AppendNodeOfType(m_result, m_document, m_text, MSXML2::NODE_ELEMENT, L"e", L""); }},
         {L"pDoc is NULL!", [&] { SetAttributeOnNode(m_noDocument, m_noNode, L"a", L"1"); }},
         {L"pRootNode is NULL!", [&] { SetAttributeOnNode(m_document, m_noNode, L"a", L"1"); }},
         {L"pRootNode is NULL!", [&] { SetAttributeOnNode(m_document, m_text, L"a", L"1"); }},
@@ -52,9 +55,9 @@ TEST_F(XmlNodesFailure, NullArgumentsAreNamedInOrder)
     });
     EXPECT_EQ(ErrorOf([&] { GetAttributeValueByName(m_noNode, L"k"); }), E_POINTER) << "no text names this argument";
     // A document that owns no other one.
-    ForwardingElement orphan{IXMLDOMElementPtr(m_root)};
+    ForwardingElement orphan{MSXML2::IXMLDOMElementPtr(m_root)};
     orphan.plan.Replace("get_ownerDocument", Returns(S_FALSE));
-    EXPECT_EQ(StatusOf([&] { SetAttributesViaOwnerDocument(IXMLDOMNodePtr(&orphan), m_names, m_values); }),
+    EXPECT_EQ(StatusOf([&] { SetAttributesViaOwnerDocument(MSXML2::IXMLDOMNodePtr(&orphan), m_names, m_values); }),
               L"pDoc is NULL!");
 }
 
@@ -63,7 +66,8 @@ TEST_F(XmlNodesFailure, AppendingChecksDocumentThenNodeThenRootThenResult)
     struct Row
     {
         const char* factory;
-        void (*append)(IXMLDOMNodePtr&, const IXMLDOMDocumentPtr&, const IXMLDOMNodePtr&, const CString&);
+        void (*append)(MSXML2::IXMLDOMNodePtr&, const MSXML2::IXMLDOMDocumentPtr&, const MSXML2::IXMLDOMNodePtr&,
+                       const CString&);
     };
     for (const Row& row : {Row{"createElement", &AppendElement}, Row{"createTextNode", &AppendTextChild},
                            Row{"createCDATASection", &AppendCDataChild}})
@@ -73,14 +77,15 @@ TEST_F(XmlNodesFailure, AppendingChecksDocumentThenNodeThenRootThenResult)
         EXPECT_EQ(StatusOf([&] { row.append(m_result, m_document, m_noNode, L"x"); }), L"pRootNode is NULL!");
         ForwardingAnyNode root(m_root);
         root.plan.Replace("appendChild", Returns(S_FALSE));
-        EXPECT_EQ(StatusOf([&] { row.append(m_result, m_document, IXMLDOMNodePtr(&root), L"x"); }),
+        EXPECT_EQ(StatusOf([&] { row.append(m_result, m_document, MSXML2::IXMLDOMNodePtr(&root), L"x"); }),
                   L"pAppendedNode is NULL!");
         ForwardingDocument document(m_document);
         document.plan.Replace(row.factory, Returns(S_FALSE));
-        EXPECT_EQ(StatusOf([&] { row.append(m_result, IXMLDOMDocumentPtr(&document), m_noNode, L"x"); }),
+        EXPECT_EQ(StatusOf([&] { row.append(m_result, MSXML2::IXMLDOMDocumentPtr(&document), m_noNode, L"x"); }),
                   L"pCreatedNode is NULL!");
         document.plan.Replace(row.factory, Returns(E_ACCESSDENIED));
-        EXPECT_EQ(ErrorOf([&] { row.append(m_result, IXMLDOMDocumentPtr(&document), m_root, L"x"); }), E_ACCESSDENIED);
+        EXPECT_EQ(ErrorOf([&] { row.append(m_result, MSXML2::IXMLDOMDocumentPtr(&document), m_root, L"x"); }),
+                  E_ACCESSDENIED);
         EXPECT_EQ(document.references, 1);
         EXPECT_EQ(root.references, 1);
     }
@@ -90,13 +95,14 @@ TEST_F(XmlNodesFailure, AppendingChecksDocumentThenNodeThenRootThenResult)
 TEST_F(XmlNodesFailure, CreatedNodesThatAreMissing)
 {
     ForwardingDocument document(m_document);
-    const IXMLDOMDocumentPtr pointer(&document);
+    const MSXML2::IXMLDOMDocumentPtr pointer(&document);
     document.plan.Replace("createElement", Returns(S_FALSE));
     document.plan.Replace("createNode", Returns(S_FALSE));
     document.plan.Replace("createAttribute", Returns(S_FALSE));
     CheckStatuses({
         {L"pNewElement is NULL!", [&] { AppendNewElementToRoot(pointer, m_root, L"e"); }},
-        {L"pAppendedNode is NULL!", [&] { AppendNodeOfType(m_result, pointer, m_root, NODE_ELEMENT, L"e", L""); }},
+        {L"pAppendedNode is NULL!",
+         [&] { AppendNodeOfType(m_result, pointer, m_root, MSXML2::NODE_ELEMENT, L"e", L""); }},
         {L"pCreatedNode is NULL!", [&] { SetAttributeOnNode(pointer, m_noNode, L"a", L"1"); }},
         {L"pDesiredAttribute is NULL!", [&] { SetAttributesOnNode(pointer, m_root, m_names, m_values); }},
     });
@@ -104,9 +110,12 @@ TEST_F(XmlNodesFailure, CreatedNodesThatAreMissing)
 
 TEST_F(XmlNodesFailure, AppendedNodesThatAreMissing)
 {
-    ForwardingElement root{IXMLDOMElementPtr(m_root)};
+    ForwardingElement root{MSXML2::IXMLDOMElementPtr(m_root)};
     root.plan.Replace("appendChild", Returns(S_FALSE));
-    EXPECT_EQ(StatusOf([&] { AppendNodeOfType(m_result, m_document, IXMLDOMNodePtr(&root), NODE_ELEMENT, L"e", L""); }),
+    EXPECT_EQ(StatusOf([&] {
+                  AppendNodeOfType(m_result, m_document, MSXML2::IXMLDOMNodePtr(&root), MSXML2::NODE_ELEMENT, L"e",
+                                   L"");
+              }),
               L"pAppendedNode is NULL!");
     EXPECT_EQ(root.references, 1);
 }

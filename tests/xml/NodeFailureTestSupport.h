@@ -6,18 +6,16 @@
 namespace quon_test
 {
 
-using namespace MSXML2;
-
 class XmlNodesFailure : public XmlTest
 {
 protected:
-    const IXMLDOMDocumentPtr m_document = Parse(L"<r k='v'><p k='v'>t</p></r>");
-    const IXMLDOMNodePtr m_root = Find(m_document, L"r");
-    const IXMLDOMNodePtr m_text = GetFirstChild(Find(m_document, L"r/p"));
-    const IXMLDOMDocumentPtr m_noDocument;
-    const IXMLDOMNodePtr m_noNode;
-    const IXMLDOMNodeListPtr m_noList;
-    IXMLDOMNodePtr m_result;
+    const MSXML2::IXMLDOMDocumentPtr m_document = Parse(L"<r k='v'><p k='v'>t</p></r>");
+    const MSXML2::IXMLDOMNodePtr m_root = Find(m_document, L"r");
+    const MSXML2::IXMLDOMNodePtr m_text = Find(m_document, L"r/p")->GetfirstChild();
+    const MSXML2::IXMLDOMDocumentPtr m_noDocument;
+    const MSXML2::IXMLDOMNodePtr m_noNode;
+    const MSXML2::IXMLDOMNodeListPtr m_noList;
+    MSXML2::IXMLDOMNodePtr m_result;
     QuonNodeArray m_array;
     CStringArray m_names;
     CStringArray m_values;

@@ -4,7 +4,6 @@ namespace
 {
 
 using namespace quon_test;
-using namespace MSXML2;
 
 class XmlNodesFind : public XmlTest
 {
@@ -17,9 +16,9 @@ protected:
         L"<b id='7'>y</b>"
         L"</a>";
 
-    static IXMLDOMNodeListPtr ChildrenOf(const IXMLDOMDocumentPtr& document, const wchar_t* query)
+    static MSXML2::IXMLDOMNodeListPtr ChildrenOf(const MSXML2::IXMLDOMDocumentPtr& document, const wchar_t* query)
     {
-        return GetChildNodes(Find(document, query));
+        return Find(document, query)->GetchildNodes();
     }
 };
 
@@ -31,7 +30,7 @@ TEST_F(XmlNodesFind, ReleasesAnArrayFromLastToFirst)
     class Ordered : public ForwardingAnyNode
     {
     public:
-        explicit Ordered(int number) : ForwardingAnyNode(IXMLDOMNodePtr()), m_number(number) {}
+        explicit Ordered(int number) : ForwardingAnyNode(MSXML2::IXMLDOMNodePtr()), m_number(number) {}
         ULONG STDMETHODCALLTYPE Release() override
         {
             order.push_back(m_number);
@@ -67,17 +66,17 @@ TEST_F(XmlNodesFind, ReleasesAnArrayFromLastToFirst)
 
 TEST_F(XmlNodesFind, GivesTheChildNodesOfTheDocument)
 {
-    const IXMLDOMNodeListPtr nodes = GetDocumentChildNodes(Parse(L"<?p q?><!--c--><r/>"));
-    ASSERT_EQ(GetLength(nodes), 3);
-    EXPECT_STREQ(GetNodeName(NextNode(nodes)), L"p");
-    EXPECT_STREQ(GetNodeName(NextNode(nodes)), L"#comment");
-    EXPECT_STREQ(GetNodeName(NextNode(nodes)), L"r");
-    EXPECT_EQ(GetLength(GetDocumentChildNodes(EmptyDocument())), 0);
+    const MSXML2::IXMLDOMNodeListPtr nodes = GetDocumentChildNodes(Parse(L"<?p q?><!--c--><r/>"));
+    ASSERT_EQ(nodes->Getlength(), 3);
+    EXPECT_STREQ(nodes->nextNode()->GetnodeName(), L"p");
+    EXPECT_STREQ(nodes->nextNode()->GetnodeName(), L"#comment");
+    EXPECT_STREQ(nodes->nextNode()->GetnodeName(), L"r");
+    EXPECT_EQ(GetDocumentChildNodes(EmptyDocument())->Getlength(), 0);
 }
 
 TEST_F(XmlNodesFind, FindsTheFirstNodeByName)
 {
-    const IXMLDOMDocumentPtr document = Parse(kTree);
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(kTree);
     struct Row
     {
         const wchar_t* list;
@@ -93,7 +92,8 @@ TEST_F(XmlNodesFind, FindsTheFirstNodeByName)
     for (const Row& row : rows)
     {
         SCOPED_TRACE(::testing::PrintToString(row.list) + ::testing::PrintToString(row.name));
-        const IXMLDOMNodePtr found = FindFirstNodeByName(ChildrenOf(document, row.list), row.name, row.recursive);
+        const MSXML2::IXMLDOMNodePtr found =
+            FindFirstNodeByName(ChildrenOf(document, row.list), row.name, row.recursive);
         EXPECT_EQ(Attribute(found, L"id"), row.id);
     }
     EXPECT_TRUE(FindFirstNodeByName(ChildrenOf(document, L"a/b/b"), L"#text", false)) << "names of texts count too";
@@ -101,17 +101,17 @@ TEST_F(XmlNodesFind, FindsTheFirstNodeByName)
 
 TEST_F(XmlNodesFind, SearchesDepthFirstBeforeTheNextSibling)
 {
-    const IXMLDOMDocumentPtr document = Parse(L"<a><x><y><t id='deep'/></y></x><t id='flat'/></a>");
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<a><x><y><t id='deep'/></y></x><t id='flat'/></a>");
     EXPECT_EQ(Attribute(FindFirstNodeByName(ChildrenOf(document, L"a"), L"t", true), L"id"), L"deep");
     EXPECT_EQ(Attribute(FindFirstNodeByName(ChildrenOf(document, L"a"), L"t", false), L"id"), L"flat");
 }
 
 TEST_F(XmlNodesFind, StartsAtTheFirstNodeOfAListThatWasUsedBefore)
 {
-    const IXMLDOMDocumentPtr document = Parse(kTree);
-    const IXMLDOMNodeListPtr nodes = ChildrenOf(document, L"a");
-    NextNode(nodes);
-    NextNode(nodes);
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(kTree);
+    const MSXML2::IXMLDOMNodeListPtr nodes = ChildrenOf(document, L"a");
+    nodes->nextNode();
+    nodes->nextNode();
     EXPECT_EQ(Attribute(FindFirstNodeByName(nodes, L"b", false), L"id"), L"2");
     EXPECT_EQ(Attribute(FindFirstNodeByName(nodes, L"b", false), L"id"), L"2") << "and again";
     EXPECT_EQ(Ids(FindNodesByName(nodes, L"b", false)), L"27");
@@ -122,9 +122,20 @@ TEST_F(XmlNodesFind, StartsAtTheFirstNodeOfAListThatWasUsedBefore)
     ReleaseNodeArray(&collected);
 }
 
+// Callers who read the list themselves lose their place.
+TEST_F(XmlNodesFind, LeavesTheCursorOfTheListWhereTheSearchEnded)
+{
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<a><b id='1'/><b id='2'/><b id='3'/></a>");
+    const MSXML2::IXMLDOMNodeListPtr nodes = ChildrenOf(document, L"a");
+    FindFirstNodeByName(nodes, L"b", true);
+    EXPECT_EQ(Attribute(nodes->nextNode(), L"id"), L"2");
+    EXPECT_EQ(Ids(FindNodesByName(nodes, L"b", true)), L"123");
+    EXPECT_FALSE(nodes->nextNode());
+}
+
 TEST_F(XmlNodesFind, FindsAllNodesByNameOuterFirst)
 {
-    const IXMLDOMDocumentPtr document = Parse(kTree);
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(kTree);
     EXPECT_EQ(Ids(FindNodesByName(ChildrenOf(document, L"a"), L"b", false)), L"27");
     EXPECT_EQ(Ids(FindNodesByName(ChildrenOf(document, L"a"), L"b", true)), L"2357");
     EXPECT_EQ(Ids(FindNodesByName(GetDocumentChildNodes(document), L"a", true)), L"1");
@@ -138,7 +149,7 @@ TEST_F(XmlNodesFind, EachEntryHoldsOneReference)
     FakeList list;
     list.nodes.emplace_back(&match);
     EXPECT_EQ(match.references, 2) << "the test's and the list's";
-    QuonNodeArray* const found = FindNodesByName(IXMLDOMNodeListPtr(&list), L"b", false);
+    QuonNodeArray* const found = FindNodesByName(MSXML2::IXMLDOMNodeListPtr(&list), L"b", false);
     ASSERT_EQ(found->GetSize(), 1);
     EXPECT_EQ(match.references, 3);
     ReleaseNodeArray(found);
@@ -146,12 +157,12 @@ TEST_F(XmlNodesFind, EachEntryHoldsOneReference)
     EXPECT_EQ(match.references, 2);
 
     QuonNodeArray collected;
-    CollectNodesWithAttributes(collected, IXMLDOMNodeListPtr(&list), L"b", CStringArray(), false);
+    CollectNodesWithAttributes(collected, MSXML2::IXMLDOMNodeListPtr(&list), L"b", CStringArray(), false);
     EXPECT_EQ(match.references, 3);
     ReleaseNodeArray(&collected);
     EXPECT_EQ(match.references, 2);
 
-    const IXMLDOMNodePtr first = FindFirstNodeByName(IXMLDOMNodeListPtr(&list), L"b", true);
+    const MSXML2::IXMLDOMNodePtr first = FindFirstNodeByName(MSXML2::IXMLDOMNodeListPtr(&list), L"b", true);
     EXPECT_EQ(match.references, 3);
     EXPECT_EQ(list.references, 1);
 }
@@ -164,7 +175,7 @@ TEST_F(XmlNodesFind, EachSearchAsksANodeOnce)
     FakeList list;
     list.nodes.emplace_back(&node);
     list.nodes.emplace_back(&node);
-    Ids(FindNodesByName(IXMLDOMNodeListPtr(&list), L"b", true));
+    Ids(FindNodesByName(MSXML2::IXMLDOMNodeListPtr(&list), L"b", true));
     EXPECT_EQ(node.plan.Count("get_nodeName"), 2);
     EXPECT_EQ(node.plan.Count("get_childNodes"), 2);
     EXPECT_EQ(list.plan.Count("nextNode"), 3);
@@ -176,7 +187,7 @@ TEST_F(XmlNodesFind, AListThatSaysItIsEmptyIsNotRead)
     ForwardingAnyNode node(Find(Parse(L"<b/>"), L"b"));
     FakeList list;
     list.nodes.emplace_back(&node);
-    const IXMLDOMNodeListPtr pointer(&list);
+    const MSXML2::IXMLDOMNodeListPtr pointer(&list);
     for (const LONG length : {0, -1})
     {
         list.length = length;
@@ -199,15 +210,15 @@ TEST_F(XmlNodesFind, TheTextIsReadOnlyBehindTheName)
     FakeList list;
     list.nodes.emplace_back(&other);
     list.nodes.emplace_back(&node);
-    EXPECT_TRUE(FindNodeByNameAndText(IXMLDOMNodeListPtr(&list), L"b", L"y", false));
+    EXPECT_TRUE(FindNodeByNameAndText(MSXML2::IXMLDOMNodeListPtr(&list), L"b", L"y", false));
     EXPECT_EQ(other.plan.Count("get_text"), 0);
     EXPECT_EQ(node.plan.Count("get_text"), 1);
 }
 
 TEST_F(XmlNodesFind, FindsByNameAndText)
 {
-    const IXMLDOMDocumentPtr document = Parse(kTree);
-    const IXMLDOMNodeListPtr nodes = ChildrenOf(document, L"a");
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(kTree);
+    const MSXML2::IXMLDOMNodeListPtr nodes = ChildrenOf(document, L"a");
     EXPECT_EQ(Attribute(FindNodeByNameAndText(nodes, L"b", L"y", false), L"id"), L"7");
     EXPECT_EQ(Attribute(FindNodeByNameAndText(nodes, L"b", L"y", true), L"id"), L"5");
     EXPECT_EQ(Attribute(FindNodeByNameAndText(nodes, L"b", L"x", true), L"id"), L"3");
@@ -218,7 +229,7 @@ TEST_F(XmlNodesFind, FindsByNameAndText)
 
 TEST_F(XmlNodesFind, GetsTheChildrenOfARoot)
 {
-    const IXMLDOMDocumentPtr document = Parse(kTree);
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(kTree);
     EXPECT_EQ(Ids(GetChildNodesOfRoot(document, L"a", L"b")), L"2357");
     EXPECT_EQ(Ids(GetChildNodesOfRoot(document, L"c", L"b")), L"5") << "the root lies anywhere";
     EXPECT_EQ(Ids(GetChildNodesOfRoot(document, L"a", L"none")), L"");
@@ -226,7 +237,7 @@ TEST_F(XmlNodesFind, GetsTheChildrenOfARoot)
 
 TEST_F(XmlNodesFind, CollectsByOneAttribute)
 {
-    const IXMLDOMDocumentPtr document = Parse(
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(
         L"<a><p id='1' k='v'><p id='2' k='v'/><q id='3' k='v'/></p><p id='4' k='V'/><p id='5'/>text<!--c--><p id='6' "
         L"k='v'/></a>");
     struct Row
@@ -256,7 +267,7 @@ TEST_F(XmlNodesFind, CollectsByOneAttribute)
 
 TEST_F(XmlNodesFind, CollectsByAllPairsThatHaveAName)
 {
-    const IXMLDOMDocumentPtr document =
+    const MSXML2::IXMLDOMDocumentPtr document =
         Parse(L"<a><p id='1' k='v' l='w'><p id='2' k='v' l='w'/></p><p id='3' k='v'/><p id='4'/><q id='5'/></a>");
     struct Row
     {
@@ -297,7 +308,7 @@ TEST_F(XmlNodesFind, ValuesThatAreNoTextsAreComparedAsTexts)
         _variant_t value;
         HRESULT STDMETHODCALLTYPE get_nodeValue(VARIANT* out) override { return ::VariantCopy(out, &value); }
     };
-    const IXMLDOMNodePtr real = Find(Parse(L"<p/>"), L"p");
+    const MSXML2::IXMLDOMNodePtr real = Find(Parse(L"<p/>"), L"p");
     Valued attribute(real);
     FakeMap map;
     map.nodes.emplace_back(&attribute);
@@ -317,11 +328,11 @@ TEST_F(XmlNodesFind, ValuesThatAreNoTextsAreComparedAsTexts)
     {
         SCOPED_TRACE(row.value.vt);
         attribute.value = row.value;
-        EXPECT_EQ(GetAttributeValue(IXMLDOMNodePtr(&node), L"k"), row.text);
+        EXPECT_EQ(GetAttributeValue(MSXML2::IXMLDOMNodePtr(&node), L"k"), row.text);
         QuonNodeArray found;
-        CollectNodesWithAttributes(found, IXMLDOMNodeListPtr(&list), L"p", L"k", row.text, false);
+        CollectNodesWithAttributes(found, MSXML2::IXMLDOMNodeListPtr(&list), L"p", L"k", row.text, false);
         EXPECT_EQ(found.GetSize(), 1);
-        CollectNodesWithAttributes(found, IXMLDOMNodeListPtr(&list), L"p", L"k", L"other", false);
+        CollectNodesWithAttributes(found, MSXML2::IXMLDOMNodeListPtr(&list), L"p", L"k", L"other", false);
         EXPECT_EQ(found.GetSize(), 1);
         ReleaseNodeArray(&found);
     }
@@ -329,7 +340,7 @@ TEST_F(XmlNodesFind, ValuesThatAreNoTextsAreComparedAsTexts)
 
 TEST_F(XmlNodesFind, CollectingAppends)
 {
-    const IXMLDOMDocumentPtr document = Parse(L"<a><p id='1' k='v'/><q id='2' k='v'/></a>");
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<a><p id='1' k='v'/><q id='2' k='v'/></a>");
     QuonNodeArray found;
     CollectNodesWithAttributes(found, ChildrenOf(document, L"a"), L"q", L"k", L"v", false);
     CollectNodesWithAttributes(found, ChildrenOf(document, L"a"), L"p", CStringArray(), false);
@@ -350,7 +361,7 @@ TEST_F(XmlNodesFind, FindsAnyNumberOfNodesInTheirOrder)
             text += L"<q><p c='x' id='" + std::to_wstring(index) + L"'/></q>";
             ids += std::to_wstring(index);
         }
-        const IXMLDOMDocumentPtr document = Parse((text + L"</r>").c_str());
+        const MSXML2::IXMLDOMDocumentPtr document = Parse((text + L"</r>").c_str());
         const NodeArrayHolder found(FindNodesByName(GetDocumentChildNodes(document), L"p", true));
         EXPECT_EQ(found->GetSize(), count);
         EXPECT_EQ(Ids(*found), ids);

@@ -36,7 +36,7 @@ inline std::wstring Ids(QuonNodeArray* nodes)
 }
 
 /// Adds a node with a reference of the array's own.
-inline void AddNode(QuonNodeArray& nodes, IXMLDOMNode* node)
+inline void AddNode(QuonNodeArray& nodes, MSXML2::IXMLDOMNode* node)
 {
     nodes.Add(node);
     if (node != nullptr)

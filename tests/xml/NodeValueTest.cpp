@@ -4,14 +4,13 @@ namespace
 {
 
 using namespace quon_test;
-using namespace MSXML2;
 
 using XmlNodesRead = XmlTest;
 
 TEST_F(XmlNodesRead, NodeNamesAreUniqueAndInDocumentOrder)
 {
-    const IXMLDOMDocumentPtr document = Parse(L"<r><b><c/><a/></b><a/><b/>t<!--x--><A/></r>");
-    const IXMLDOMNodePtr root = Find(document, L"r");
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<r><b><c/><a/></b><a/><b/>t<!--x--><A/></r>");
+    const MSXML2::IXMLDOMNodePtr root = Find(document, L"r");
     EXPECT_EQ(Take(GetNodeNames(root, false)), (Strings{L"b", L"a", L"#text", L"#comment", L"A"}));
     EXPECT_EQ(Take(GetNodeNames(root, true)), (Strings{L"b", L"c", L"a", L"#text", L"#comment", L"A"}));
     EXPECT_EQ(Take(GetNodeNames(document, false)), Strings{L"r"});
@@ -20,7 +19,7 @@ TEST_F(XmlNodesRead, NodeNamesAreUniqueAndInDocumentOrder)
 
 TEST_F(XmlNodesRead, TextsAndValuesComeInOrder)
 {
-    const IXMLDOMDocumentPtr document = Parse(L"<r><p k='1'>one</p><p>two<i>!</i></p><p k=''/></r>");
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<r><p k='1'>one</p><p>two<i>!</i></p><p k=''/></r>");
     const NodeArrayHolder nodes(GetChildNodesOfRoot(document, L"r", L"p"));
     EXPECT_EQ(Take(GetTextsOfNodes(nodes.get())), (Strings{L"one", L"two!", L""}));
     EXPECT_EQ(Take(GetAttributeValuesOfNodes(nodes.get(), L"k")), (Strings{L"1", L"", L""}));
@@ -28,7 +27,7 @@ TEST_F(XmlNodesRead, TextsAndValuesComeInOrder)
 
 TEST_F(XmlNodesRead, NullEntriesAreSkipped)
 {
-    const IXMLDOMDocumentPtr document = Parse(L"<r k='v'>t</r>");
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<r k='v'>t</r>");
     QuonNodeArray nodes;
     AddNode(nodes, nullptr);
     AddNode(nodes, Find(document, L"r"));
@@ -53,12 +52,12 @@ TEST_F(XmlNodesRead, ReadingAttributesAsksANodeOnce)
 
 TEST_F(XmlNodesRead, OneAttribute)
 {
-    const IXMLDOMDocumentPtr document = Parse(L"<r k='v' K='w'>t</r>");
-    const IXMLDOMNodePtr root = Find(document, L"r");
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<r k='v' K='w'>t</r>");
+    const MSXML2::IXMLDOMNodePtr root = Find(document, L"r");
     EXPECT_EQ(GetAttributeValue(root, L"k"), L"v");
     EXPECT_EQ(GetAttributeValue(root, L"K"), L"w");
     EXPECT_EQ(GetAttributeValue(root, L"none"), L"");
-    EXPECT_EQ(GetAttributeValue(GetFirstChild(root), L"k"), L"") << "a text has no attributes";
+    EXPECT_EQ(GetAttributeValue(root->GetfirstChild(), L"k"), L"") << "a text has no attributes";
     EXPECT_EQ(GetAttributeValue(document, L"k"), L"");
     EXPECT_EQ(GetAttributeValueByName(root, L"k"), L"v");
     EXPECT_EQ(GetAttributeValueByName(root, L"none"), L"");
@@ -66,7 +65,7 @@ TEST_F(XmlNodesRead, OneAttribute)
 
 TEST_F(XmlNodesRead, AllAttributes)
 {
-    const IXMLDOMNodePtr root = Find(Parse(L"<r b='2' a='1' c=''><e/></r>"), L"r");
+    const MSXML2::IXMLDOMNodePtr root = Find(Parse(L"<r b='2' a='1' c=''><e/></r>"), L"r");
     CStringArray names;
     CStringArray values;
     Fill(names, {L"old"});
@@ -74,7 +73,7 @@ TEST_F(XmlNodesRead, AllAttributes)
     GetAllAttributes(root, names, values);
     EXPECT_EQ(Contents(names), (Strings{L"b", L"a", L"c"}));
     EXPECT_EQ(Contents(values), (Strings{L"2", L"1", L""}));
-    GetAllAttributes(GetFirstChild(root), names, values);
+    GetAllAttributes(root->GetfirstChild(), names, values);
     EXPECT_EQ(names.GetSize(), 0);
     EXPECT_EQ(values.GetSize(), 0);
 }
@@ -86,7 +85,7 @@ constexpr wchar_t kGroups[] =
 
 TEST_F(XmlNodesRead, ValuePaths)
 {
-    const IXMLDOMDocumentPtr document = Parse(kGroups);
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(kGroups);
     EXPECT_EQ(Take(GetTextsOfChildren(document, L"g", L"p")), Strings{L"a"});
     EXPECT_EQ(Take(GetTextsOfChildren(document, L"doc", L"p")), (Strings{L"a", L"b", L"c"}));
     EXPECT_EQ(Take(GetTextsOfChildrenByRootText(document, L"g", L"p", L"bc")), (Strings{L"b", L"c"}));
@@ -101,33 +100,33 @@ TEST_F(XmlNodesRead, ValuePaths)
 struct ValuePath
 {
     const char* name;
-    CStringArray* (*call)(const IXMLDOMDocumentPtr& document, const wchar_t* root, const wchar_t* child);
+    CStringArray* (*call)(const MSXML2::IXMLDOMDocumentPtr& document, const wchar_t* root, const wchar_t* child);
 };
 
 const ValuePath kValuePaths[] = {
-    {"GetValuesOfAttribute", [](const IXMLDOMDocumentPtr& d, const wchar_t* r,
+    {"GetValuesOfAttribute", [](const MSXML2::IXMLDOMDocumentPtr& d, const wchar_t* r,
                                 const wchar_t* c) { return GetValuesOfAttribute(d, r, c, L"k"); }},
     {"GetValuesOfAttributeByRootText",
-     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c) {
+     [](const MSXML2::IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c) {
          return GetValuesOfAttributeByRootText(d, r, c, L"a", L"k");
      }},
     {"GetValuesOfAttributeByRootAttribute",
-     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c) {
+     [](const MSXML2::IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c) {
          return GetValuesOfAttributeByRootAttribute(d, r, c, L"kind", L"x", L"k");
      }},
-    {"GetTextsOfChildren",
-     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c) { return GetTextsOfChildren(d, r, c); }},
-    {"GetTextsOfChildrenByRootText", [](const IXMLDOMDocumentPtr& d, const wchar_t* r,
+    {"GetTextsOfChildren", [](const MSXML2::IXMLDOMDocumentPtr& d, const wchar_t* r,
+                              const wchar_t* c) { return GetTextsOfChildren(d, r, c); }},
+    {"GetTextsOfChildrenByRootText", [](const MSXML2::IXMLDOMDocumentPtr& d, const wchar_t* r,
                                         const wchar_t* c) { return GetTextsOfChildrenByRootText(d, r, c, L"a"); }},
     {"GetTextsOfChildrenByRootAttribute",
-     [](const IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c) {
+     [](const MSXML2::IXMLDOMDocumentPtr& d, const wchar_t* r, const wchar_t* c) {
          return GetTextsOfChildrenByRootAttribute(d, r, c, L"kind", L"x");
      }},
 };
 
 TEST_F(XmlNodesRead, ValuePathsTellTheirOwnFailuresPlainly)
 {
-    const IXMLDOMDocumentPtr document = Parse(kGroups);
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(kGroups);
     for (const ValuePath& path : kValuePaths)
     {
         SCOPED_TRACE(path.name);
@@ -142,7 +141,7 @@ TEST_F(XmlNodesRead, ValuePathsTellTheirOwnFailuresPlainly)
         list.nodes.emplace_back(&root);
         ForwardingDocument failing(document);
         failing.children = &list;
-        EXPECT_TRUE(IsResultText(StatusOf([&] { path.call(IXMLDOMDocumentPtr(&failing), L"g", L"p"); }),
+        EXPECT_TRUE(IsResultText(StatusOf([&] { path.call(MSXML2::IXMLDOMDocumentPtr(&failing), L"g", L"p"); }),
                                  L"pTargetRootNode->get_childNodes failed:\n", E_ACCESSDENIED));
         list.nodes.clear();
         EXPECT_EQ(root.references, 1);
@@ -151,13 +150,13 @@ TEST_F(XmlNodesRead, ValuePathsTellTheirOwnFailuresPlainly)
 
 TEST_F(XmlNodesRead, ValuePathsCatchNothingButTexts)
 {
-    const IXMLDOMDocumentPtr document = Parse(kGroups);
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(kGroups);
     ForwardingAnyNode root(Find(document, L"//g"));
     FakeList list;
     list.nodes.emplace_back(&root);
     ForwardingDocument failing(document);
     failing.children = &list;
-    const IXMLDOMDocumentPtr pointer(&failing);
+    const MSXML2::IXMLDOMDocumentPtr pointer(&failing);
     for (const ValuePath& path : kValuePaths)
     {
         SCOPED_TRACE(path.name);
@@ -180,16 +179,16 @@ TEST_F(XmlNodesRead, ValuePathsCatchNothingButTexts)
 
 TEST_F(XmlNodesRead, ValuePathsPassOnWhatTheyCatchBehindOnePrefix)
 {
-    const IXMLDOMDocumentPtr document = Parse(kGroups);
+    const MSXML2::IXMLDOMDocumentPtr document = Parse(kGroups);
     const std::wstring prefix = L"Exception in GetValuesOfAttribute():\n";
     for (const ValuePath& path : kValuePaths)
     {
         SCOPED_TRACE(path.name);
-        EXPECT_EQ(StatusOf([&] { path.call(IXMLDOMDocumentPtr(), L"g", L"p"); }), prefix + L"pDoc is NULL!");
+        EXPECT_EQ(StatusOf([&] { path.call(MSXML2::IXMLDOMDocumentPtr(), L"g", L"p"); }), prefix + L"pDoc is NULL!");
         EXPECT_EQ(StatusOf([&] { path.call(document, L"g", L"none"); }), prefix + L"DesiredChildNodesLen = 0!");
         ForwardingDocument failing(document);
         failing.plan.Replace("get_childNodes", Returns(E_FAIL));
-        EXPECT_EQ(StatusOf([&] { path.call(IXMLDOMDocumentPtr(&failing), L"g", L"p"); }),
+        EXPECT_EQ(StatusOf([&] { path.call(MSXML2::IXMLDOMDocumentPtr(&failing), L"g", L"p"); }),
                   prefix + L"get_childNodes failed!");
     }
 }

@@ -109,7 +109,7 @@ TEST_F(QuonXmlTest, LoadFromStreamWaitsAndLooksAtTheError)
 {
     QuonXml xml(L"", false, false, false);
     StreamedDocument document;
-    const IXMLDOMDocumentPtr pointer(&document);
+    const MSXML2::IXMLDOMDocumentPtr pointer(&document);
     EXPECT_EQ(xml.LoadFromStream(pointer, nullptr), 0) << "no stream interface";
     EXPECT_EQ(document.plan.Count("get_readyState"), 0);
 
@@ -152,6 +152,7 @@ TEST_F(QuonXmlTest, LoadFromUrlResolvesAndFails)
     EXPECT_EQ(xml.LoadFromUrl(std::wstring(400, L'x').c_str()), E_FAIL);
     EXPECT_EQ(xml.LoadFromUrl(L"http"), E_FAIL);
     EXPECT_EQ(xml.LoadFromUrl(L"https://host/file.xml"), E_FAIL);
+    EXPECT_EQ(xml.LoadFromUrl(nullptr), E_FAIL);
     ASSERT_EQ(g_resolved.size(), 5u);
     EXPECT_EQ(g_resolved[0], std::make_pair(std::wstring(L"C:\\file.xml"), DWORD{260}));
     EXPECT_EQ(xml.Load(), E_FAIL) << "a stream, but not over a file";
@@ -165,12 +166,13 @@ TEST_F(QuonXmlTest, MemoryGivesTheSameDocumentBack)
 {
     QuonXml xml(L"", false, false, false);
     // With a declaration: some parsers do not recognise the encoding of their own stream without one.
-    const IXMLDOMDocumentPtr document = Parse(L"<?xml version='1.0'?><a k='v'><b>t\x00E4\x4E2D</b><!--c--></a>");
+    const MSXML2::IXMLDOMDocumentPtr document =
+        Parse(L"<?xml version='1.0'?><a k='v'><b>t\x00E4\x4E2D</b><!--c--></a>");
     unsigned char* buffer = nullptr;
     unsigned long size = 0;
     ASSERT_EQ(xml.SaveToMemory(document, buffer, size), 0);
     ASSERT_GT(size, 0u);
-    const IXMLDOMDocumentPtr second = EmptyDocument();
+    const MSXML2::IXMLDOMDocumentPtr second = EmptyDocument();
     EXPECT_EQ(xml.LoadFromMemory(second, buffer, size), 0);
     EXPECT_EQ(Xml(second), Xml(document));
     delete[] buffer;
@@ -182,7 +184,7 @@ TEST_F(QuonXmlTest, MemoryHoldsTheBytesOfTheStream)
     StreamedDocument document;
     FakePersist persist;
     document.persist = &persist;
-    const IXMLDOMDocumentPtr pointer(&document);
+    const MSXML2::IXMLDOMDocumentPtr pointer(&document);
     for (const size_t length : {size_t{0}, size_t{1}, size_t{5}, size_t{100000}})
     {
         SCOPED_TRACE(length);
@@ -238,19 +240,21 @@ TEST_F(QuonXmlTest, TheMemoryOfTheStreamIsUnlockedAgain)
     delete[] buffer;
 }
 
+DWORD g_lockError = ERROR_SUCCESS;
+
 TEST_F(QuonXmlTest, MemoryStepsThatFailGiveTheirResults)
 {
     QuonXml xml(L"", false, false, false);
     StreamedDocument document;
     FakePersist persist;
-    const IXMLDOMDocumentPtr pointer(&document);
+    const MSXML2::IXMLDOMDocumentPtr pointer(&document);
     const unsigned char bytes[] = {1, 2, 3};
     unsigned char* buffer = nullptr;
     unsigned long size = 77;
     EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), E_NOINTERFACE);
     EXPECT_EQ(xml.LoadFromMemory(pointer, bytes, 3), E_NOINTERFACE);
-    EXPECT_EQ(ErrorOf([&] { xml.SaveToMemory(IXMLDOMDocumentPtr(), buffer, size); }), E_POINTER);
-    EXPECT_EQ(ErrorOf([&] { xml.LoadFromMemory(IXMLDOMDocumentPtr(), bytes, 3); }), E_POINTER);
+    EXPECT_EQ(ErrorOf([&] { xml.SaveToMemory(MSXML2::IXMLDOMDocumentPtr(), buffer, size); }), E_POINTER);
+    EXPECT_EQ(ErrorOf([&] { xml.LoadFromMemory(MSXML2::IXMLDOMDocumentPtr(), bytes, 3); }), E_POINTER);
     document.persist = &persist;
     persist.saveResult = E_ABORT;
     EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), E_ABORT);
@@ -264,8 +268,17 @@ TEST_F(QuonXmlTest, MemoryStepsThatFailGiveTheirResults)
             kLibrary, "GetHGlobalFromStream", [](IStream*, HGLOBAL*) -> HRESULT { return E_HANDLE; });
         persist.toSave = "x";
         EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), E_HANDLE);
-        delete[] buffer;
-        buffer = nullptr;
+        EXPECT_EQ(buffer, nullptr) << "a copy that failed is freed";
+        EXPECT_EQ(size, 1u) << "the size is known by then";
+    }
+    for (const DWORD code : {DWORD{ERROR_INVALID_HANDLE}, DWORD{ERROR_SUCCESS}})
+    {
+        SCOPED_TRACE(code);
+        g_lockError = code;
+        const ImportPatch<decltype(&::GlobalLock)> patch(
+            kLibrary, "GlobalLock", [](HGLOBAL) WINAPI -> LPVOID { return ::SetLastError(g_lockError), nullptr; });
+        EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), code == ERROR_SUCCESS ? E_FAIL : E_HANDLE);
+        EXPECT_EQ(buffer, nullptr);
     }
     const ImportPatch<decltype(&::CreateStreamOnHGlobal)> patch(kLibrary, "CreateStreamOnHGlobal",
                                                                 [](HGLOBAL memory, BOOL deletes, LPSTREAM*) -> HRESULT {
@@ -312,7 +325,7 @@ TEST_F(QuonXmlTest, StreamOperationsThatFailGiveTheirResults)
     StreamedDocument document;
     FakePersist persist;
     document.persist = &persist;
-    const IXMLDOMDocumentPtr pointer(&document);
+    const MSXML2::IXMLDOMDocumentPtr pointer(&document);
     FailingStream stream;
     g_stream = &stream;
     const ImportPatch<decltype(&::CreateStreamOnHGlobal)> patch(kLibrary, "CreateStreamOnHGlobal",
@@ -350,7 +363,7 @@ TEST_F(QuonXmlTest, ABufferThatCannotBeMadeIsOutOfMemory)
         kLibrary, "malloc", [](size_t size) -> void* { return size == kHugeBuffer ? nullptr : std::malloc(size); });
     unsigned char* buffer = nullptr;
     unsigned long size = 0;
-    EXPECT_EQ(xml.SaveToMemory(IXMLDOMDocumentPtr(&document), buffer, size), E_OUTOFMEMORY);
+    EXPECT_EQ(xml.SaveToMemory(MSXML2::IXMLDOMDocumentPtr(&document), buffer, size), E_OUTOFMEMORY);
     EXPECT_EQ(size, kHugeBuffer) << "the size is known by then";
     EXPECT_EQ(buffer, nullptr);
 }

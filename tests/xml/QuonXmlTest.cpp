@@ -61,7 +61,8 @@ TEST_F(QuonXmlTest, CreatesItsDocumentAndReportsNoFailure)
         EXPECT_EQ(g_initialisations, 1);
         EXPECT_EQ(xml.CreateDocument(), REGDB_E_CLASSNOTREG);
         EXPECT_EQ(g_initialisations, 2);
-        EXPECT_TRUE(xml.WalkTree([](CString, IXMLDOMNodePtr&, __int64) { return false; }, 0)) << "nothing to walk";
+        EXPECT_TRUE(xml.WalkTree([](CString, MSXML2::IXMLDOMNodePtr&, __int64) { return false; }, 0))
+            << "nothing to walk";
     }
     ASSERT_EQ(g_creations.size(), 2u);
     constexpr GUID kClass = {0xF6D90F11, 0x9C73, 0x11D3, {0xB3, 0x2E, 0x00, 0xC0, 0x4F, 0x99, 0x0B, 0xB4}};
@@ -106,7 +107,7 @@ TEST_F(QuonXmlTest, CreateDocumentReleasesTheOldOne)
     EXPECT_TRUE(xml.m_pDoc);
     xml.m_pDoc = m_pointer;
     {
-        const IXMLDOMDocumentPtr copy = xml.GetDocument();
+        const MSXML2::IXMLDOMDocumentPtr copy = xml.GetDocument();
         EXPECT_EQ(m_document.references, 4) << "a reference was added";
     }
     xml.m_pDoc = nullptr;
@@ -188,7 +189,7 @@ TEST_F(QuonXmlTest, AnErrorOfABackgroundLoadIsShownAndReturned)
         VARIANT_BOOL loaded = VARIANT_TRUE;
         std::wstring name;
         VARTYPE type = 0;
-        HRESULT STDMETHODCALLTYPE load(VARIANT source, VARIANT_BOOL* out) override
+        HRESULT STDMETHODCALLTYPE raw_load(VARIANT source, VARIANT_BOOL* out) override
         {
             type = source.vt;
             name = source.bstrVal;
@@ -239,14 +240,14 @@ TEST_F(QuonXmlTest, AnErrorOfABackgroundLoadIsShownAndReturned)
 TEST_F(QuonXmlTest, FailedCallsAreRaised)
 {
     QuonXml xml(L"name.xml", false, false, false);
-    const IXMLDOMDocumentPtr none;
+    const MSXML2::IXMLDOMDocumentPtr none;
     EXPECT_EQ(ErrorOf([&] { xml.LoadSync(none, L"n"); }), E_POINTER);
     EXPECT_EQ(ErrorOf([&] { xml.LoadAsync(none, L"n"); }), E_POINTER);
     EXPECT_EQ(ErrorOf([&] { xml.LoadFromStream(none, nullptr); }), E_POINTER);
     EXPECT_EQ(ErrorOf([&] { xml.SaveDocument(none, L"n"); }), E_POINTER);
     EXPECT_EQ(ErrorOf([&] { xml.WaitUntilLoaded(none); }), E_POINTER);
     EXPECT_EQ(ErrorOf([&] { xml.CheckParseError(none); }), E_POINTER);
-    EXPECT_EQ(ErrorOf([&] { xml.ReportParseError(IXMLDOMParseErrorPtr()); }), E_POINTER);
+    EXPECT_EQ(ErrorOf([&] { xml.ReportParseError(MSXML2::IXMLDOMParseErrorPtr()); }), E_POINTER);
 
     xml.m_pDoc = m_pointer;
     m_document.plan.Replace("put_async", Returns(E_ACCESSDENIED));

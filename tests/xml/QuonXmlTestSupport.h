@@ -10,10 +10,6 @@
 namespace quon_test
 {
 
-using MSXML2::IXMLDOMDocumentPtr;
-using MSXML2::IXMLDOMNodePtr;
-using MSXML2::IXMLDOMParseErrorPtr;
-
 inline constexpr wchar_t kLibrary[] = L"QuonWin32Utils.dll";
 
 // Every message box of the library, answered at once.
@@ -33,7 +29,7 @@ protected:
 
     const TemporaryFolder m_folder;
     ForwardingDocument m_document{Parse(L"<r/>")};
-    const IXMLDOMDocumentPtr m_pointer{&m_document};
+    const MSXML2::IXMLDOMDocumentPtr m_pointer{&m_document};
     FakeParseError m_error;
 
 private:

@@ -13,10 +13,10 @@ struct Visits
     size_t count = 0;
 };
 
-bool Visit(CString name, IXMLDOMNodePtr& node, __int64 user)
+bool Visit(CString name, MSXML2::IXMLDOMNodePtr& node, __int64 user)
 {
     auto* const visits = reinterpret_cast<Visits*>(user);
-    EXPECT_STREQ(name, MSXML2::GetNodeName(node));
+    EXPECT_STREQ(name, node->GetnodeName());
     visits->names += name.GetString();
     visits->names += L' ';
     return ++visits->count < visits->stopAfter;
@@ -31,6 +31,7 @@ TEST_F(QuonXmlTest, WalksNodesThenAttributesThenChildren)
     EXPECT_TRUE(xml.WalkTree(&Visit, reinterpret_cast<__int64>(&visits)));
     EXPECT_EQ(visits.names, all);
     EXPECT_TRUE(xml.WalkTree(nullptr, 0));
+    EXPECT_TRUE(xml.WalkNode(xml.m_pDoc, 0, nullptr, 0));
 
     for (size_t stop = 1; stop <= 9; ++stop)
     {
@@ -62,9 +63,9 @@ TEST_F(QuonXmlTest, WalksFromAnyNode)
 {
     QuonXml xml(L"", false, false, false);
     Visits visits;
-    EXPECT_TRUE(xml.WalkNode(IXMLDOMNodePtr(), 0, &Visit, reinterpret_cast<__int64>(&visits)));
+    EXPECT_TRUE(xml.WalkNode(MSXML2::IXMLDOMNodePtr(), 0, &Visit, reinterpret_cast<__int64>(&visits)));
     EXPECT_EQ(visits.count, 0u);
-    const IXMLDOMNodePtr node = Find(Parse(L"<a><b z='3'>t</b></a>"), L"a/b");
+    const MSXML2::IXMLDOMNodePtr node = Find(Parse(L"<a><b z='3'>t</b></a>"), L"a/b");
     EXPECT_TRUE(xml.WalkNode(node, 17, &Visit, reinterpret_cast<__int64>(&visits)));
     EXPECT_EQ(visits.names, L"b z #text ");
 }

@@ -114,7 +114,7 @@ int CheckOldSystem()
     public:
         using ForwardingElement::ForwardingElement;
         std::wstring text;
-        HRESULT STDMETHODCALLTYPE setAttribute(BSTR, VARIANT value) override
+        HRESULT STDMETHODCALLTYPE raw_setAttribute(BSTR, VARIANT value) override
         {
             text = value.vt == VT_BSTR ? value.bstrVal : L"no text";
             return S_OK;

@@ -12,7 +12,7 @@ class WriteXmlFileTest : public XmlDocumentTest
 {
 protected:
     std::wstring Write(std::initializer_list<const wchar_t*> instructions, std::initializer_list<const wchar_t*> roots,
-                       const IXMLDOMDocumentPtr& document, bool overwrite = true)
+                       const MSXML2::IXMLDOMDocumentPtr& document, bool overwrite = true)
     {
         CStringArray instructionArray;
         CStringArray rootArray;
@@ -22,7 +22,7 @@ protected:
             [&] { m_root = WriteXmlFile(document, Path(L"out.xml"), instructionArray, rootArray, overwrite); });
     }
 
-    IXMLDOMNodePtr m_root;
+    MSXML2::IXMLDOMNodePtr m_root;
 };
 
 constexpr wchar_t kWritten[] = L"(nothing thrown)";
@@ -30,13 +30,13 @@ constexpr wchar_t kDeclaration[] = L"version=\"1.0\"";
 
 TEST_F(WriteXmlFileTest, WritesInstructionsAndARootWithAttributes)
 {
-    const IXMLDOMDocumentPtr document = EmptyDocument();
+    const MSXML2::IXMLDOMDocumentPtr document = EmptyDocument();
     EXPECT_EQ(Write({L"xml", kDeclaration, L"style", L"href='a'"},
                     {L"LandXML", L" version\t=  1.0 ", L"no equals sign", L"", L"=x", L"y=", L" = ", L"z = a = b "},
                     document),
               kWritten);
-    EXPECT_STREQ(MSXML2::GetNodeName(m_root), L"LandXML");
-    const IXMLDOMDocumentPtr read = EmptyDocument();
+    EXPECT_STREQ(m_root->GetnodeName(), L"LandXML");
+    const MSXML2::IXMLDOMDocumentPtr read = EmptyDocument();
     LoadXmlFile(Path(L"out.xml"), read);
     EXPECT_EQ(Xml(read), L"<?xml version=\"1.0\"?><?style href='a'?><LandXML version=\"1.0\" z=\"a = b\"/>");
 }
@@ -49,18 +49,18 @@ TEST_F(WriteXmlFileTest, HandsTheDataOverUnchanged)
     public:
         using ForwardingDocument::ForwardingDocument;
         std::wstring target, data;
-        HRESULT STDMETHODCALLTYPE createProcessingInstruction(BSTR name, BSTR text,
-                                                              IXMLDOMProcessingInstruction** out) override
+        HRESULT STDMETHODCALLTYPE raw_createProcessingInstruction(BSTR name, BSTR text,
+                                                                  MSXML2::IXMLDOMProcessingInstruction** out) override
         {
             target = name;
             data = text;
-            return m_inner->createProcessingInstruction(name, _bstr_t(kDeclaration), out);
+            return m_inner->raw_createProcessingInstruction(name, _bstr_t(kDeclaration), out);
         }
     };
     Document document(EmptyDocument());
-    EXPECT_EQ(
-        Write({L"xml", L"version=1.0"}, {L"LandXML", L" version = 1.0 ", L"ignored"}, IXMLDOMDocumentPtr(&document)),
-        kWritten);
+    EXPECT_EQ(Write({L"xml", L"version=1.0"}, {L"LandXML", L" version = 1.0 ", L"ignored"},
+                    MSXML2::IXMLDOMDocumentPtr(&document)),
+              kWritten);
     EXPECT_EQ(document.target, L"xml");
     EXPECT_EQ(document.data, L"version=1.0");
     EXPECT_EQ(Bytes(L"out.xml").find("ignored"), std::string::npos);
@@ -107,15 +107,17 @@ TEST_F(WriteXmlFileTest, TheNameOfADeclarationHasSmallLetters)
     {
     public:
         using ForwardingDocument::ForwardingDocument;
-        HRESULT STDMETHODCALLTYPE createProcessingInstruction(BSTR, BSTR, IXMLDOMProcessingInstruction** out) override
+        HRESULT STDMETHODCALLTYPE raw_createProcessingInstruction(BSTR, BSTR,
+                                                                  MSXML2::IXMLDOMProcessingInstruction** out) override
         {
-            return m_inner->createProcessingInstruction(_bstr_t(L"style"), _bstr_t(L"a"), out);
+            return m_inner->raw_createProcessingInstruction(_bstr_t(L"style"), _bstr_t(L"a"), out);
         }
     };
     for (const wchar_t* target : {L"XML", L"Xml", L"xml ", L"xmls"})
     {
         Document document(EmptyDocument());
-        EXPECT_EQ(Write({target, kDeclaration}, {L"r"}, IXMLDOMDocumentPtr(&document)), L"bXmlInstruction is FALSE!");
+        EXPECT_EQ(Write({target, kDeclaration}, {L"r"}, MSXML2::IXMLDOMDocumentPtr(&document)),
+                  L"bXmlInstruction is FALSE!");
     }
 }
 
@@ -136,7 +138,7 @@ TEST_F(WriteXmlFileTest, InstructionsThatCannotBeMadeOrAppended)
     EXPECT_EQ(ErrorOf([&] { Write({L"xml", kDeclaration}, {L"r"}, m_pointer); }), E_ACCESSDENIED);
     ForwardingDocument second(EmptyDocument());
     second.plan.Replace("appendChild", Returns(S_FALSE));
-    EXPECT_EQ(Write({L"xml", kDeclaration, L"x"}, {L"r"}, IXMLDOMDocumentPtr(&second)),
+    EXPECT_EQ(Write({L"xml", kDeclaration, L"x"}, {L"r"}, MSXML2::IXMLDOMDocumentPtr(&second)),
               L"E_FAILpAppendedAdditionalNode is empty!InstructionsIndex >= InstructionsSize!"
               L"bXmlInstruction is FALSE!");
 }
@@ -149,7 +151,8 @@ TEST_F(WriteXmlFileTest, MissingRoots)
     EXPECT_EQ(Write({L"xml", kDeclaration}, {L"r", L"a=1"}, m_pointer), L"pAppendedNode is NULL!");
     ForwardingDocument second(EmptyDocument());
     second.plan.Replace("appendChild", Returns(S_FALSE), 2);
-    EXPECT_EQ(Write({L"xml", kDeclaration}, {L"r", L"a=1"}, IXMLDOMDocumentPtr(&second)), L"pAppendedNode is NULL!");
+    EXPECT_EQ(Write({L"xml", kDeclaration}, {L"r", L"a=1"}, MSXML2::IXMLDOMDocumentPtr(&second)),
+              L"pAppendedNode is NULL!");
     EXPECT_FALSE(m_folder.Exists(L"out.xml"));
 }
 
@@ -163,7 +166,7 @@ TEST_F(WriteXmlFileTest, AnAttributeThatCannotBeSetTellsWhy)
 TEST_F(WriteXmlFileTest, AnExistingFileIsLoadedInsteadOfWritten)
 {
     m_folder.WriteFile(L"out.xml", "<old/>");
-    const IXMLDOMDocumentPtr document = EmptyDocument();
+    const MSXML2::IXMLDOMDocumentPtr document = EmptyDocument();
     EXPECT_EQ(Write({}, {}, document, false), kWritten) << "the lists are not looked at";
     EXPECT_FALSE(m_root);
     EXPECT_EQ(Xml(document), L"<old/>");
@@ -196,10 +199,10 @@ TEST_F(WriteXmlFileTest, AFailedSaveIsRaisedAndASuccessCodeDropped)
     EXPECT_EQ(ErrorOf([&] { Write({L"xml", kDeclaration}, {L"r"}, m_pointer); }), E_ACCESSDENIED);
     ForwardingDocument second(EmptyDocument());
     second.plan.Replace("save", Returns(S_FALSE));
-    EXPECT_EQ(Write({L"xml", kDeclaration}, {L"r"}, IXMLDOMDocumentPtr(&second)), L"E_FAIL");
+    EXPECT_EQ(Write({L"xml", kDeclaration}, {L"r"}, MSXML2::IXMLDOMDocumentPtr(&second)), L"E_FAIL");
     ForwardingDocument third(EmptyDocument());
     third.plan.Replace("save", Returns(S_FALSE));
-    EXPECT_EQ(Write({L"xml", kDeclaration, L"odd"}, {L"r"}, IXMLDOMDocumentPtr(&third)),
+    EXPECT_EQ(Write({L"xml", kDeclaration, L"odd"}, {L"r"}, MSXML2::IXMLDOMDocumentPtr(&third)),
               L"E_FAILInstructionsIndex >= InstructionsSize!");
 }
 
@@ -213,11 +216,11 @@ TEST_F(WriteXmlFileTest, WithoutAFileTheDocumentIsNeeded)
 TEST_F(WriteXmlFileTest, LeavesDocumentsForTheValidator)
 {
     ::CreateDirectoryW(L"xml-written-documents", nullptr);
-    const IXMLDOMDocumentPtr landXml = EmptyDocument();
+    const MSXML2::IXMLDOMDocumentPtr landXml = EmptyDocument();
     CreateLandXmlDocument(landXml);
-    const IXMLDOMNodePtr root = GetLandXmlRoot(landXml);
-    const IXMLDOMNodePtr points = AppendNewElement(landXml, root, L"CgPoints");
-    const IXMLDOMNodePtr point = AppendNewElement(landXml, points, L"CgPoint");
+    const MSXML2::IXMLDOMNodePtr root = GetLandXmlRoot(landXml);
+    const MSXML2::IXMLDOMNodePtr points = AppendNewElement(landXml, root, L"CgPoints");
+    const MSXML2::IXMLDOMNodePtr point = AppendNewElement(landXml, points, L"CgPoint");
     SetXmlString(point, L"name", L"1 < \"2\" & \x00E4\x4E2D");
     SetXmlDouble(point, L"scale", 0.1);
     point->put_text(_bstr_t(L"100.25 <200> & 3.5 \x00E4\x4E2D"));

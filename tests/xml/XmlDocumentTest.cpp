@@ -43,14 +43,14 @@ private:
 
 TEST_F(XmlDocumentTest, AppendsElementsToAParentOrTheDocument)
 {
-    const IXMLDOMDocumentPtr document = EmptyDocument();
-    const IXMLDOMNodePtr root = AppendNewElement(document, IXMLDOMNodePtr(), L"root");
-    const IXMLDOMNodePtr child = AppendNewElement(document, root, L"child");
-    EXPECT_STREQ(MSXML2::GetNodeName(child), L"child");
+    const MSXML2::IXMLDOMDocumentPtr document = EmptyDocument();
+    const MSXML2::IXMLDOMNodePtr root = AppendNewElement(document, MSXML2::IXMLDOMNodePtr(), L"root");
+    const MSXML2::IXMLDOMNodePtr child = AppendNewElement(document, root, L"child");
+    EXPECT_STREQ(child->GetnodeName(), L"child");
     EXPECT_EQ(Xml(document), L"<root><child/></root>");
     ForwardingAnyNode refusing(root);
     refusing.plan.Replace("appendChild", Returns(E_ACCESSDENIED));
-    EXPECT_FALSE(AppendNewElement(document, IXMLDOMNodePtr(&refusing), L"e")) << "empty, not raised";
+    EXPECT_FALSE(AppendNewElement(document, MSXML2::IXMLDOMNodePtr(&refusing), L"e")) << "empty, not raised";
     EXPECT_EQ(ErrorOf([&] { AppendNewElement(m_none, root, L"e"); }), E_POINTER);
     m_document.plan.Replace("createElement", Returns(S_FALSE));
     EXPECT_FALSE(AppendNewElement(m_pointer, root, L"e"));
@@ -64,10 +64,10 @@ class Recorder : public ForwardingElement
 public:
     using ForwardingElement::ForwardingElement;
     std::vector<std::pair<std::wstring, std::wstring>> set;
-    HRESULT STDMETHODCALLTYPE setAttribute(BSTR name, VARIANT value) override
+    HRESULT STDMETHODCALLTYPE raw_setAttribute(BSTR name, VARIANT value) override
     {
         set.emplace_back(name, value.vt == VT_BSTR ? value.bstrVal : L"(no text)");
-        return ForwardingElement::setAttribute(name, value);
+        return ForwardingElement::raw_setAttribute(name, value);
     }
 };
 
@@ -91,23 +91,23 @@ TEST_F(XmlDocumentTest, LandXmlHeadersHaveEightAttributesInOrder)
     {
     public:
         using ForwardingDocument::ForwardingDocument;
-        IXMLDOMNode* root = nullptr;
-        HRESULT STDMETHODCALLTYPE appendChild(IXMLDOMNode*, IXMLDOMNode** out) override
+        MSXML2::IXMLDOMNode* root = nullptr;
+        HRESULT STDMETHODCALLTYPE raw_appendChild(MSXML2::IXMLDOMNode*, MSXML2::IXMLDOMNode** out) override
         {
             Give(root, out);
             return S_OK;
         }
     };
-    const IXMLDOMDocumentPtr real = EmptyDocument();
-    Recorder root{MSXML2::CreateElement(real, L"LandXML")};
+    const MSXML2::IXMLDOMDocumentPtr real = EmptyDocument();
+    Recorder root{real->createElement(L"LandXML")};
     Document document(real);
     document.root = &root;
-    CreateLandXmlDocument(IXMLDOMDocumentPtr(&document));
+    CreateLandXmlDocument(MSXML2::IXMLDOMDocumentPtr(&document));
     EXPECT_EQ(root.set, expected);
     EXPECT_EQ(root.references, 1);
     EXPECT_EQ(g_clockReads, 1) << "date and time are of one moment";
 
-    const IXMLDOMDocumentPtr written = EmptyDocument();
+    const MSXML2::IXMLDOMDocumentPtr written = EmptyDocument();
     CreateLandXmlDocument(written);
     std::wstring text = L"<LandXML";
     for (const auto& [name, value] : expected)
@@ -115,7 +115,7 @@ TEST_F(XmlDocumentTest, LandXmlHeadersHaveEightAttributesInOrder)
         text += L" " + name + L"=\"" + value + L"\"";
     }
     EXPECT_EQ(Xml(written), text + L"/>") << "one root, nothing else";
-    EXPECT_STREQ(MSXML2::GetNodeName(GetLandXmlRoot(written)), L"LandXML");
+    EXPECT_STREQ(GetLandXmlRoot(written)->GetnodeName(), L"LandXML");
 }
 
 TEST_F(XmlDocumentTest, ALandXmlRootThatCannotBeAppendedGetsNoAttributes)
@@ -148,9 +148,23 @@ TEST_F(XmlDocumentTest, SeesFilesAndFolders)
 TEST_F(XmlDocumentTest, LoadsAFile)
 {
     m_folder.WriteFile(L"in.xml", "<a>t</a>");
-    const IXMLDOMDocumentPtr document = EmptyDocument();
+    const MSXML2::IXMLDOMDocumentPtr document = EmptyDocument();
     EXPECT_TRUE(LoadXmlFile(Path(L"in.xml"), document));
     EXPECT_EQ(Xml(document), L"<a>t</a>");
+}
+
+// Whether the load waits is the caller's choice, made before.
+TEST_F(XmlDocumentTest, LoadingLeavesTheDocumentsWayOfLoadingAlone)
+{
+    m_folder.WriteFile(L"in.xml", "<a/>");
+    for (const VARIANT_BOOL async : {VARIANT_TRUE, VARIANT_FALSE})
+    {
+        m_pointer->Putasync(async);
+        const int puts = m_document.plan.Count("put_async");
+        EXPECT_TRUE(LoadXmlFile(Path(L"in.xml"), m_pointer));
+        EXPECT_EQ(m_document.plan.Count("put_async"), puts);
+        EXPECT_EQ(m_pointer->Getasync(), async);
+    }
 }
 
 TEST_F(XmlDocumentTest, LoadFailuresHaveTheirTexts)

@@ -12,7 +12,6 @@ namespace
 {
 
 using namespace quon_test;
-using namespace MSXML2;
 
 constexpr wchar_t kLibrary[] = L"QuonWin32Utils.dll";
 
@@ -75,9 +74,9 @@ class CountedElement : public ForwardingElement
 {
 public:
     using ForwardingElement::ForwardingElement;
-    IXMLDOMDocument* owner = nullptr;
-    IXMLDOMNode* found = nullptr;
-    IXMLDOMNode* child = nullptr;
+    MSXML2::IXMLDOMDocument* owner = nullptr;
+    MSXML2::IXMLDOMNode* found = nullptr;
+    MSXML2::IXMLDOMNode* child = nullptr;
 
     HRESULT STDMETHODCALLTYPE get_nodeName(BSTR* out) override
     {
@@ -92,15 +91,15 @@ public:
     {
         return Handed(out, ForwardingElement::get_nodeTypedValue(out));
     }
-    HRESULT STDMETHODCALLTYPE get_ownerDocument(IXMLDOMDocument** out) override
+    HRESULT STDMETHODCALLTYPE get_ownerDocument(MSXML2::IXMLDOMDocument** out) override
     {
         return owner != nullptr ? (Give(owner, out), S_OK) : ForwardingElement::get_ownerDocument(out);
     }
-    HRESULT STDMETHODCALLTYPE selectSingleNode(BSTR query, IXMLDOMNode** out) override
+    HRESULT STDMETHODCALLTYPE raw_selectSingleNode(BSTR query, MSXML2::IXMLDOMNode** out) override
     {
-        return found != nullptr ? (Give(found, out), S_OK) : ForwardingElement::selectSingleNode(query, out);
+        return found != nullptr ? (Give(found, out), S_OK) : ForwardingElement::raw_selectSingleNode(query, out);
     }
-    HRESULT STDMETHODCALLTYPE get_firstChild(IXMLDOMNode** out) override
+    HRESULT STDMETHODCALLTYPE get_firstChild(MSXML2::IXMLDOMNode** out) override
     {
         return child != nullptr ? (Give(child, out), S_OK) : ForwardingElement::get_firstChild(out);
     }
@@ -160,16 +159,16 @@ protected:
     }
     void TearDown() override { ReleaseNodeArray(&m_nodes); }
 
-    const IXMLDOMDocumentPtr m_real = Parse(L"<r k='v'>12</r>");
-    CountedElement m_root{IXMLDOMElementPtr(Find(m_real, L"r"))};
-    CountedElement m_value{IXMLDOMElementPtr(Find(m_real, L"r"))};
+    const MSXML2::IXMLDOMDocumentPtr m_real = Parse(L"<r k='v'>12</r>");
+    CountedElement m_root{MSXML2::IXMLDOMElementPtr(Find(m_real, L"r"))};
+    CountedElement m_value{MSXML2::IXMLDOMElementPtr(Find(m_real, L"r"))};
     ForwardingDocument m_document{m_real};
     FakeList m_list;
     FakeList m_none;
     FakeMap m_map;
     QuonNodeArray m_nodes;
-    const IXMLDOMDocumentPtr m_pointer{&m_document};
-    const IXMLDOMNodePtr m_node{static_cast<IXMLDOMNode*>(&m_root)};
+    const MSXML2::IXMLDOMDocumentPtr m_pointer{&m_document};
+    const MSXML2::IXMLDOMNodePtr m_node{static_cast<MSXML2::IXMLDOMNode*>(&m_root)};
 
 private:
     std::vector<LONG> References() const
@@ -203,7 +202,7 @@ private:
 
 TEST_F(XmlLeaks, SearchesLeaveNothingBehind)
 {
-    const IXMLDOMNodeListPtr list(&m_list);
+    const MSXML2::IXMLDOMNodeListPtr list(&m_list);
     Check("FindFirstNodeByName", [&] { FindFirstNodeByName(list, L"r", true); }, {"get_nodeName", "reset"});
     Check("FindFirstNodeByName, nothing", [&] { FindFirstNodeByName(list, L"x", true); }, {"get_childNodes"});
     Check("FindNodeByNameAndText", [&] { FindNodeByNameAndText(list, L"r", L"12", true); },
@@ -259,7 +258,7 @@ TEST_F(XmlLeaks, ReadingLeavesNothingBehind)
 
 TEST_F(XmlLeaks, EditingLeavesNothingBehind)
 {
-    IXMLDOMNodePtr result;
+    MSXML2::IXMLDOMNodePtr result;
     CStringArray names;
     CStringArray values;
     Fill(names, {L"a", L"b"});
@@ -267,7 +266,8 @@ TEST_F(XmlLeaks, EditingLeavesNothingBehind)
     Check("AppendElement", [&] { AppendElement(result, m_pointer, m_node, L"e"); }, {"createElement", "appendChild"});
     Check("AppendTextChild", [&] { AppendTextChild(result, m_pointer, m_node, L"t"); },
           {"createTextNode", "appendChild"});
-    Check("AppendNodeOfType", [&] { AppendNodeOfType(result, m_pointer, m_node, NODE_ELEMENT, L"e", L"urn:e"); },
+    Check("AppendNodeOfType",
+          [&] { AppendNodeOfType(result, m_pointer, m_node, MSXML2::NODE_ELEMENT, L"e", L"urn:e"); },
           {"createNode", "appendChild"});
     Check("AppendNewElementToRoot", [&] { AppendNewElementToRoot(m_pointer, m_node, L"e"); },
           {"createElement", "appendChild"});
@@ -285,8 +285,8 @@ TEST_F(XmlLeaks, EditingLeavesNothingBehind)
 TEST_F(XmlLeaks, DocumentsLeaveNothingBehind)
 {
     QuonXml xml(L"", false, false, false);
-    const auto visit = [](CString, IXMLDOMNodePtr&, __int64) { return true; };
-    const auto stop = [](CString, IXMLDOMNodePtr&, __int64) { return false; };
+    const auto visit = [](CString, MSXML2::IXMLDOMNodePtr&, __int64) { return true; };
+    const auto stop = [](CString, MSXML2::IXMLDOMNodePtr&, __int64) { return false; };
     Check("WalkNode", [&] { xml.WalkNode(m_node, 0, visit, 0); },
           {"get_nodeName", "get_attributes", "nextNode", "get_firstChild"});
     m_root.child = &m_value;

@@ -145,9 +145,9 @@ TEST_F(XmlValues, StringsAreNotConverted)
 {
     const MSXML2::IXMLDOMNodePtr root = RootWith(L"12");
     EXPECT_EQ(GetXmlString(root, L"v"), L"12");
-    const MSXML2::IXMLDOMNodePtr value = MSXML2::SelectSingleNode(root, L"v");
+    const MSXML2::IXMLDOMNodePtr value = root->selectSingleNode(L"v");
     ASSERT_EQ(value->put_dataType(_bstr_t(L"int")), S_OK);
-    ASSERT_EQ(MSXML2::GetNodeTypedValue(value).vt, VT_I4) << "the parser types the value now";
+    ASSERT_EQ(value->GetnodeTypedValue().vt, VT_I4) << "the parser types the value now";
     EXPECT_EQ(GetXmlString(root, L"v"), L"");
     EXPECT_EQ(GetXmlLong(root, L"v"), 12) << "the type that is asked for needs no conversion";
     EXPECT_EQ(GetXmlDouble(root, L"v"), 12.0);
@@ -181,14 +181,14 @@ TEST_F(XmlValues, AConversionThatSucceedsWithoutTheTypeGivesZero)
 TEST_F(XmlValues, FailuresOfTheTypedValueAreRaised)
 {
     const MSXML2::IXMLDOMNodePtr root = RootWith(L"1");
-    ForwardingAnyNode found(MSXML2::SelectSingleNode(root, L"v"));
+    ForwardingAnyNode found(root->selectSingleNode(L"v"));
     found.plan.Replace("get_nodeTypedValue", Returns(E_ABORT));
     class Parent : public ForwardingAnyNode
     {
     public:
         using ForwardingAnyNode::ForwardingAnyNode;
-        IXMLDOMNode* child = nullptr;
-        HRESULT STDMETHODCALLTYPE selectSingleNode(BSTR, IXMLDOMNode** out) override
+        MSXML2::IXMLDOMNode* child = nullptr;
+        HRESULT STDMETHODCALLTYPE raw_selectSingleNode(BSTR, MSXML2::IXMLDOMNode** out) override
         {
             Give(child, out);
             return S_OK;
@@ -236,10 +236,10 @@ TEST_F(XmlValues, SettersHandOverTheirVariantTypes)
     public:
         using ForwardingElement::ForwardingElement;
         std::vector<VARTYPE> types;
-        HRESULT STDMETHODCALLTYPE setAttribute(BSTR name, VARIANT value) override
+        HRESULT STDMETHODCALLTYPE raw_setAttribute(BSTR name, VARIANT value) override
         {
             types.push_back(value.vt);
-            return ForwardingElement::setAttribute(name, value);
+            return ForwardingElement::raw_setAttribute(name, value);
         }
     };
     Recorder element(Find(Parse(L"<r/>"), L"r"));
@@ -261,8 +261,8 @@ TEST_F(XmlValues, SettersSkipWhatIsNoElement)
 {
     const MSXML2::IXMLDOMDocumentPtr document = Parse(L"<r>text<!--c--></r>");
     const std::wstring before = Xml(document);
-    const MSXML2::IXMLDOMNodePtr text = MSXML2::GetFirstChild(Find(document, L"r"));
-    const MSXML2::IXMLDOMNodePtr nodes[] = {text, MSXML2::GetNextSibling(text), document, MSXML2::IXMLDOMNodePtr()};
+    const MSXML2::IXMLDOMNodePtr text = Find(document, L"r")->GetfirstChild();
+    const MSXML2::IXMLDOMNodePtr nodes[] = {text, text->GetnextSibling(), document, MSXML2::IXMLDOMNodePtr()};
     for (const MSXML2::IXMLDOMNodePtr& node : nodes)
     {
         SetXmlString(node, L"a", L"1");
@@ -379,6 +379,26 @@ TEST_F(XmlValues, OnlyASeparatorThatDiffersIsTouched)
     changes.clear();
     SetXmlDouble(Find(Parse(L"<r/>"), L"r"), L"a", 2.5);
     EXPECT_TRUE(changes.empty()) << "the setter makes no switch";
+}
+
+// Changing one separator can change what another reads as: both are read as the user has them.
+TEST_F(XmlValues, BothSeparatorsAreReadBeforeEitherIsSwitched)
+{
+    static std::wstring calls;
+    calls.clear();
+    SetSeparators(L",", L".");
+    const ImportPatch<decltype(&::GetLocaleInfoW)> reading(
+        kLibrary, "GetLocaleInfoW", [](LCID locale, LCTYPE type, LPWSTR text, int size) WINAPI -> int {
+            calls += type == LOCALE_SDECIMAL ? L"read decimal, " : L"read thousands, ";
+            return ::GetLocaleInfoW(locale, type, text, size);
+        });
+    const ImportPatch<decltype(&::SetLocaleInfoW)> writing(
+        kLibrary, "SetLocaleInfoW", [](LCID locale, LCTYPE type, LPCWSTR text) WINAPI -> BOOL {
+            calls += type == LOCALE_SDECIMAL ? L"set decimal, " : L"set thousands, ";
+            return ::SetLocaleInfoW(locale, type, text);
+        });
+    EXPECT_EQ(GetXmlDouble(RootWith(L"2.5"), L"v"), 2.5);
+    EXPECT_EQ(calls, L"read decimal, read thousands, set decimal, set thousands, set decimal, set thousands, ");
 }
 
 TEST_F(XmlValues, ASeparatorThatCannotBeReadIsLeftAlone)
