@@ -6,12 +6,10 @@ import datetime
 import io
 import json
 import random
-import signal
 import struct
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
