@@ -15,13 +15,13 @@ PIPE_ROOM = 4096  # the least that the system gives
 WRITE = "1"  # the number of the system call on x86-64
 
 
-def wait_until(reached, reason):
-    """Returns once `reached()` holds. What happens in another process gives no better sign than being seen."""
+def wait_until(reached, reason, pause=0.002):
+    """Returns once `reached()` holds, asking every `pause` seconds: what another process does can only be seen."""
     end = time.monotonic() + PATIENCE
     while not reached():
         if time.monotonic() > end:
             raise AssertionError("waited in vain until " + reason)
-        time.sleep(0.002)
+        time.sleep(pause)
 
 
 class Held(captured.Running):
