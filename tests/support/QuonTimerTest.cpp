@@ -496,8 +496,8 @@ TEST_F(Timer, TimersAreIndependent)
     EXPECT_EQ(first.GetElapsedText(FALSE), L"0.200 sec");
 }
 
-// The lap is longer than what another clock shows within it, and shorter than what that shows around it, by what the two
-// clocks' steps allow.
+// The lap is longer than what another clock shows within it, and shorter than what that shows around it, by what the
+// two clocks' steps allow.
 TEST(TimerOnTheRealClock, CountsMilliseconds)
 {
     constexpr ULONGLONG kSteps = 40;
