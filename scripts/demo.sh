@@ -29,7 +29,8 @@ same "files" "$(quonhost tree "$(windows_path "$headers")" --files --totals)" \
 
 part=$headers/bits
 scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
+watcher=
+trap '[ -z "$watcher" ] || kill "$watcher" 2>/dev/null || true; rm -rf "$scratch"' EXIT
 say "mirroring $part"
 quonhost copy "$(windows_path "$part")" "$(windows_path "$scratch/mirror")"
 same "mirrored files" "$(quonhost tree "$(windows_path "$scratch/mirror")" --files --totals)" \
@@ -40,15 +41,17 @@ echo "   every file is the same, byte for byte"
 survey=$scratch/survey.xml
 say "watching $survey while it is rewritten"
 printf '<LandXML/>\n' >"$survey"
-quonhost watch "$(windows_path "$survey")" --seconds 8 >"$scratch/events" &
+"$top/scripts/wine-run.sh" "$bin/quonhost.exe" watch "$(windows_path "$survey")" >"$scratch/events" &
 watcher=$!
-# Until it is heard: the watch is set up some time after the program has started.
-for ((count = 1; count <= 15; count++)); do
+# Until both events are there: the watch is set up some time after the program has started.
+for ((count = 1; count <= 120; count++)); do
   sleep 0.5
   printf '<LandXML version="1.%d"/>%*s\n' "$count" "$count" '' >"$survey"
-  [ "$(grep -c . "$scratch/events")" -lt 2 ] || break
+  ! { grep -qF " size " "$scratch/events" && grep -qF " write " "$scratch/events"; } || break
 done
+kill -INT "$watcher"  # as Ctrl+C
 wait "$watcher"
+watcher=
 sed 's/^/   /' "$scratch/events"
 for event in size write; do
   grep -qF " $event " "$scratch/events" || die "nobody saw a new $event of the file"

@@ -34,7 +34,7 @@ def run(runner, program, command, folder):
     """What the command prints, its errors and its exit code if that is not 0."""
     arguments = shlex.split(command[len(PROMPT):])
     done = subprocess.run([runner, program, *arguments], cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          stderr=subprocess.STDOUT, encoding="utf-8", timeout=60)
+                          stderr=subprocess.STDOUT, encoding="utf-8", timeout=300)
     return done.stdout + (f"[exit code {done.returncode}]\n" if done.returncode else "")
 
 

@@ -35,22 +35,6 @@ private:
     bool m_isDone = false;
 };
 
-// Events arrive as window messages: the thread that made the server needs a message loop, as any host with windows has.
-void DispatchMessages(DWORD milliseconds)
-{
-    const ULONGLONG end = ::GetTickCount64() + milliseconds;
-    while (::GetTickCount64() < end)
-    {
-        ::MsgWaitForMultipleObjectsEx(0, nullptr, 50, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
-        MSG message;
-        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-        {
-            ::TranslateMessage(&message);
-            ::DispatchMessageW(&message);
-        }
-    }
-}
-
 std::wstring MakeFile()
 {
     wchar_t folder[MAX_PATH + 1] = {};
@@ -83,13 +67,21 @@ int WatchOneFile(const std::wstring& file)
         return 1;
     }
     // The watch is set up on the watcher's thread, some time after Subscribe has returned; what is written before that
-    // is not reported. So this writes until it is heard.
-    for (int attempt = 0; attempt < 10 && !sink.IsDone(); ++attempt)
+    // is not reported. So this writes again every second, until the watcher reports it.
+    const UINT_PTR timer = ::SetTimer(nullptr, 0, 1000, nullptr);
+    // Events arrive as window messages: the thread that made the server needs a message loop, as any host with windows
+    // has.
+    MSG message;
+    while (!sink.IsDone() && ::GetMessageW(&message, nullptr, 0, 0) > 0)
     {
-        DispatchMessages(200);
-        AppendTo(file, "another line\n");
-        DispatchMessages(1500);
+        if (message.message == WM_TIMER && message.wParam == timer)
+        {
+            AppendTo(file, "another line\n");
+        }
+        ::TranslateMessage(&message);
+        ::DispatchMessageW(&message);
     }
+    ::KillTimer(nullptr, timer);
     // From here on the sink is not called any more.
     server->Unsubscribe(id);
     return sink.IsDone() ? 0 : 1;

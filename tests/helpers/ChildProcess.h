@@ -16,7 +16,7 @@ struct ChildResult
 };
 
 /// Runs a command line with this process's standard handles. A program that does not end within the limit is killed.
-inline ChildResult RunChild(std::wstring commandLine, DWORD limitMilliseconds = 30000)
+inline ChildResult RunChild(std::wstring commandLine, DWORD limitMilliseconds = 120000)
 {
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);

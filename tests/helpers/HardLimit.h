@@ -8,12 +8,15 @@
 namespace quon_test
 {
 
+/// Only what hangs takes so long, on any machine and beside any load. Below the time that CTest gives a program.
+constexpr DWORD kHangLimit = 300000;
+
 /// For tests of what could wait for ever: kills the program, with a line that says why, when the object lives longer
 /// than its limit.
 class HardLimit
 {
 public:
-    explicit HardLimit(DWORD milliseconds)
+    explicit HardLimit(DWORD milliseconds = kHangLimit)
         : m_milliseconds(milliseconds),
           m_done(::CreateEventW(nullptr, TRUE, FALSE, nullptr)),
           m_thread(::CreateThread(nullptr, 0, &Watch, this, 0, nullptr))

@@ -18,8 +18,8 @@ class Running:
 
     def __init__(self, command, **options):
         self._files = tempfile.TemporaryFile(), tempfile.TemporaryFile()
-        self.process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=self._files[0], stderr=self._files[1],
-                                        **options)
+        streams = {"stdout": self._files[0], "stderr": self._files[1], **options}
+        self.process = subprocess.Popen(command, stdin=subprocess.DEVNULL, **streams)
 
     def output(self):
         return text(self._written(0))

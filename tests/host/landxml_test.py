@@ -6,12 +6,10 @@ import datetime
 import io
 import json
 import random
-import signal
 import struct
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
@@ -355,27 +353,6 @@ class LandXmlTest(unittest.TestCase):
         lines = self.output("points", self.xml, "--points", f"{count - 1}-{count}", "--csv").splitlines()
         self.assertEqual([numbers(line.split(",")[:4]) for line in lines[1:]],
                          [[i + 1, i * 0.37, i * 1.13, i % 50 + 0.125] for i in (count - 2, count - 1)])
-
-    def test_ctrl_c_stops_and_leaves_the_old_file(self):
-        self.export("1,2,3,4\n")
-        old = self.xml.read_bytes()
-        points = self.write("points.csv", "".join(f"{i + 1},{i},{i},{i},P\n" for i in range(150000)))
-        arguments = [RUNNER, PROGRAM, "landxml", "export", windows_path(points), windows_path(self.xml), "--progress"]
-        running = captured.Running(arguments)
-        try:
-            end = time.monotonic() + 60
-            while not running.errors():  # the bar has not begun
-                self.assertIsNone(running.process.poll())
-                self.assertLess(time.monotonic(), end)
-                time.sleep(0.002)
-            running.process.send_signal(signal.SIGINT)
-            code = running.process.wait(120)
-            self.assertEqual((code, running.output()), (1, ""))
-            self.assertTrue(running.errors().endswith("\nquonhost: stopped\n"), running.errors()[-200:])
-        finally:
-            running.end()
-        self.assertEqual(self.xml.read_bytes(), old)
-        self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["out.xml", "points.csv"])
 
     # The command line.
 

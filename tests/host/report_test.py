@@ -3,12 +3,15 @@
 import json
 import os
 import pty
+import signal
 import subprocess
 import sys
 import tempfile
 import unittest
 
+import captured
 import host_test
+from held import PATIENCE, wait_until
 from host_test import PROGRAM, RUNNER, windows_path
 
 # Cyrillic, Chinese, a combining accent after its letter, a letter beyond the 16-bit plane, Arabic from right to left.
@@ -86,14 +89,18 @@ class ReportTest(unittest.TestCase):
         path = windows_path(file)
         self.assertEqual([json.loads(line) for line in self.lines("modified", path, "--pause", "0", "--json")],
                          [{"question": 1, "path": path, "modified": True}, {"question": 2, "path": path, "modified": False}])
-        # The shell changes the file while the host watches.
-        writer = subprocess.Popen(["sh", "-c", 'i=0; while [ $i -lt 60 ]; do echo "x$i" >>"$0"; i=$((i+1)); sleep 0.1; done',
-                                   str(file)])
-        self.addCleanup(writer.wait)
-        self.addCleanup(writer.kill)
-        events = [json.loads(line) for line in self.lines("watch", path, "--events", "size", "--seconds", "4", "--json")]
-        self.assertGreater(len(events), 0)
-        for event in events:
+        watch = captured.Running([RUNNER, PROGRAM, "watch", path, "--events", "size", "--json"])
+        self.addCleanup(watch.end)
+
+        def is_seen():
+            with file.open("a") as stream:
+                stream.write("x")
+            return watch.lines()
+
+        wait_until(is_seen, "the watch tells of an event", pause=0.2)
+        watch.process.send_signal(signal.SIGINT)
+        self.assertEqual(watch.process.wait(PATIENCE), 0)
+        for event in (json.loads(line) for line in watch.lines()):
             self.assertEqual((list(event), event["event"], event["path"]), (["time", "event", "path"], "size", path))
             self.assertRegex(event["time"], r"\A\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}\Z")
 
@@ -136,7 +143,7 @@ class ReportTest(unittest.TestCase):
                 master, terminal = pty.openpty()
                 done = subprocess.run([RUNNER, PROGRAM, "tree", windows_path(self.folder), "--totals"],
                                       stdin=subprocess.DEVNULL, stdout=file if elsewhere else terminal, stderr=terminal,
-                                      timeout=60)
+                                      timeout=PATIENCE)
                 shown = os.read(master, 65536).decode() if elsewhere else self.drain(master)
                 os.close(terminal)
                 os.close(master)

@@ -92,9 +92,9 @@ TEST(HEventCallback, WithPulseReleasesTheThreadsThatWait)
     QuonHEVENTCallback callback(event.Handle(), true);
     Waiter waiter = {event.Handle(), WAIT_FAILED};
     const HANDLE thread = ::CreateThread(nullptr, 0, &WaitForEvent, &waiter, 0, nullptr);
-    // Nobody can see whether the other thread waits already: pulse until it was released.
+    // Nobody can see whether the other thread waits already: pulse until it has ended, released or out of patience.
     DWORD ended = WAIT_TIMEOUT;
-    for (int i = 0; i < 1000 && ended == WAIT_TIMEOUT; ++i)
+    while (ended == WAIT_TIMEOUT)
     {
         EXPECT_TRUE(callback.Invoke());
         ended = ::WaitForSingleObject(thread, 10);

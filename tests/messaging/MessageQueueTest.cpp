@@ -156,7 +156,7 @@ TEST(MessageQueue, DeliversAtTheNextAlertableWaitAndNotBefore)
     Message posted;
     std::thread producer([&] { EXPECT_EQ(queue.Post(&posted), 0u); });
     producer.join();
-    ::SleepEx(50, FALSE);
+    ::SleepEx(1, FALSE);
     EXPECT_EQ(callback.Calls(), 0);
     RunPendingCalls();
     EXPECT_EQ(callback.Calls(), 1);
@@ -424,7 +424,7 @@ TEST(MessageQueueSoak, DeliversTenThousandMessagesOfEachOfFourProducersInTheirOr
 {
     constexpr int kProducers = 4;
     constexpr int kMessages = 10000;
-    const HardLimit limit(60000);
+    const HardLimit limit;
     CountingCallback callback;
     QuonMessageQueue queue(&callback, nullptr);
     std::vector<std::thread> producers;

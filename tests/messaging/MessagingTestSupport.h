@@ -14,8 +14,8 @@ namespace quon_test
 
 constexpr wchar_t kLibrary[] = L"QuonWin32Utils.dll";
 
-/// Long enough for anything that is going to happen at all.
-constexpr DWORD kPatience = 20000;
+/// Long enough for anything that is going to happen at all, on any machine and beside any load.
+constexpr DWORD kPatience = 60000;
 
 /// An event of its own, manual-reset unless told otherwise.
 class Event

@@ -21,7 +21,7 @@ namespace
 class ServerThreadHandlers : public testing::Test
 {
 protected:
-    HardLimit m_limit{60000};
+    HardLimit m_limit;
     Journal m_journal;
 };
 
@@ -508,7 +508,7 @@ DWORD WINAPI ScriptedWait(DWORD count, const HANDLE* handles, BOOL all, DWORD ti
 
 TEST(ServerThreadWait, ReadsTheResultsOfTheWait)
 {
-    const HardLimit limit(60000);
+    const HardLimit limit;
     const ImportPatch<decltype(&::WaitForMultipleObjectsEx)> wait(kLibrary, "WaitForMultipleObjectsEx", &ScriptedWait);
     for (const WaitRow& row : kWaitRows)
     {

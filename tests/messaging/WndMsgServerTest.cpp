@@ -234,10 +234,12 @@ TEST_F(WndMsgServer, CallsOnTheWindowsThreadWhatAnotherThreadSends)
         m_server->SendToWindow(message, 1, 0);
         sent.Set();
     });
-    // The sender waits until this thread looks for messages.
-    EXPECT_EQ(::WaitForSingleObject(sent.Handle(), 200), static_cast<DWORD>(WAIT_TIMEOUT));
-    EXPECT_THAT(recorder.Records(), IsEmpty());
+    // The message is there, and its sender waits until this thread looks for messages.
     const HANDLE handle = sent.Handle();
+    EXPECT_EQ(::MsgWaitForMultipleObjectsEx(1, &handle, kPatience, QS_SENDMESSAGE, MWMO_INPUTAVAILABLE),
+              WAIT_OBJECT_0 + 1);
+    EXPECT_FALSE(sent.IsSet());
+    EXPECT_THAT(recorder.Records(), IsEmpty());
     while (::MsgWaitForMultipleObjects(1, &handle, FALSE, kPatience, QS_SENDMESSAGE) == WAIT_OBJECT_0 + 1)
     {
         MSG ignored = {};

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -526,44 +527,70 @@ TEST(BrowseForDirectoryLayout, IsTheOneThatOtherModulesKnow)
     EXPECT_EQ(SlotOf(&QuonBrowseForDirectory::ValidateFolder), 3u);
 }
 
-// The real dialog: another thread finds its window and presses a button.
+// The dialog that a thread shows, null when it shows none.
+HWND FindDialog(DWORD thread)
+{
+    HWND found = nullptr;
+    ::EnumThreadWindows(
+        thread,
+        [](HWND window, LPARAM wanted) {
+            wchar_t name[16] = {};
+            ::GetClassNameW(window, name, 16);
+            if (std::wstring(name) == L"#32770" && ::IsWindowVisible(window))
+            {
+                *reinterpret_cast<HWND*>(wanted) = window;
+                return FALSE;
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+
+// The real dialog: another thread finds its window and presses a button, once the initial folder is selected.
 class RealDialog : public Choosy
 {
 public:
     bool Show(QuonPath& result, const wchar_t* initial, WPARAM button)
     {
-        const DWORD thread = ::GetCurrentThreadId();
-        std::thread presser([thread, button] {
-            for (int attempt = 0; attempt < 2000; ++attempt)
+        if (initial == nullptr)
+        {
+            m_isSelected.Set();
+        }
+        else
+        {
+            m_initial = initial;
+        }
+        std::atomic<bool> isOver = false;
+        std::thread presser([this, &isOver, button, thread = ::GetCurrentThreadId()] {
+            m_isSelected.Wait();
+            HWND dialog = nullptr;
+            while (!isOver && (dialog = FindDialog(thread)) == nullptr)
             {
-                HWND found = nullptr;
-                ::EnumThreadWindows(
-                    thread,
-                    [](HWND window, LPARAM wanted) {
-                        wchar_t name[16] = {};
-                        ::GetClassNameW(window, name, 16);
-                        if (std::wstring(name) == L"#32770" && ::IsWindowVisible(window))
-                        {
-                            *reinterpret_cast<HWND*>(wanted) = window;
-                            return FALSE;
-                        }
-                        return TRUE;
-                    },
-                    reinterpret_cast<LPARAM>(&found));
-                if (found != nullptr)
-                {
-                    // Behind what the dialog has still to do for its selection.
-                    ::Sleep(300);
-                    ::PostMessageW(found, WM_COMMAND, button, 0);
-                    return;
-                }
                 ::Sleep(10);
             }
+            // It comes after what the dialog has still to do for its selection.
+            ::PostMessageW(dialog, WM_COMMAND, button, 0);
         });
         const bool isChosen = Browse(result, initial, L"Choose", nullptr, nullptr);
+        isOver = true;
         presser.join();
         return isChosen;
     }
+
+    bool ValidateFolder(const wchar_t* path, CString& statusText) override
+    {
+        const bool isValid = Choosy::ValidateFolder(path, statusText);
+        if (path == m_initial)
+        {
+            m_isSelected.Set();
+        }
+        return isValid;
+    }
+
+private:
+    const Event m_isSelected;
+    std::wstring m_initial;
 };
 
 TEST(BrowseForDirectoryReal, ReturnsTheInitialFolderOnOk)

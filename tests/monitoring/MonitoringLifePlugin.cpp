@@ -1,6 +1,8 @@
 // The plug-in of MonitoringLife.cpp: a module of a host that watches files.
 #include "monitoring/QuonFileEventServer.h"
 
+#include "helpers/ImportPatch.h"
+
 #include <cstdio>
 #include <string>
 
@@ -44,46 +46,69 @@ std::wstring OwnFile()
     return file;
 }
 
-bool PumpUntilFailures(int count)
+// Whoever started this program ends it when nothing comes.
+void PumpUntilFailures(int count)
 {
-    for (int attempt = 0; attempt < 2000 && TheSink().Failures() < count; ++attempt)
+    while (TheSink().Failures() < count)
     {
-        MSG message;
-        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-        {
-            ::DispatchMessageW(&message);
-        }
-        ::Sleep(10);
+        MSG message = {};
+        ::GetMessageW(&message, nullptr, 0, 0);
+        ::DispatchMessageW(&message);
     }
-    return TheSink().Failures() == count;
 }
 
-}  // namespace
-
-// Leaves a folder watched: it is known to be, since a later request has been answered.
-extern "C" __declspec(dllexport) int Watch()
+// @return whether the file's folder is watched: it is known to be, since a later request has been answered
+bool WatchFile(const std::wstring& file)
 {
-    const std::wstring file = OwnFile();
     QuonFileEventId id = 0;
     QuonFileEventId failing = 0;
     QuonFileEventServer* const server = GetFileEventServer();
     if (server->Subscribe(file.c_str(), 0x18, &TheSink(), &id) != S_OK ||
         server->Subscribe(L"C:\\no such folder\\at all", 0x18, &TheSink(), &failing) != S_OK)
     {
-        return 0;
+        return false;
     }
-    const bool isAnswered = PumpUntilFailures(1);
-    ::DeleteFileW(file.c_str());
-    return isAnswered ? kRight : 0;
+    PumpUntilFailures(1);
+    return true;
 }
 
-// Ends while the watcher is in the pause before it looks at the file.
+void Write(const std::wstring& file)
+{
+    FILE* const stream = ::_wfopen(file.c_str(), L"w");
+    std::fputs("text", stream);
+    std::fclose(stream);
+}
+
+HANDLE pauseHasBegun = nullptr;
+
+void WINAPI NeverEndingPause(DWORD)
+{
+    ::SetEvent(pauseHasBegun);
+    ::Sleep(INFINITE);
+}
+
+}  // namespace
+
+// Leaves a folder watched.
+extern "C" __declspec(dllexport) int Watch()
+{
+    const std::wstring file = OwnFile();
+    const bool isWatched = WatchFile(file);
+    ::DeleteFileW(file.c_str());
+    return isWatched ? kRight : 0;
+}
+
+// Ends while the watcher is in the pause before it looks at the file, which lasts until then.
 extern "C" __declspec(dllexport) int WatchAndWrite()
 {
-    const int result = Watch();
-    ::DeleteFileW(OwnFile().c_str());
-    ::Sleep(100);
-    return result;
+    pauseHasBegun = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    new quon_test::ImportPatch<decltype(&::Sleep)>(L"QuonWin32Utils.dll", "Sleep", &NeverEndingPause);
+    const std::wstring file = OwnFile();
+    const bool isWatched = WatchFile(file);
+    Write(file);
+    ::WaitForSingleObject(pauseHasBegun, INFINITE);
+    ::DeleteFileW(file.c_str());
+    return isWatched ? kRight : 0;
 }
 
 extern "C" __declspec(dllexport) int ShutDown()

@@ -87,7 +87,7 @@ bool PumpUntil(const Predicate& isDone, DWORD limitMilliseconds = kPatience)
     }
 }
 
-/// Dispatches this thread's messages for a while, to see that something does not happen.
+/// Dispatches this thread's messages for a while. Nothing follows from what has not happened until then.
 inline void PumpFor(DWORD milliseconds)
 {
     PumpUntil([] { return false; }, milliseconds);

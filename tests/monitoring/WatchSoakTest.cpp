@@ -22,7 +22,6 @@ namespace
 
 constexpr size_t kFolders = 20;
 constexpr size_t kCycles = 200;
-constexpr DWORD kLimit = 60000;
 
 std::atomic<int> openNotifications;
 
@@ -86,7 +85,7 @@ struct Subscription
 
 TEST_F(WatchSoak, KeepsUpWithManySubscriptions)
 {
-    const HardLimit limit(kLimit + SoakMilliseconds());
+    const HardLimit limit(kHangLimit + SoakMilliseconds());
     const ULONGLONG end = ::GetTickCount64() + SoakMilliseconds();
     QuonFileEventServer* const server = TheServer();
     WindowJournal& journal = TheWindowJournal();
@@ -111,7 +110,8 @@ TEST_F(WatchSoak, KeepsUpWithManySubscriptions)
         live.erase(live.begin() + static_cast<std::ptrdiff_t>(index));
     };
     size_t cycles = 0;
-    for (; cycles < kCycles || ::GetTickCount64() < end; ++cycles)
+    // On a machine that is busy with other things all cycles may be over before anything is heard.
+    for (; cycles < kCycles || events == 0 || ::GetTickCount64() < end; ++cycles)
     {
         Subscription subscription = {std::make_unique<RecordingSink>(), 0};
         const std::wstring& name = names[random() % kFolders];
@@ -134,7 +134,6 @@ TEST_F(WatchSoak, KeepsUpWithManySubscriptions)
         return acknowledged == cycles;
     }));
     EXPECT_EQ(openNotifications, 0);
-    EXPECT_GT(events, 0u);
     std::printf("%zu subscriptions, %zu calls\n", cycles, events);
 
     // After all that, a change is told as on the first day.

@@ -49,7 +49,7 @@ std::vector<std::wstring> LongTexts(std::size_t length)
 class LongPaths : public testing::TestWithParam<std::size_t>
 {
 protected:
-    quon_test::HardLimit m_limit{120000};
+    quon_test::HardLimit m_limit;
 };
 
 TEST_P(LongPaths, TextsAreKeptWhole)

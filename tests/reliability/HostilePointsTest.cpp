@@ -61,7 +61,7 @@ std::vector<Row> Rows()
 
 TEST(HostilePoints, TextsOfTenMegabytesAreWalkedAndRewritten)
 {
-    const quon_test::HardLimit limit(240000);
+    const quon_test::HardLimit limit;
     for (const Row& row : Rows())
     {
         SCOPED_TRACE(row.name);
@@ -85,7 +85,7 @@ TEST(HostilePoints, TextsOfTenMegabytesAreWalkedAndRewritten)
 
 TEST(HostilePoints, SetsTakeTextsOfTenMegabytes)
 {
-    const quon_test::HardLimit limit(240000);
+    const quon_test::HardLimit limit;
     for (const Row& row : Rows())
     {
         SCOPED_TRACE(row.name);

@@ -87,7 +87,7 @@ Names FilesBelowTrimmedNames()
 // trimmed name leads to, if anything.
 TEST(HostileTrees, NamesThatEndInBlanksOrDotsAreFound)
 {
-    const HardLimit limit(60000);
+    const HardLimit limit;
     const TemporaryFolder root;
     FillWithTrimmedNames(root);
     Names names = NamesOf<QuonBasicFileMatcher>(root.Path(), kQuonMatchFolders);
@@ -97,7 +97,7 @@ TEST(HostileTrees, NamesThatEndInBlanksOrDotsAreFound)
 
 TEST(HostileTrees, WalksOverNamesThatEndInBlanksOrDotsEnd)
 {
-    const HardLimit limit(60000);
+    const HardLimit limit;
     const TemporaryFolder root;
     FillWithTrimmedNames(root);
     EXPECT_EQ(Sorted(NamesOf<QuonBFSDirectoryTree>(root.Path(), kQuonMatchFolders)), RootAndTrimmedNames());
@@ -110,7 +110,7 @@ TEST(HostileTrees, WalksOverNamesThatEndInBlanksOrDotsEnd)
 // lies beside the tree is never touched.
 TEST(HostileTrees, RemovingNamesThatEndInBlanksOrDotsStaysInside)
 {
-    const HardLimit limit(60000);
+    const HardLimit limit;
     const TemporaryFolder outside;
     outside.WriteFile(L"beside", "x");
     outside.WriteFile(L"tree\\plain\\file", "x");
@@ -128,7 +128,7 @@ TEST(HostileTrees, RemovingNamesThatEndInBlanksOrDotsStaysInside)
 // name leads nowhere.
 TEST(HostileTrees, CopyingNamesThatEndInBlanksOrDotsEnds)
 {
-    const HardLimit limit(60000);
+    const HardLimit limit;
     const TemporaryFolder source;
     const TemporaryFolder target;
     source.WriteFile(L"plain\\file", "x");
@@ -193,7 +193,7 @@ TYPED_TEST_SUITE(VanishingTrees, Walks);
 // Everything below the root goes while the walk stands at its n-th match, for every n.
 TYPED_TEST(VanishingTrees, AWalkEndsWhenItsTreeVanishes)
 {
-    const HardLimit limit(120000);
+    const HardLimit limit;
     for (std::size_t at = 1; at <= 12; ++at)
     {
         SCOPED_TRACE(at);
@@ -216,7 +216,7 @@ TYPED_TEST(VanishingTrees, AWalkEndsWhenItsTreeVanishes)
 // Each match is removed, file or folder, before the walk goes on.
 TYPED_TEST(VanishingTrees, AWalkEndsWhenEachMatchVanishes)
 {
-    const HardLimit limit(60000);
+    const HardLimit limit;
     const TemporaryFolder root;
     FillThreeLevels(root);
     TypeParam walk;
@@ -239,7 +239,7 @@ TYPED_TEST(VanishingTrees, AWalkEndsWhenEachMatchVanishes)
 // A folder that is renamed under the walk is gone for it, and the rest is still found.
 TYPED_TEST(VanishingTrees, AWalkGoesOnWhenAFolderIsRenamed)
 {
-    const HardLimit limit(60000);
+    const HardLimit limit;
     const TemporaryFolder root;
     FillThreeLevels(root);
     const std::vector<std::wstring> names =
@@ -264,7 +264,7 @@ TYPED_TEST(VanishingTrees, AWalkGoesOnWhenAFolderIsRenamed)
 // limit, and all of it is seen and removed.
 TEST(HostileTrees, ATreeDeeperThanTheLongestPathEnds)
 {
-    const HardLimit limit(120000);
+    const HardLimit limit;
     const TemporaryFolder root;
     constexpr std::size_t kFolders = 60;
     std::wstring relative;

@@ -39,7 +39,7 @@ class HostileXml : public quon_test::XmlTest
 {
 protected:
     // Room for what a thorough run asks of a slow parser.
-    HardLimit m_limit{quon_test::Cases(0) > 0 ? 7000000ul : 200000ul};
+    HardLimit m_limit{quon_test::Cases(0) > 0 ? 7000000ul : quon_test::kHangLimit};
 };
 
 HRESULT LoadText(QuonXml& xml, const std::string& text)

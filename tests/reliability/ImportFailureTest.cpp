@@ -32,7 +32,7 @@ protected:
         for (const Row& row : rows)
         {
             SCOPED_TRACE(row.import);
-            const quon_test::HardLimit limit(60000);
+            const quon_test::HardLimit limit;
             const Folder folder;
             std::string result;
             {

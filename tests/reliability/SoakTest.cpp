@@ -21,15 +21,13 @@ namespace
 
 using namespace quon_test;
 
-constexpr DWORD kGrace = 60000;
-
 class Soak : public testing::Test
 {
 protected:
     bool IsOver() const { return ::GetTickCount64() >= m_end; }
 
     ULONGLONG m_end = ::GetTickCount64() + SoakMilliseconds();
-    HardLimit m_limit{SoakMilliseconds() + kGrace};
+    HardLimit m_limit{SoakMilliseconds() + kHangLimit};
 };
 
 std::atomic<long long> liveMessages = 0;
@@ -61,13 +59,14 @@ TEST_F(Soak, MessagesOfSeveralProducersArriveWholeAndInOrder)
         liveMessages = 0;
         QuonMessageQueue queue(nullptr, nullptr);
         std::atomic<unsigned long long> posted = 0;
+        std::atomic<bool> isEnding = false;
         std::vector<std::thread> producers;
         for (unsigned producer = 0; producer < kProducers; ++producer)
         {
             producers.emplace_back([&, producer] {
-                for (unsigned number = 0; !IsOver(); ++number)
+                for (unsigned number = 0; !isEnding; ++number)
                 {
-                    while (liveMessages > kMostOnTheWay)
+                    while (liveMessages > kMostOnTheWay && !isEnding)
                     {
                         ::SwitchToThread();
                     }
@@ -84,26 +83,31 @@ TEST_F(Soak, MessagesOfSeveralProducersArriveWholeAndInOrder)
         }
         std::vector<unsigned> next(kProducers, 0);
         unsigned long long taken = 0;
-        const auto takeAll = [&] {
+        const auto takeOne = [&] {
             QuonMessage* message = nullptr;
-            while (queue.GetNext(&message) == kQuonServerOk)
+            if (queue.GetNext(&message) != kQuonServerOk)
             {
-                const std::unique_ptr<CountedMessage> owned(static_cast<CountedMessage*>(message));
-                ASSERT_EQ(owned->number, next[owned->producer]);
-                ++next[owned->producer];
-                ++taken;
+                return false;
             }
+            const std::unique_ptr<CountedMessage> owned(static_cast<CountedMessage*>(message));
+            EXPECT_EQ(owned->number, next[owned->producer]);
+            ++next[owned->producer];
+            ++taken;
+            return true;
         };
-        while (!IsOver() && !HasFatalFailure())
+        // On a machine that is busy with other things the time may be over before anything has arrived.
+        while ((taken <= 100 || !IsOver()) && !HasFailure())
         {
-            takeAll();
+            takeOne();
         }
+        isEnding = true;
         for (std::thread& producer : producers)
         {
             producer.join();
         }
-        takeAll();
-        EXPECT_GT(taken, 100u);
+        while (takeOne())
+        {
+        }
         EXPECT_EQ(taken, posted);
         EXPECT_EQ(liveMessages, 0);
     }
@@ -206,7 +210,7 @@ TEST_F(Soak, ThePoolGivesBackWhatItTook)
     const ImportPatch<decltype(&::VirtualAlloc)> taking(L"QuonWin32Utils.dll", "VirtualAlloc", &CountingAlloc);
     const ImportPatch<decltype(&::VirtualFree)> giving(L"QuonWin32Utils.dll", "VirtualFree", &CountingFree);
     unsigned long long rounds = 0;
-    for (; !IsOver(); ++rounds)
+    for (; rounds == 0 || !IsOver(); ++rounds)
     {
         QuonPoolAllocator<long long> pool;
         std::deque<long long*> numbers;
@@ -228,7 +232,6 @@ TEST_F(Soak, ThePoolGivesBackWhatItTook)
         }
         ASSERT_GT(regionsHeld, 0);
     }
-    EXPECT_GT(rounds, 0u);
     // Each round needs two thirds of 20,000 elements of 16 bytes at once: more than three regions of 64 KB.
     EXPECT_GT(regionsTaken, 3 * rounds);
     EXPECT_LE(regionsHeld, 1);

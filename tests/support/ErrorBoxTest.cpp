@@ -260,7 +260,7 @@ SeenBox AnswerBox(int answer, const std::atomic<bool>& isOver)
 template <typename Show>
 SeenBox ShowAndAnswer(int answer, const Show& show)
 {
-    const quon_test::HardLimit limit(200000);
+    const quon_test::HardLimit limit;
     SeenBox seen;
     std::atomic<bool> isOver = false;
     std::thread helper([&] { seen = AnswerBox(answer, isOver); });

@@ -497,14 +497,21 @@ TEST_F(Timer, TimersAreIndependent)
     EXPECT_EQ(first.GetElapsedText(FALSE), L"0.200 sec");
 }
 
+// The lap is longer than what another clock shows within it, and shorter than what that shows around it, by what the
+// two clocks' steps allow.
 TEST(TimerOnTheRealClock, CountsMilliseconds)
 {
+    constexpr ULONGLONG kSteps = 40;
     QuonTimer timer(L"", FALSE, FALSE);
+    const ULONGLONG before = ::GetTickCount64();
     const long start = timer.StartTimer();
-    ::Sleep(60);
+    const ULONGLONG begun = ::GetTickCount64();
+    ::Sleep(100);
+    const ULONGLONG ended = ::GetTickCount64();
     const long lap = timer.AddLap();
-    EXPECT_GE(lap, 40);
-    EXPECT_LT(lap, 30000);
+    const ULONGLONG after = ::GetTickCount64();
+    EXPECT_GE(static_cast<ULONGLONG>(lap) + kSteps, ended - begun);
+    EXPECT_LE(static_cast<ULONGLONG>(lap), after - before + kSteps);
     EXPECT_GE(timer.StartTimer() - start, lap);
 }
 

@@ -90,7 +90,7 @@ DWORD WINAPI InitialiseAgain(void*)
 TEST_F(QuonXmlTest, NeverUninitialisesCom)
 {
     const HANDLE thread = ::CreateThread(nullptr, 0, &InitialiseAgain, nullptr, 0, nullptr);
-    ASSERT_EQ(::WaitForSingleObject(thread, 10000), WAIT_OBJECT_0);
+    ASSERT_EQ(::WaitForSingleObject(thread, 60000), WAIT_OBJECT_0);
     DWORD result = 0;
     ::GetExitCodeThread(thread, &result);
     ::CloseHandle(thread);
