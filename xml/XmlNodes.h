@@ -6,8 +6,8 @@
 /// `_com_error` where no text is named for them.
 ///
 /// Arrays: a returned array is new and belongs to the caller, who gives up a node array by `ReleaseNodeArray` and then
-/// `delete` (`QuonNodeArrayOwner` of "xml/NodeArray.h" does both), and a string array by `delete`. No array leaks when a
-/// function throws.
+/// `delete` (`QuonNodeArrayOwner` of "xml/NodeArray.h" does both), and a string array by `delete`. No array leaks when
+/// a function throws.
 ///
 /// Lists: a search puts the cursor of the list that it gets before the first node and moves it from there; the caller's
 /// own iteration of that list is lost. Documents may be of any depth.
