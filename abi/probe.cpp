@@ -24,6 +24,7 @@
 #include "traversal/QuonFileTrees.h"
 #include "xml/QuonFileStream.h"
 #include "xml/QuonXml.h"
+#include "xml/XmlNodes.h"
 
 // What the fields of the classes are laid out with.
 static_assert(sizeof(std::wstring) == 32);

@@ -3,7 +3,7 @@
 
   abi.py parse BUILD      every source of library, host, examples, tests and the benchmarks' common part compiles, and the
                           public headers do as C++17
-  abi.py layout BUILD     fields, sizes and virtual tables of the classes are those of abi/layout.txt
+  abi.py layout BUILD     fields, sizes and virtual tables of the classes, types and constants are those of abi/layout.txt
   abi.py names BUILD      the decorated names of the exports are those of module/QuonWin32Utils.msvc.def, and number and
                           signature of each are those of module/QuonWin32Utils.def; with --write the list is written anew
   abi.py run BUILD        the library links by that list, and a host in MSVC's ABI calls it under Wine
@@ -150,7 +150,7 @@ def dumped_layouts(dump):
         if not head or not size:
             continue
         fields = []
-        for offset, text in re.findall(r"^ *(\d+) \|   (\S.*)$", record[:size.start()], re.M):
+        for offset, text in re.findall(r"^ *(\d+(?::\d+-\d+)?) \|   (\S.*)$", record[:size.start()], re.M):
             base = re.match(r"(?:class|struct) (.+) \((?:primary )?base\)$", text)
             if text.endswith("vftable pointer)"):
                 fields.append(f"{offset} vftable")
@@ -166,9 +166,11 @@ def dumped_tables(dump):
     for name, rows in re.findall(r"^VFTable for '(?:.*' in ')?(.+?)' \(.*?\)\.\n((?: .*\n)+)", dump, re.M):
         slots = []
         for row in re.findall(r"^ *\d+ \| (.*)$", rows, re.M):
-            call = re.search(r"(~?\w+)(\(.*\))(?: const)?(?: \[[^]]*\])*$", row)
+            call = re.match(r"(.*?)((?:\w+::)+)(~?\w+)(\(.*\))((?: const| volatile)*)(?: \[[^]]*\])*$", row)
             if call:  # the row of the type information is none
-                slots.append("slot ~" if call[1][0] == "~" else f"slot {call[1]}{plain_type(call[2])}")
+                result, _, function, parameters, qualifiers = call.groups()
+                slots.append("slot ~" if function[0] == "~" else
+                             f"slot {plain_type(result).strip()} {function}{plain_type(parameters)}{qualifiers}")
         tables[name] = slots
     return tables
 
@@ -182,7 +184,7 @@ def written_layouts(text, sizes):
     layouts = {}
     for row, line in enumerate(text.splitlines(), 1):
         words = line.split()
-        if not words or words[0].startswith("#"):
+        if not words or words[0].startswith("#") or words[0] in ("constant", "type"):
             continue
         if words[0] == "class":
             name = words[1]
@@ -211,14 +213,51 @@ def exported_classes(list_text):
     return {*(name for name, _ in constructors), *tables}
 
 
-def dump_layouts():
-    """What the compiler says of the classes of abi/probe.cpp."""
-    command = [*compiler("c++20", sizes=True), "-DQUON_BUILDING_LIBRARY", "-c", str(TOP / "abi/probe.cpp"), "-o", os.devnull,
+def promises(table):
+    """A source that compiles when types, constants and virtual functions are what the table says, calling convention
+    included. A name that the headers give a type is checked for what it means, not for how it is written."""
+    lines, name = [f'#include "{TOP / "abi/probe.cpp"}"', "#include <type_traits>"], None
+    for line in table.splitlines():
+        words = line.split()
+        if words[:1] == ["class"]:
+            name = words[1]
+        elif words[:1] == ["type"]:
+            lines.append(f"static_assert(std::is_same_v<{words[1]}, {' '.join(words[2:])}>);")
+        elif words[:1] == ["constant"]:
+            constant, value = words[-2:]
+            lines.append(f"static_assert(std::is_same_v<decltype({constant}), const {' '.join(words[1:-2])}>);")
+            lines.append(f"static_assert({constant} == {value});")
+        elif words[:1] == ["slot"] and words[1] != "~":
+            result, function, parameters = re.match(r"(.*?)(\w+)(\(.*)$", line.strip()[5:]).groups()
+            lines.append(f"static_assert(static_cast<{result.strip()} ({name}::*){parameters}>(&{name}::{function}) "
+                         "!= nullptr);")
+    return "\n".join(lines) + "\n"
+
+
+def dump_layouts(table):
+    """(what the compiler says of the classes of abi/probe.cpp, [where the headers do not keep the table's promises])."""
+    command = [*compiler("c++20", sizes=True), "-DQUON_BUILDING_LIBRARY", "-fno-access-control", "-ferror-limit=0",
+               "-Wno-tautological-pointer-compare", "-x", "c++", "-", "-c", "-o", os.devnull,
                "-Xclang", "-fdump-record-layouts", "-Xclang", "-fdump-vtable-layouts"]
-    done = subprocess.run(command, capture_output=True, text=True)
-    if done.returncode != 0:
+    # Not in the source tree: the folder would be searched for headers, too.
+    done = subprocess.run(command, input=promises(table), capture_output=True, text=True, cwd="/")
+    if done.returncode == 0:
+        return done.stdout, []
+    faults = re.findall(r"^<stdin>:.*?error: (.*\n.*)", done.stderr, re.M)
+    if not faults or re.search(r"^[^<].*error:", done.stderr, re.M):
         sys.exit(done.stderr)
-    return done.stdout
+    # The compiler lays nothing out when there is an error.
+    done = subprocess.run(command, input=promises(""), capture_output=True, text=True, cwd="/")
+    return done.stdout, faults
+
+
+def unlisted(table, headers_text):
+    """Constants and names of types of the public headers that the table forgot."""
+    named = re.findall(r"^using (\w+) =", headers_text, re.M)
+    named += re.findall(r"^(?:inline )?constexpr (?!CLSID )[^=({]*?(\w+) =", headers_text, re.M)
+    known = {words[1] if words[0] == "type" else words[-2]
+             for words in map(str.split, table.splitlines()) if words and words[0] in ("type", "constant")}
+    return [f"{name} has no entry in abi/layout.txt" for name in sorted(set(named) - known)]
 
 
 def compare_layouts(dump, table, list_text):
@@ -239,15 +278,17 @@ def compare_layouts(dump, table, list_text):
     return faults
 
 
-def layout(_):
+def layout(arguments):
     table = (TOP / "abi/layout.txt").read_text()
-    finish(compare_layouts(dump_layouts(), table, EXPORT_LIST.read_text()),
+    dump, faults = dump_layouts(table)
+    headers_text = "".join((TOP / header).read_text() for header in public_headers(arguments.build))
+    finish([*faults, *unlisted(table, headers_text), *compare_layouts(dump, table, EXPORT_LIST.read_text())],
            f"{len(re.findall('^class ', table, re.M))} classes are laid out as promised")
 
 
-def exported_names(build):
-    """{decorated name: is data} of the export directives in the objects."""
-    paths = [str(obj) for obj in objects(build).values()]
+def exported_names(objs):
+    """{decorated name: is data} of the export directives in object files."""
+    paths = [str(obj) for obj in objs]
     done = subprocess.run([f"llvm-readobj-{LLVM}", "--coff-directives", *paths], capture_output=True, text=True)
     if done.returncode != 0:
         sys.exit(done.stderr)
@@ -360,7 +401,7 @@ def check_names(arguments):
     if faults:
         finish(faults, "")
     gcc_text, old_text = EXPORT_LIST.read_text(), MSVC_LIST.read_text()
-    entries, faults = number_names(exported_names(arguments.build), gcc_text)
+    entries, faults = number_names(exported_names(objects(arguments.build).values()), gcc_text)
     faults += undeclared(entries, "".join((TOP / header).read_text() for header in public_headers(arguments.build)))
     text = write_names(entries, retired_names(old_text, gcc_text), exports.numbering(gcc_text))
     if not faults and arguments.write:
