@@ -11,7 +11,8 @@
 
 /// Sorts a range, keeping the order of elements that rank equal. Requires nothing of `before` but that it returns:
 /// where its answers contradict one another, the result is some order of the elements, after no more than
-/// n * log2(n) + n calls. The sorts of the standard library have undefined behavior then; std::sort can leave the range.
+/// n * log2(n) + n calls. The sorts of the standard library have undefined behavior then; std::sort can leave the
+/// range.
 ///
 /// ```cpp
 /// QuonMergeSort(names.begin(), names.end(),
@@ -40,8 +41,7 @@ void QuonMergeSort(Iterator first, Iterator last, const Before& before)
             const std::size_t end = (std::min)(middle + width, count);
             for (std::size_t left = begin, right = middle; out < end; ++out)
             {
-                const bool takesRight =
-                    left == middle || (right != end && before(at(order[right]), at(order[left])));
+                const bool takesRight = left == middle || (right != end && before(at(order[right]), at(order[left])));
                 merged[out] = takesRight ? order[right++] : order[left++];
             }
         }
