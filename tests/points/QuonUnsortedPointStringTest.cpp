@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <type_traits>
@@ -248,6 +249,28 @@ TEST(QuonUnsortedPointString, TheBufferHoldsTheNumberPrintedLast)
     string.AddPoint(9);
     string.UpdateText();
     EXPECT_STREQ(string.m_format, L"9");
+}
+
+// Around each power of ten the number of digits changes; a number is written in full, by its leading digits, and as the
+// one that was printed last.
+TEST(QuonUnsortedPointString, WritesEveryNumberOfDigits)
+{
+    for (unsigned long long power = 1; power <= 1000000000; power *= 10)
+    {
+        for (const unsigned long long number : {power - 1, power, power + 1, 10000 * power, 10000 * power + 9999})
+        {
+            for (const unsigned long point :
+                 {static_cast<unsigned long>(number), static_cast<unsigned long>(0 - number)})
+            {
+                const std::wstring expected = std::to_wstring(static_cast<std::int32_t>(point));
+                Probe<QuonUnsortedPointString> string;
+                string.AddPoint(point);
+                string.UpdateText();
+                EXPECT_EQ(TextOf(string), expected);
+                EXPECT_EQ(std::wstring(string.m_format), expected);
+            }
+        }
+    }
 }
 
 #if !defined(_MSC_VER)

@@ -78,6 +78,12 @@ TEST_F(XmlValues, TheQueryGoesToTheParserUnchanged)
     EXPECT_EQ(GetXmlLong(root, L"s/v"), 8);
     EXPECT_EQ(GetXmlLong(root, L"v"), 0);
     EXPECT_EQ(GetXmlString(root, L"@a"), L"7");
+    for (const std::size_t length : {59, 60, 61, 64, 128, 260, 5000})
+    {
+        const std::wstring name(length, L'n');
+        const MSXML2::IXMLDOMDocumentPtr longNames = Parse((L"<r><" + name + L">9</" + name + L"></r>").c_str());
+        EXPECT_EQ(GetXmlLong(Find(longNames, L"r"), name.c_str()), 9) << length;
+    }
 
     ForwardingAnyNode failing(root);
     failing.plan.Replace("selectSingleNode", Returns(E_INVALIDARG));
