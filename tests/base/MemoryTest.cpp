@@ -8,7 +8,7 @@
 namespace
 {
 
-// A memory exception that tells whether it was deleted, as one that the framework allocated must be.
+// A memory exception that counts its deletions, as one that the framework allocated must be.
 class CountedException : public CMemoryException
 {
 public:

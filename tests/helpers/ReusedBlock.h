@@ -13,7 +13,8 @@ namespace quon_test
 {
 
 /// The first block that the library allocates on this thread while it lives. As soon as the library has freed it, on
-/// any thread, the next allocation of the same size on this thread gets it again. One at a time.
+/// any thread, the next allocation of the same size on this thread gets it again; until then nobody can read or write
+/// it. One at a time. The library must have freed the block when the object goes.
 class ReusedBlock
 {
 public:
@@ -28,7 +29,7 @@ public:
         s_active = nullptr;
         if (m_isFree)
         {
-            std::free(m_block);
+            ::VirtualFree(m_block, 0, MEM_RELEASE);
         }
         ::CloseHandle(m_freed);
     }
@@ -61,6 +62,7 @@ private:
             return;
         }
         s_active->m_isFree = true;
+        s_active->Protect(PAGE_NOACCESS);
         ::SetEvent(s_active->m_freed);
     }
 
@@ -69,17 +71,24 @@ private:
         if (m_isFree && size == m_size)
         {
             m_isFree = false;
+            Protect(PAGE_READWRITE);
             ::ResetEvent(m_freed);
             ++m_reuses;
             return m_block;
         }
-        void* const block = std::malloc(size);
-        if (m_block == nullptr)
+        if (m_block != nullptr)
         {
-            m_block = block;
-            m_size = size;
+            return std::malloc(size);
         }
-        return block;
+        m_block = ::VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+        m_size = size;
+        return m_block;
+    }
+
+    void Protect(DWORD protection) const
+    {
+        DWORD previous = 0;
+        ::VirtualProtect(m_block, m_size, protection, &previous);
     }
 
     // Other threads of the library allocate and free while an object comes and goes.

@@ -383,7 +383,7 @@ TEST_F(WndMsgServerDispatch, FailsAlsoWhenTheAllocatorThrowsTheFrameworksExcepti
 }
 
 // Callbacks that change the registrations while their message is being dispatched. A registration can be removed only
-// where its cookie is its message number, so each message here has several removable ones: their callbacks stand on the
+// where its cookie is its message number, so each message here has several removable ones: their callbacks are on the
 // heap and are deleted as soon as they are removed, so that a walk which still touched one would touch freed memory.
 class WndMsgServerReentrance : public WndMsgServerDispatch
 {
@@ -508,7 +508,7 @@ TEST_F(WndMsgServerReentrance, EmptyListGoesWithTheDispatchThatEmptiedIt)
 
 TEST_F(WndMsgServerReentrance, CallbackMayRemoveItselfAndAddItselfAgain)
 {
-    // Its new cookie is not its message number, so it comes once more, at the end, and stays.
+    // Its new cookie is not its message number, so it comes again, at the end, and stays.
     removable = Make("again", [this] {
         if (Remove(message) == S_OK)
         {
@@ -601,7 +601,7 @@ TEST_F(WndMsgServerReentrance, ExceptionThatPassesThroughEndsTheDispatchInOrder)
         }
     });
     message = AddThree(Make("before"), removable, Make("after"));
-    // Straight to the window procedure: what lies between here and there on Windows need not let exceptions through.
+    // Straight to the window procedure: on Windows, the system between here and there need not let exceptions through.
     const auto procedure = reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(m_server->GetWindow(), GWLP_WNDPROC));
     EXPECT_THROW(procedure(m_server->GetWindow(), message, 0, 0), int);
     calls.clear();

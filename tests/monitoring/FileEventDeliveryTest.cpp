@@ -224,6 +224,19 @@ TEST_F(FileEventReuse, IdentifierStaysReservedThoughItIsUnsubscribedAgainInVain)
     EXPECT_TRUE(watch.Barrier());
 }
 
+TEST_F(FileEventReuse, RemovedRecordIsNotRead)
+{
+    const QuonFileEventId other = watch.Subscribe(kPath, 0x3F);
+    ASSERT_EQ(watch.Unsubscribe(id), S_OK);
+    ASSERT_TRUE(block.WaitUntilFree());
+    EXPECT_EQ(watch.server->Unsubscribe(id), S_OK);
+    // No new subscription, which would get the block, until the watcher has done it.
+    EXPECT_EQ(watch.Unsubscribe(other), S_OK);
+    EXPECT_TRUE(PumpUntil([&] { return watch.journal.Count({kMsgRemove, 0, static_cast<LPARAM>(other)}) == 1; }));
+    EXPECT_EQ(block.Reuses(), 0);
+    EXPECT_EQ(watch.journal.Count(Acknowledgement()), 1u);
+}
+
 TEST_F(FileEventReuse, RecordKeptForAReservedIdentifierGoesWithTheReservation)
 {
     ASSERT_EQ(watch.Unsubscribe(id), S_OK);

@@ -448,7 +448,7 @@ DWORD WINAPI FailureNotingWait(DWORD count, const HANDLE* handles, DWORD limit, 
     return result;
 }
 
-// The watcher cannot wait any more, and is told so by nobody.
+// The watcher cannot wait any more.
 TEST(Part, DISABLED_TooManyFolders)
 {
     QuonFileEventServer* const server = TheServer();
@@ -467,7 +467,7 @@ TEST(Part, DISABLED_TooManyFolders)
     {
         subscribeToAnother();
     }
-    // So many are watched: a request behind them is carried out.
+    // So many are watched: a request after them is carried out.
     RecordingSink missing;
     EXPECT_EQ(TrySubscribe(&missing), S_OK);
     EXPECT_TRUE(PumpUntil([&] { return !missing.calls.empty(); }));
@@ -619,6 +619,61 @@ HWND WINAPI FailingCreateWindow(DWORD, const wchar_t*, const wchar_t*, DWORD, in
                                 HINSTANCE, void*)
 {
     return nullptr;
+}
+
+// As another process of the same desktop can do.
+TEST(Part, DISABLED_WindowClosed)
+{
+    QuonFileEventServer* const server = TheServer();
+    QuonWndMsgServer* const window = QuonWndMsgServer::GetWndMsgServer();
+    FakeFolders folders;
+    folders.SetFolder(L"c:\\d");
+    RecordingSink sink;
+    QuonFileEventId id = 0;
+    ASSERT_EQ(server->Subscribe(L"c:\\d", 0x1, &sink, &id), S_OK);
+    ASSERT_TRUE(PumpUntil([&] { return folders.OpenCount() == 1; }));
+    const HWND handle = window->GetWindow();
+    ::SendMessageW(handle, WM_CLOSE, 0, 0);
+    EXPECT_FALSE(::IsWindow(handle));
+    EXPECT_EQ(window->GetWindow(), handle);
+    EXPECT_FALSE(window->PostToWindow(kMsgChanged, 0x1, static_cast<LPARAM>(id)));
+
+    folders.TakeCalls();
+    folders.Signal(L"c:\\d");
+    std::vector<std::string> seen;
+    EXPECT_TRUE(PumpUntil([&] {
+        for (const std::string& call : folders.TakeCalls())
+        {
+            seen.push_back(call);
+        }
+        return !seen.empty() && seen.back() == "read c:\\d";
+    }));
+    QuonFileEventId other = 0;
+    EXPECT_EQ(server->Subscribe(L"c:\\d", 0x1, &sink, &other), S_OK);
+    EXPECT_EQ(server->Unsubscribe(other), S_OK);
+    EXPECT_EQ(server->Unsubscribe(id), S_OK);
+    server->Shutdown();
+    EXPECT_EQ(folders.OpenCount(), 0u);
+    EXPECT_THAT(sink.calls, IsEmpty());
+}
+
+TEST(FileEventServerLife, ReportsNothingOnceItsWindowWasClosed)
+{
+    ExpectPartPasses(L"WindowClosed");
+}
+
+TEST(Part, DISABLED_WatcherQuit)
+{
+    TheServer();
+    EXPECT_TRUE(::PostThreadMessageW(TheWatcherThread().id, WM_QUIT, 0, 0));
+    EXPECT_EQ(::WaitForSingleObject(TheWatcherThread().handle, kPatience), WAIT_OBJECT_0);
+    EXPECT_EQ(TrySubscribe(), static_cast<HRESULT>(0x800705A4));
+    EXPECT_EQ(GetFileEventServer()->Unsubscribe(77), S_OK);
+}
+
+TEST(FileEventServerLife, RefusesSubscriptionsOnceItsThreadWasMadeToQuit)
+{
+    ExpectPartPasses(L"WatcherQuit");
 }
 
 int windowPosts = 0;

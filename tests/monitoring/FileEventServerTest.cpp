@@ -138,7 +138,8 @@ TEST_F(FileEventServer, TakesAnUnknownNullIdentifier)
     EXPECT_TRUE(watch.Barrier());
 }
 
-// The watcher is told whether or not the server knows the identifier, and reads only what it knows to be a record.
+// The request is posted whether or not the server knows the identifier; the watcher reads only what it knows to be a
+// record.
 TEST_F(FileEventServer, PostsEachUnsubscriptionAndTheWatcherIgnoresWhatItDoesNotKnow)
 {
     const QuonFileEventId id = watch.Subscribe(L"c:\\d\\f", 0x1);

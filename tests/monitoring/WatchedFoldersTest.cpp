@@ -313,7 +313,7 @@ TEST_F(WatchedFolders, AreNotKeptWaitingByARowOfMessages)
 }
 
 // While there are messages one signal is taken after each, that of the folder which was added first. A folder that is
-// signalled again during each pause therefore keeps the later ones waiting for as long as it goes on.
+// signalled again during each pause therefore keeps the later ones waiting until it pauses.
 TEST_F(WatchedFolders, AreNotCheckedWhileOneBeforeThemIsSignalledAllTheTime)
 {
     constexpr int kRounds = 10;
