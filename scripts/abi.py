@@ -133,7 +133,7 @@ def plain_type(text):
     """A type as the table of layouts writes it."""
     text = re.sub(r"\b(class|struct|enum) ", "", text)
     text = re.sub(r"ATL::CStringT<wchar_t, StrTraitMFC_DLL<wchar_t> ?>", "CString", text)
-    text = re.sub(r"_com_ptr_t<_com_IIID<(\w+), [^>]*> ?>", r"_com_ptr_t<\1>", text)
+    text = re.sub(r"_com_ptr_t<_com_IIID<([\w:]+), [^>]*> ?>", r"_com_ptr_t<\1>", text)
     text = re.sub(r"\b_Bool\b", "bool", text)
     text = re.sub(r"\b_(FILETIME|WIN32_FIND_DATAW)\b", r"\1", text)
     text = re.sub(r"\b_WIN32_FILE_ATTRIBUTES?_DATA\b", "WIN32_FILE_ATTRIBUTE_DATA", text)  # an "S" of Wine's own
