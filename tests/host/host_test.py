@@ -27,7 +27,7 @@ class HostTest(unittest.TestCase):
 
     def lines(self, *arguments):
         done = self.run_host(*arguments)
-        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertEqual((done.returncode, done.stderr), (0, ""), done)
         return done.stdout.splitlines()
 
     def assert_fails(self, code, text, *arguments):
