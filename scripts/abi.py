@@ -438,7 +438,8 @@ def link_all(build):
     jobs = [(source, obj, "-DQUON_BUILDING_FRAMEWORK") for source, obj in framework.items()]
     jobs += [(startup, folder / "StartupDll.obj", "-DQUON_ABI_DLL"), (startup, folder / "Startup.obj"),
              (TOP / "framework/new/OperatorNew.cpp", folder / "OperatorNew.obj")]
-    jobs += [(TOP / f"abi/run/{name}.cpp", folder / f"{name}.obj") for name in ("ComSupport", "Host")]
+    host = ["Host", "HostServices", "HostThreads"]
+    jobs += [(TOP / f"abi/run/{name}.cpp", folder / f"{name}.obj") for name in ["ComSupport", *host]]
     faults = compile_library(build) + compile_all(jobs)
     if faults:
         finish(faults, "")
@@ -451,7 +452,7 @@ def link_all(build):
          f"/implib:{framework_library}")
     link(folder / "QuonWin32Utils.dll", [*library, framework_library], "/dll", f"/def:{MSVC_LIST}",
          f"/implib:{import_library}")
-    link(folder / "Host.exe", [folder / "Host.obj", folder / "Startup.obj", *support, framework_library,
+    link(folder / "Host.exe", [*(folder / f"{name}.obj" for name in [*host, "Startup"]), *support, framework_library,
                                import_library], "/subsystem:console")
     return folder
 

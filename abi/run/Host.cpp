@@ -1,6 +1,8 @@
 // A program in the ABI of MSVC that calls the library as its callers do: objects by value, virtual calls in both
 // directions, classes derived from exported ones, exceptions across the border. It ends with 0 and one closing line.
 
+#include "HostChecks.h"
+
 #include <afxwin.h>
 
 #include "geometry/QuonFaceReader.h"
@@ -27,6 +29,8 @@ void Print(const char* text)
     ::WriteFile(::GetStdHandle(STD_OUTPUT_HANDLE), text, static_cast<DWORD>(strlen(text)), &written, nullptr);
 }
 
+}  // namespace
+
 void Check(bool holds, const char* condition)
 {
     if (!holds)
@@ -38,7 +42,8 @@ void Check(bool holds, const char* condition)
     }
 }
 
-#define CHECK(condition) Check(condition, #condition)
+namespace
+{
 
 void CheckPaths()
 {
@@ -221,6 +226,7 @@ void CheckDocuments()
         CreateLandXmlDocument(xml.GetDocument());
         const MSXML2::IXMLDOMNodePtr root = GetLandXmlRoot(xml.GetDocument());
         CHECK(root && wcscmp(root->GetnodeName(), L"LandXML") == 0);
+        CheckXml();
     }
     ::CoUninitialize();
 }
@@ -239,6 +245,8 @@ int main()
     CheckProgress();
     CheckExceptions();
     CheckDocuments();
+    CheckThreads();
+    CheckServices();
     Print(g_failures == 0 ? "all calls did what they promise\r\n" : "some calls failed\r\n");
     return g_failures;
 }
