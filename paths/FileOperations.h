@@ -17,12 +17,14 @@
 ///
 /// The path is taken apart and put together again, so `\a\b` means `a\b` below the current folder, and "C:a" means
 /// `C:\a`.
-/// @return 0 when every missing folder was created, otherwise 1
+/// The directory is cut at 263 characters, as QuonPath::Split() does: of a deeper path the folders up to there are
+/// created, the last name possibly cut, and the result is 0 although the others are missing.
+/// @return 0 when every missing folder up to the cut was created, otherwise 1
 QUON_API unsigned int CreateFolderTree(const wchar_t* path);
 
 /// Creates for every match, from the current one on, the folder of the same relative path below `destination`. Goes on
 /// after a failure.
-/// @return 0 when all stand or there was no match, 1 when any failed
+/// @return 0 when all exist (up to CreateFolderTree's cut) or there was no match, 1 when any failed
 QUON_API unsigned int CreateMatchedFolders(QuonFileMatch& match, const wchar_t* destination);
 
 /// Copies one file with its attributes. The target's folder must exist.
@@ -42,7 +44,9 @@ QUON_API unsigned int DeleteFileForced(const wchar_t* path);
 QUON_API unsigned int DeleteMatchedFiles(QuonFileMatch& match);
 
 /// Copies everything in `source` into `destination`, which is created if it is missing. All folders are created before
-/// the first file is copied; copying stops at the first file that cannot be copied.
+/// the first file is copied; copying stops at the first file that cannot be copied. Folders deeper than
+/// CreateFolderTree's cut are not created: an empty one is missing from the copy although the result is 0, and a file
+/// in one is a failure.
 /// @param failIfExists  nonzero: a file that exists in the destination is a failure; zero: it is replaced
 /// @return 0 when all was copied, 1 otherwise, also when the source does not exist
 QUON_API unsigned int CopyFolderTree(const wchar_t* source, const wchar_t* destination, BOOL failIfExists);
@@ -55,6 +59,7 @@ QUON_API unsigned int CopyFolderTree(const wchar_t* source, const wchar_t* desti
 /// @return 0 when the folder is gone or never was, 1 when any folder could not be removed
 QUON_API unsigned int RemoveFolderTree(const wchar_t* folder);
 
-/// Copies `source` to `destination` as CopyFolderTree does, then removes `source` as RemoveFolderTree does.
+/// Copies `source` to `destination` as CopyFolderTree does, then removes `source` as RemoveFolderTree does. Empty
+/// folders deeper than CreateFolderTree's cut are lost: they are not in the copy, and the result is 0.
 /// @return 0 when both succeeded; 1 otherwise, and when the copy failed nothing was removed
 QUON_API unsigned int MoveFolderTree(const wchar_t* source, const wchar_t* destination, BOOL failIfExists);

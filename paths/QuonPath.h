@@ -61,9 +61,11 @@ struct QuonFileInfo
 /// For the same reason there is no move: moving is copying, and copies share the text anyway.
 ///
 /// **Texts.** Where a `const wchar_t*` is taken, null counts as the empty text. A `std::wstring` is taken up to its
-/// first zero character. Arguments may point into the text of the object that is called. There is no limit on the
-/// length of a text as such, but the parts given by SplitPlain() and Split(), and all that is built from them (the
-/// `Get...` and `Set...` functions for parts, GetComponents(), MakeRelativeTo()), are cut at 263 characters each.
+/// first zero character. A `CString` is taken whole: what is read through `const wchar_t*` ends at a zero inside it,
+/// while joining, splitting and components go on behind the zero. Arguments may point into the text of the object that
+/// is called. There is no limit on the length of a text as such, but the parts given by SplitPlain() and Split(), and
+/// all that is built from them (the `Get...` and `Set...` functions for parts, GetComponents(), MakeRelativeTo()), are
+/// cut at 263 characters each.
 ///
 /// **Comparing.** There are no comparison operators; `==` with a string would compare addresses. Compare the texts.
 ///
@@ -169,8 +171,8 @@ public:
     QuonPath GetDrive() const;
     /// The directory as Split() gives it, leading and trailing separators included.
     QuonPath GetDirectory() const;
-    /// The containing folder (drive and directory joined), written with `\` and ending in it. Empty for a mere file
-    /// name.
+    /// The containing folder (drive and directory joined), written with `\` and ending in it. Without a directory it is
+    /// the drive alone ("C:" of "C:b.txt"), and empty for a mere file name.
     QuonPath GetFolder() const;
     /// Name and extension ("b.txt").
     QuonPath GetFileName() const;

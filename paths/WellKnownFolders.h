@@ -26,8 +26,8 @@ inline constexpr QuonFolderId QuonFolderCurrent = 5;
 inline constexpr QuonFolderId QuonFolderDesktop = 6;
 /// The user's favourites folder, with a trailing separator.
 inline constexpr QuonFolderId QuonFolderFavorites = 7;
-/// A fresh name, beginning with "~", for a file in the temporary folder. Every call gives another one; the file itself
-/// is not created.
+/// A name, beginning with "~", that no file in the temporary folder has at that moment. The file is not created, so
+/// nothing keeps the name: calls in a row give different names, another process or a later call may be given it again.
 inline constexpr QuonFolderId QuonFolderTempFileName = 8;
 
 /// The number of characters, the terminating zero included, that ReadShellFolder() may write: 260 of the value, one

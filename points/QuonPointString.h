@@ -56,10 +56,13 @@ public:
     /// become ranges in both. From an invalid item in this text on everything is lost. The label is emptied, the walk
     /// reset. When `points` holds an invalid item nothing at all happens; when it is empty or null the text is
     /// rewritten.
+    ///
+    /// Takes memory for one bit for each number up to the highest one, and time in proportion to the points that the
+    /// items of both texts name, duplicates included: an item of 2^31 points costs 10 to 20 ms each time it is named.
     virtual void RemovePoints(const wchar_t* points, BOOL sorted);
 
     /// Rewrites the text with every point once: ascending when `sorted`, else in the order of first occurrence. Ranges,
-    /// invalid items, label and walk as with RemovePoints. The point 0 of a comparison is no duplicate of itself.
+    /// invalid items, label, walk and cost as with RemovePoints. The point 0 of a comparison is no duplicate of itself.
     virtual void RemoveDuplicates(BOOL sorted);
 
     /// Begins a walk and stores its first point in `*point`, which must not be null. For an empty or blank text nothing

@@ -41,7 +41,7 @@ int main()
     std::printf("drawings, the nearest folders first:\n");
     std::printf("%d drawings\n", CountFiles(project, L"*.dwg"));
 
-    // 0 is success; anything else is the Windows error code of what failed.
+    // 0 is success, 1 is failure.
     std::printf("mirrored: %u\n", CopyFolderTree(project, mirror, TRUE));
     std::printf("everything in the mirror:\n");
     std::printf("%d files\n", CountFiles(mirror, L"*"));

@@ -163,6 +163,41 @@ TEST(CreateFolderTree, ADriveAloneMeansItsRoot)
     EXPECT_EQ(journal.Of(L"CreateDirectoryW"), (Calls{L"Q:", L"Q:\\a", L"Q:\\a\\b"}));
 }
 
+// Kept: the directory is cut at 263 characters, and what lies deeper is neither created nor reported.
+TEST(CreateFolderTree, CutsADeepPathAndReportsSuccess)
+{
+    const TemporaryFolder root;
+    std::wstring path = root.Path();
+    while (path.size() < 400)
+    {
+        path += L"\\folder" + std::to_wstring(path.size());
+    }
+    ASSERT_EQ(path[1], L':');
+    EXPECT_EQ(CreateFolderTree(path.c_str()), 0u);
+    const std::wstring created = path.substr(0, 2 + 263);
+    EXPECT_TRUE(QuonPath(created.c_str(), 0).Exists());
+    EXPECT_FALSE(QuonPath(path.substr(0, path.find(L'\\', created.size() + 1)).c_str(), 0).Exists());
+    EXPECT_FALSE(QuonPath(path.c_str(), 0).Exists());
+}
+
+// Two separators begin a UNC path, which has a drive even without a server.
+TEST(CreateFolderTree, OfSeparatorsAlone)
+{
+    for (const wchar_t* const one : {L"", L"\\", L"/"})
+    {
+        FileCallJournal journal;
+        EXPECT_EQ(CreateFolderTree(one), 0u);
+        EXPECT_EQ(journal.Of(L"CreateDirectoryW"), Calls());
+    }
+    for (const wchar_t* const more : {L"\\\\", L"//", L"\\/", L"\\\\\\", L"\\\\\\\\"})
+    {
+        FileCallJournal journal;
+        EXPECT_EQ(CreateFolderTree(more), 1u);
+        ASSERT_EQ(journal.Of(L"CreateDirectoryW").size(), 1u);
+        EXPECT_EQ(journal.Of(L"CreateDirectoryW")[0].substr(0, 3), L"\\\\\\");
+    }
+}
+
 TEST(CreateFolderTree, ServerAndShareAreOneComponent)
 {
     FileCallJournal journal;

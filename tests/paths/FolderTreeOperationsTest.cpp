@@ -381,6 +381,26 @@ TEST(MoveFolderTree, MovesRandomTreesWhole)
     }
 }
 
+// Kept: beyond the cut of CreateFolderTree an empty folder is lost without a failure, and a file is a failure.
+TEST(MoveFolderTree, LosesEmptyFoldersThatAreTooDeepInTheDestination)
+{
+    const TemporaryFolder root;
+    const std::wstring name(100, L'n');
+    const std::wstring from = root / L"from";
+    const std::wstring to = root / (L"to" + std::wstring(98, L'x')).c_str();
+    root.MakeFolder((L"from\\" + name + L"\\deep").c_str());
+    ASSERT_GT((to + L"\\" + name + L"\\deep").size() + 60, 263u) << "deep enough with one more name";
+    root.MakeFolder((L"from\\" + name + L"\\" + std::wstring(60, L'e')).c_str());
+    EXPECT_EQ(MoveFolderTree(from.c_str(), to.c_str(), TRUE), 0u);
+    EXPECT_FALSE(root.Exists(L"from"));
+    EXPECT_TRUE(QuonPath((to + L"\\" + name + L"\\deep").c_str(), 0).Exists());
+    EXPECT_FALSE(QuonPath((to + L"\\" + name + L"\\" + std::wstring(60, L'e')).c_str(), 0).Exists());
+
+    root.WriteFile((L"from\\" + name + L"\\" + std::wstring(60, L'e') + L"\\file").c_str(), "x");
+    EXPECT_EQ(MoveFolderTree(from.c_str(), to.c_str(), TRUE), 1u);
+    EXPECT_TRUE(root.Exists(L"from"));
+}
+
 TEST(MoveFolderTree, RemovesNothingWhenTheCopyFailed)
 {
     const TemporaryFolder root;

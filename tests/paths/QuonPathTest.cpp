@@ -19,6 +19,19 @@ using quon_test::Text;
 namespace
 {
 
+// A framework string counts its characters; what reads the text as a zero-terminated one stops at the zero.
+TEST(QuonPathConstruction, TakesACStringWithAZeroInsideWhole)
+{
+    const CString text(L"C:\\a\0b", 6);
+    QuonPath path(text, 0);
+    EXPECT_STREQ(static_cast<const wchar_t*>(path), L"C:\\a");
+    EXPECT_TRUE(path.IsCharAt(5, L'b'));
+    path.Append(L"c");
+    EXPECT_EQ(std::wstring(static_cast<const wchar_t*>(path), 8), std::wstring(L"C:\\a\0b\\c", 8));
+    path = text;
+    EXPECT_TRUE(path.IsCharAt(5, L'b'));
+}
+
 TEST(QuonPathConstruction, TakesTheTextOfEverySource)
 {
     const wchar_t* const expected = L"C:\\a";
