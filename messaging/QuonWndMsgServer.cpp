@@ -39,6 +39,25 @@ LRESULT CALLBACK HiddenWindowProc(HWND window, UINT message, WPARAM wParam, LPAR
     return ::DefWindowProcW(window, message, wParam, lParam);
 }
 
+using RegistrationsOfMessages = std::unordered_map<UINT, Registrations>;
+
+// Erases an entry, and its list with the last one.
+void Erase(RegistrationsOfMessages& lists, RegistrationsOfMessages::iterator list, Registrations::iterator entry)
+{
+    if (walks != 0)
+    {
+        // A walk may be at this entry or in this list: the entry goes when the outermost walk ends.
+        entry->callback = nullptr;
+        hasRemovedEntries = true;
+        return;
+    }
+    list->second.erase(entry);
+    if (list->second.empty())
+    {
+        lists.erase(list);
+    }
+}
+
 }  // namespace
 
 QuonWndMsgServerImpl::QuonWndMsgServerImpl()
@@ -132,24 +151,8 @@ HRESULT QuonWndMsgServerImpl::RemoveCallback(const UINT* value)
     {
         return E_FAIL;
     }
-    Erase(found, entry);
+    Erase(m_registrations, found, entry);
     return S_OK;
-}
-
-void QuonWndMsgServerImpl::Erase(std::unordered_map<UINT, Registrations>::iterator list, Registrations::iterator entry)
-{
-    if (walks != 0)
-    {
-        // A walk may be at this entry or in this list: the entry goes when the last walk has ended.
-        entry->callback = nullptr;
-        hasRemovedEntries = true;
-        return;
-    }
-    list->second.erase(entry);
-    if (list->second.empty())
-    {
-        m_registrations.erase(list);
-    }
 }
 
 void QuonWndMsgServerImpl::EraseRemoved()

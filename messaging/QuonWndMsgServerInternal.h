@@ -46,7 +46,6 @@ private:
 
     bool CreateHiddenWindow();
     void DestroyHiddenWindow();
-    void Erase(std::unordered_map<UINT, Registrations>::iterator list, Registrations::iterator entry);
     void EraseRemoved();
 
     HWND m_window = nullptr;

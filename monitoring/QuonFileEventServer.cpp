@@ -124,7 +124,7 @@ HRESULT QuonFileEventServerImpl::Subscribe(const wchar_t* path, DWORD mask, Quon
             return ToFailure(error);
         }
         // Posted, the record is the watcher's.
-        subscription.release();
+        static_cast<void>(subscription.release());
         *id = newId;
         return S_OK;
     });
