@@ -36,8 +36,8 @@ public:
 
 void BrowseFolders(const BrowseOptions& options)
 {
-    const std::wstring initialFolder = FullPath(options.initialFolder.value_or(""));
-    const std::wstring rootFolder = FullPath(options.rootFolder.value_or(""));
+    const std::wstring initialFolder = FullPath(ToWide(options.initialFolder.value_or("")));
+    const std::wstring rootFolder = FullPath(ToWide(options.rootFolder.value_or("")));
     QuonPath chosen;
     Browser browser;
     if (!browser.Browse(chosen, options.initialFolder ? initialFolder.c_str() : nullptr, ToWide(options.title).c_str(),

@@ -3,10 +3,10 @@
 #include "host/Console.h"
 #include "host/ProgressBar.h"
 #include "host/Report.h"
+#include "host/Stop.h"
+#include "host/Streams.h"
 #include "monitoring/QuonFileModifiedManager.h"
-#include "support/Progress.h"
 
-#include <cstdio>
 #include <memory>
 
 namespace quonhost
@@ -34,7 +34,7 @@ void AskForAll(int question, const std::vector<std::wstring>& files, bool isJson
         PrintLine(std::wstring(question == 1 ? L"first " : L"second") +
                   (isModified ? L"  modified   " : L"  unchanged  ") + file);
     }
-    std::fflush(stdout);
+    StandardOutput().Flush();
 }
 
 // In steps, so that Ctrl+C ends it.
@@ -45,10 +45,7 @@ void Pause(double seconds)
     const auto limit = static_cast<ULONGLONG>(seconds * 1000);
     while (::GetTickCount64() - start < limit)
     {
-        if (ProgressPoll())
-        {
-            throw CommandError("stopped");
-        }
+        StopIfAsked();
         ::Sleep(kStepMilliseconds);
     }
 }
@@ -59,7 +56,7 @@ void AskTwice(const ModifiedOptions& options)
     std::vector<std::wstring> files;
     for (const std::string& file : options.files)
     {
-        files.push_back(FullPath(file));
+        files.push_back(FullPath(ToWide(file)));
     }
     AskForAll(1, files, options.json);
     Pause(options.pause);

@@ -3,6 +3,7 @@
 #include "host/Console.h"
 #include "host/ProgressBar.h"
 #include "host/Report.h"
+#include "host/Stop.h"
 #include "paths/QuonPath.h"
 #include "support/Progress.h"
 #include "support/QuonTimer.h"
@@ -62,10 +63,7 @@ void ReportProgress(unsigned long long entries)
     {
         ProgressSetPosition(static_cast<UINT>(entries));
     }
-    if (ProgressPoll())
-    {
-        throw CommandError(std::string("stopped"));
-    }
+    StopIfAsked();
 }
 
 Totals Walk(const TreeOptions& options, const QuonPath& root, unsigned int filter)

@@ -3,12 +3,12 @@
 #include "host/Console.h"
 #include "host/ProgressBar.h"
 #include "host/Report.h"
+#include "host/Streams.h"
 #include "monitoring/QuonFileEventServer.h"
 #include "paths/QuonPath.h"
 #include "support/Progress.h"
 #include "support/StringHelpers.h"
 
-#include <cstdio>
 #include <memory>
 
 namespace quonhost
@@ -98,7 +98,7 @@ private:
         }
         name.resize(11, L' ');
         PrintLine(LocalTime() + L"  " + name + static_cast<const wchar_t*>(m_path));
-        std::fflush(stdout);
+        StandardOutput().Flush();
     }
 
     QuonPath m_path;
@@ -126,7 +126,7 @@ std::vector<std::unique_ptr<Watch>> StartWatches(const WatchOptions& options)
     std::vector<std::unique_ptr<Watch>> watches;
     for (const std::string& path : options.paths)
     {
-        watches.push_back(std::make_unique<Watch>(FullPath(path), MaskOf(options.events), options.json));
+        watches.push_back(std::make_unique<Watch>(FullPath(ToWide(path)), MaskOf(options.events), options.json));
         if (FAILED(watches.back()->Result()))
         {
             throw CommandError("the watcher does not run");

@@ -4,6 +4,7 @@
 
 #include <afxwin.h>
 
+#include "host/CommandLine.h"
 #include "host/Console.h"
 
 #include <algorithm>
@@ -45,43 +46,17 @@ int Run(int count, wchar_t** arguments)
     quonhost::AddWatchCommand(app);
     quonhost::AddModifiedCommand(app);
     quonhost::AddBrowseCommand(app);
-    try
-    {
-        app.parse(ReversedArguments(count, arguments));
-    }
-    catch (const CLI::Success& asked)
-    {
-        return app.exit(asked);
-    }
-    catch (const CLI::ParseError& error)
-    {
-        quonhost::PrintError(std::string(error.what()) + " (see --help)");
-        return quonhost::kUsage;
-    }
-    catch (const std::exception& error)
-    {
-        quonhost::PrintError(error.what());
-        return quonhost::kFailed;
-    }
-    catch (CException* error)
-    {
-        wchar_t text[256] = {};
-        error->GetErrorMessage(text, 256);
-        error->Delete();
-        quonhost::PrintError(quonhost::ToUtf8(text));
-        return quonhost::kFailed;
-    }
-    return quonhost::kSuccess;
+    return quonhost::RunCommandLine(app, ReversedArguments(count, arguments));
 }
 
 }  // namespace
 
 int wmain(int count, wchar_t** arguments)
 {
-    quonhost::SetUpConsole();
+    const quonhost::ConsoleCodePages codePages;
     if (!AfxWinInit(::GetModuleHandleW(nullptr), nullptr, ::GetCommandLineW(), 0))
     {
-        quonhost::PrintError("the application framework could not be initialised");
+        quonhost::PrintError("the application framework could not be initialized");
         return quonhost::kFailed;
     }
     return Run(count, arguments);

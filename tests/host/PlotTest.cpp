@@ -219,9 +219,9 @@ TEST(Svg, TextsAndNumbersAreSafe)
 TEST(DrawSurvey, WhatCannotBeDrawnIsTold)
 {
     EXPECT_THROW(DrawSurvey({}, {}), CommandError);
-    PlotModel far;
-    far.points = {{"1", "", 0, 0, {}}, {"2", "", 1e300, 0, {}}};
-    EXPECT_THROW(DrawSurvey(far, {}), CommandError);
+    PlotModel distant;
+    distant.points = {{"1", "", 0, 0, {}}, {"2", "", 1e300, 0, {}}};
+    EXPECT_THROW(DrawSurvey(distant, {}), CommandError);
 }
 
 TEST(DrawSurvey, OnePointIsAPicture)
