@@ -1,8 +1,11 @@
 #include "host/CommandLine.h"
 
 #include "host/Console.h"
+#include "host/HelpText.h"
 #include "host/Streams.h"
+#include "host/UsageError.h"
 
+#include <algorithm>
 #include <sstream>
 
 namespace quonhost
@@ -30,8 +33,46 @@ int Fail(std::wstring_view text, ExitCode code = kFailed)
     return code;
 }
 
+// CLI11 takes a value in brackets for a list and drops the brackets; here it may be the name of a file. A mark in front
+// hides the brackets from it.
+constexpr char kMark = '\x01';
+
+void MarkBrackets(std::string& argument)
+{
+    if (argument.size() > 1 && argument.front() == '[' && argument.back() == ']')
+    {
+        argument.insert(argument.begin(), kMark);
+    }
+}
+
+std::string Unmarked(std::string text)
+{
+    std::erase(text, kMark);
+    return text;
+}
+
+// Takes the mark away again before anything looks at the values of the command's options, and of its commands'.
+void TakeMarks(CLI::App& command)
+{
+    const auto takeMark = [](std::string& value) {
+        value = Unmarked(value);
+        return std::string();
+    };
+    for (CLI::Option* const option :
+         command.get_options([](const CLI::Option* any) { return any->get_type_size() > 0; }))
+    {
+        option->transform(CLI::Validator(takeMark, ""));
+    }
+    for (CLI::App* const sub : command.get_subcommands([](const CLI::App*) { return true; }))
+    {
+        TakeMarks(*sub);
+    }
+}
+
 void Run(CLI::App& app, std::vector<std::string> arguments)
 {
+    std::for_each(arguments.begin(), arguments.end(), &MarkBrackets);
+    TakeMarks(app);
     try
     {
         app.parse(std::move(arguments));
@@ -40,7 +81,7 @@ void Run(CLI::App& app, std::vector<std::string> arguments)
     {
         std::ostringstream text;
         app.exit(asked, text, text);
-        StandardOutput().Write(text.str());
+        StandardOutput().Write(WrapHelp(text.str()));
     }
     StandardOutput().Flush();
 }
@@ -55,7 +96,7 @@ int RunCommandLine(CLI::App& app, std::vector<std::string> arguments)
     }
     catch (const CLI::ParseError& error)
     {
-        return Fail(ToWide(error.what()) + L" (see --help)", kUsage);
+        return Fail(ToWide(Unmarked(DescribeUsageError(app, error))), kUsage);
     }
     catch (const CommandError& error)
     {

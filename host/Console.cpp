@@ -29,11 +29,16 @@ std::wstring ToWide(std::string_view text)
     return result;
 }
 
-std::wstring FullPath(const std::wstring& path)
+std::wstring FullPath(const wchar_t* path)
 {
-    std::wstring full(::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
-    full.resize(::GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    std::wstring full(::GetFullPathNameW(path, 0, nullptr, nullptr), L'\0');
+    full.resize(::GetFullPathNameW(path, static_cast<DWORD>(full.size()), full.data(), nullptr));
     return full;
+}
+
+std::wstring InQuotes(const std::wstring& name)
+{
+    return L"\"" + name + L"\"";
 }
 
 std::wstring Counted(unsigned long long count, std::wstring_view singular, std::wstring_view plural)

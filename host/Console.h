@@ -39,7 +39,14 @@ private:
 };
 
 /// Returns the path of a file or folder with `\`; a relative one is taken from the current folder.
-std::wstring FullPath(const std::wstring& path);
+std::wstring FullPath(const wchar_t* path);
+
+/// Returns the name in double quotes.
+std::wstring InQuotes(const std::wstring& name);
+inline std::wstring InQuotes(const wchar_t* name)
+{
+    return InQuotes(std::wstring(name));
+}
 
 /// Returns the number with its noun, such as "1 file" or "2 files".
 std::wstring Counted(unsigned long long count, std::wstring_view singular, std::wstring_view plural);
