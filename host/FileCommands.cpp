@@ -99,6 +99,8 @@ void Copy(const TransferOptions& options)
         return;
     }
     const QuonPath target = FileTarget(source, destination);
+    // Before its folder is made: a refused copy leaves nothing.
+    RequireDifferentFiles(source, target);
     MakeFolder(target.GetFolder());
     CopyFileWhole(source, target, options.failIfExists);
 }

@@ -80,6 +80,14 @@ void RequireSeparateFolders(const QuonPath& source, const QuonPath& destination)
     }
 }
 
+void RequireDifferentFiles(const QuonPath& source, const QuonPath& target)
+{
+    if (IsSameFile(source, target))
+    {
+        throw CommandError(InQuotes(source) + L" and " + InQuotes(target) + L" are the same file");
+    }
+}
+
 void RequireReadableFolder(const QuonPath& folder)
 {
     WIN32_FIND_DATAW data = {};
@@ -116,10 +124,7 @@ void MakeFolder(const QuonPath& folder)
 
 void CopyFileWhole(const QuonPath& source, const QuonPath& target, bool failIfExists)
 {
-    if (IsSameFile(source, target))
-    {
-        throw CommandError(InQuotes(source) + L" and " + InQuotes(target) + L" are the same file");
-    }
+    RequireDifferentFiles(source, target);
     if (CopyOneFile(source, target, failIfExists))
     {
         const DWORD error = ::GetLastError();

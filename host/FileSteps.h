@@ -18,6 +18,9 @@ QuonPath FileTarget(const QuonPath& source, const QuonPath& destination);
 /// the source
 void RequireSeparateFolders(const QuonPath& source, const QuonPath& destination);
 
+/// Checks that a copy would not write what it reads. @throws CommandError when both names lead to the same file
+void RequireDifferentFiles(const QuonPath& source, const QuonPath& target);
+
 /// Checks that a folder can be listed, because a walk passes over those that cannot. @throws CommandError if not
 void RequireReadableFolder(const QuonPath& folder);
 

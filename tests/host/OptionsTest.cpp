@@ -64,11 +64,12 @@ protected:
         AddNumber(*walk, "--seconds", m_seconds, 0, 10, "SECONDS", "A time");
         AddChoice(*walk, "--unit", m_unit, {"deg", "rad"}, "A unit");
         bool isJson = false;
+        bool isAsked = false;
         CLI::Option* const json = AddJsonFlag(*walk, isJson);
-        walk->add_flag("--csv", "Values")->excludes(json);
+        walk->add_flag("--csv", isAsked, "Values")->excludes(json);
         auto* const group = walk->add_option_group("output", "");
-        group->add_flag("--count", "A count");
-        group->add_flag("--ranges", "Ranges");
+        group->add_flag("--count", isAsked, "A count");
+        group->add_flag("--ranges", isAsked, "Ranges");
         group->require_option(0, 1);
         CLI::App* const list = app.add_subcommand("list", "Lists");
         AddTexts(*list, "file", m_files, "Files")->required();
@@ -135,7 +136,7 @@ TEST_F(CommandLine, IsRefusedInPlainWords)
              Row{{"walk", "x", "--unit", "dge"},
                  "--unit: \"dge\" is not one of deg, rad; did you mean \"deg\"?" + walk},
              Row{{"walk", "x", "--unit", "gon"}, "--unit: \"gon\" is not one of deg, rad" + walk},
-             Row{{"walk", "x", "--json", "--csv"}, "--csv does not go with --json" + walk},
+             Row{{"walk", "x", "--json", "--csv"}, "--json does not go with --csv" + walk},
              Row{{"walk", "x", "--count", "--ranges"}, "give only one of --count,--ranges" + walk},
          })
     {
