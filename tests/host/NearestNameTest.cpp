@@ -48,6 +48,11 @@ TEST(NearestName, IsNotSoughtForTextsOfAnyLength)
     EXPECT_EQ(NearestName("tree", {}), std::nullopt);
 }
 
+TEST(NearestName, CountsTwoNeighborsSwappedAsOneEdit)
+{
+    EXPECT_EQ(NearestName("dge", {"deg"}), "deg");
+}
+
 TEST(NearestName, IsTheFirstOfEqualOnes)
 {
     EXPECT_EQ(NearestName("dog", {"deg", "dig"}), "deg");
