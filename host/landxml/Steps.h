@@ -3,7 +3,7 @@
 
 #include <afx.h>
 
-#include "host/Console.h"
+#include "host/Stop.h"
 #include "support/Progress.h"
 
 namespace quonhost
@@ -34,13 +34,7 @@ public:
         StopIfAsked();
     }
 
-    static void StopIfAsked()
-    {
-        if (ProgressPoll())
-        {
-            throw CommandError(std::string("stopped"));
-        }
-    }
+    static void StopIfAsked() { quonhost::StopIfAsked(); }
 
 private:
     unsigned int m_done = 0;

@@ -16,10 +16,10 @@ def text(data):
 class Running:
     """A program that was started. What it has printed so far can be read at any time."""
 
-    def __init__(self, command, **options):
+    def __init__(self, command, stdin=subprocess.DEVNULL, stdout=None, **options):
         self._files = tempfile.TemporaryFile(), tempfile.TemporaryFile()
-        streams = {"stdout": self._files[0], "stderr": self._files[1], **options}
-        self.process = subprocess.Popen(command, stdin=subprocess.DEVNULL, **streams)
+        streams = {"stdin": stdin, "stdout": stdout or self._files[0], "stderr": self._files[1], **options}
+        self.process = subprocess.Popen(command, **streams)
 
     def output(self):
         return text(self._written(0))
