@@ -9,7 +9,6 @@ packages=(
   cmake ninja-build git python3
   googletest          # sources, cross-compiled by our own build
   libcli11-dev        # command line of the host (headers only)
-  libfccp-dev         # CSV parser of the host (headers only)
   nlohmann-json3-dev  # JSON output of the host (headers only)
   wine wine64         # runs what was built
   clang-format-14     # the style, checked by the tests
