@@ -31,7 +31,7 @@ constexpr std::string_view kReported[] = {
     "CrossSects", "CrossSect", "CrossSectSurf", "CrossSectPnt", "DesignCrossSectSurf", "Parcels",
     "Parcel",    "PlanFeatures", "PlanFeature", "PipeNetworks", "PipeNetwork", "Structs",  "Struct",
     "Invert",    "CircStruct", "RectStruct",  "InletStruct", "OutletStruct", "Connection", "Pipes",
-    "Pipe",      "CircPipe",   "RectPipe",    "ElliPipe",    "EggPipe",
+    "Monuments", "Pipe",      "CircPipe",   "RectPipe",    "ElliPipe",    "EggPipe",
 };
 
 template <size_t kCount>

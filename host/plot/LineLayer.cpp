@@ -22,7 +22,52 @@ const SurveyLine* Longest(const std::vector<SurveyLine>& lines, const SurveyLine
     return longest;
 }
 
-// Each name once, along the longest of its pieces: in the middle, or else nearer to an end.
+// The middle of an area: its centre of gravity. Reckoned from the first corner, for coordinates are large.
+VxGePoint3d MiddleOf(const std::vector<VxGePoint3d>& ring)
+{
+    const VxGePoint3d& origin = ring[0];
+    double area = 0, x = 0, y = 0;
+    for (size_t index = 0; index + 1 < ring.size(); ++index)
+    {
+        const double ax = ring[index].x - origin.x, ay = ring[index].y - origin.y;
+        const double bx = ring[index + 1].x - origin.x, by = ring[index + 1].y - origin.y;
+        const double part = ax * by - bx * ay;
+        area += part;
+        x += part * (ax + bx);
+        y += part * (ay + by);
+    }
+    return area == 0 ? origin : VxGePoint3d{origin.x + x / (3 * area), origin.y + y / (3 * area), 0};
+}
+
+bool IsRing(const SurveyLine& line)
+{
+    return line.places.size() > 3 && IsSameInPlan(line.places.front(), line.places.back());
+}
+
+void NameArea(SvgWriter& svg, const PlotFrame& frame, const SurveyLine& ring, LabelLayout& layout)
+{
+    constexpr double kHalfHeight = 5;
+    const VxGePoint3d middle = MiddleOf(ring.places);
+    const double x = frame.ToX(middle.x), y = frame.ToY(middle.y), half = WidthOf(ring.name) / 2;
+    if (layout.Take({x - half, y - kHalfHeight, x + half, y + kHalfHeight}))
+    {
+        svg.Text(x, y + 3.5, ring.name);
+    }
+}
+
+void NameLine(SvgWriter& svg, const PlotFrame& frame, const SurveyLine& line, LabelLayout& layout)
+{
+    const PixelLine pixels(frame, line.places);
+    for (const double part : {0.5, 0.3, 0.7, 0.15, 0.85})
+    {
+        if (DrawAlong(svg, pixels, part * pixels.Length(), line.name, layout))
+        {
+            return;
+        }
+    }
+}
+
+// Each name once: in the middle of an area, or along the longest of its pieces.
 void NameLines(SvgWriter& svg, const PlotFrame& frame, const std::vector<SurveyLine>& lines, const LineStyle& style,
                LabelLayout& layout)
 {
@@ -34,17 +79,13 @@ void NameLines(SvgWriter& svg, const PlotFrame& frame, const std::vector<SurveyL
             continue;
         }
         const SurveyLine* const piece = Longest(lines, line);
-        if (piece->places.size() < 2)
+        if (IsRing(*piece))
         {
-            continue;
+            NameArea(svg, frame, *piece, layout);
         }
-        const PixelLine pixels(frame, piece->places);
-        for (const double part : {0.5, 0.3, 0.7, 0.15, 0.85})
+        else if (piece->places.size() >= 2)
         {
-            if (DrawAlong(svg, pixels, part * pixels.Length(), line.name, layout))
-            {
-                break;
-            }
+            NameLine(svg, frame, *piece, layout);
         }
     }
 }
@@ -54,12 +95,12 @@ void NameLines(SvgWriter& svg, const PlotFrame& frame, const std::vector<SurveyL
 const std::vector<LineStyle>& LineStyles()
 {
     static const std::vector<LineStyle> styles = {
-        {LineKind::kBoundary, L"boundaries", "#333333", 10, "80 30 20 30", false},
-        {LineKind::kBreakline, L"breaklines", "#7a3e12", 10, "40 25", false},
-        {LineKind::kPlanFeature, L"plan features", "#00838f", 12, "", true},
-        {LineKind::kParcel, L"parcels", "#8e24aa", 12, "", true},
-        {LineKind::kPipe, L"pipes", "#1e66d0", 18, "", false},
-        {LineKind::kAlignment, L"alignments", "#d50000", 20, "", true},
+        {LineKind::kBoundary, L"boundaries", L"boundary", "#333333", 10, "80 30 20 30", false},
+        {LineKind::kBreakline, L"breaklines", L"breakline", "#7a3e12", 10, "40 25", false},
+        {LineKind::kPlanFeature, L"plan features", L"plan feature", "#00838f", 12, "", true},
+        {LineKind::kParcel, L"parcels", L"parcel", "#8e24aa", 12, "", true},
+        {LineKind::kPipe, L"pipes", L"pipe", "#1e66d0", 18, "", false},
+        {LineKind::kAlignment, L"alignments", L"alignment", "#d50000", 20, "", true},
     };
     return styles;
 }

@@ -33,7 +33,8 @@ std::string PaintOf(const PointKind& kind);
 struct LineStyle
 {
     LineKind kind;
-    const wchar_t* name;  ///< in the legend
+    const wchar_t* name;      ///< of several, in the legend
+    const wchar_t* singular;  ///< of one
     const char* colour;
     int width;            ///< in tenths of a pixel
     const char* dashes;   ///< in tenths of a pixel; "" for a line without gaps

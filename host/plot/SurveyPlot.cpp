@@ -1,6 +1,7 @@
 #include "host/plot/SurveyPlot.h"
 
 #include "host/Console.h"
+#include "host/landxml/LandXmlInfoText.h"
 #include "host/plot/NiceSteps.h"
 #include "host/plot/PlotLayers.h"
 
@@ -43,25 +44,27 @@ SurveyExtents DrawableExtents(const PlotModel& model)
     return *extents;
 }
 
-std::wstring Counted(size_t count, const wchar_t* one, const wchar_t* many)
-{
-    return std::to_wstring(count) + L' ' + (count == 1 ? one : many);
-}
-
 std::wstring SubtitleOf(const PlotModel& model, const PlotLevels* levels)
 {
     std::vector<std::wstring> facts;
     if (!model.points.empty())
     {
-        facts.push_back(Counted(model.points.size(), L"point", L"points"));
+        facts.push_back(CountText(model.points.size(), L"point", L"points"));
     }
     if (levels != nullptr)
     {
         const SurveySurface& surface = model.surface;
         facts.push_back((surface.name.empty() ? L"" : L"surface \"" + surface.name + L"\": ") +
-                        Counted(surface.triangles.size(), L"triangle", L"triangles"));
+                        CountText(surface.triangles.size(), L"triangle", L"triangles"));
         facts.push_back(L"elevation " + FormatFixed(levels->low, 2) + L" to " + FormatFixed(levels->high, 2) +
                         (model.unit.empty() ? L"" : L' ' + model.unit));
+    }
+    for (const LineStyle& style : LineStyles())
+    {
+        if (const size_t count = CountLines(model.lines, style.kind); count > 0)
+        {
+            facts.push_back(CountText(count, style.singular, style.name));
+        }
     }
     std::wstring text;
     for (const std::wstring& fact : facts)
