@@ -10,6 +10,8 @@
 #include "paths/QuonPath.h"
 
 #include <algorithm>
+#include <functional>
+#include <map>
 #include <memory>
 
 namespace quonhost
@@ -96,35 +98,39 @@ void Export(const ExportOptions& options)
     WriteWholeOutput(options.output, WriteLandXml(survey, HeaderOf(options)));
 }
 
+// An option whose value is one of some names.
+template <typename Value>
+void AddChoice(CLI::App& command, const std::string& name, const std::map<std::string, Value>& choices,
+               const std::function<void(Value)>& take, const std::string& help)
+{
+    command
+        .add_option_function<std::string>(
+            name, [choices, take](const std::string& text) { take(choices.at(text)); }, help)
+        ->check(CLI::IsMember(choices).description(""))
+        ->type_name("NAME");
+}
+
 void AddFormat(CLI::App& command, CsvFormat& format)
 {
-    const std::map<std::string, char> separators = {{"comma", ','}, {"semicolon", ';'}, {"tab", '\t'}};
-    const std::map<std::string, char> marks = {{"point", '.'}, {"comma", ','}};
-    command
-        .add_option("--separator", format.separator,
-                    "What separates the columns: comma, semicolon or tab; recognized by default")
-        ->transform(CLI::CheckedTransformer(separators).description(""))
-        ->type_name("NAME");
-    command
-        .add_option("--decimal", format.decimalMark, "The decimal mark: point or comma; recognized by default")
-        ->transform(CLI::CheckedTransformer(marks).description(""))
-        ->type_name("NAME");
+    AddChoice<char>(command, "--separator", {{"comma", ','}, {"semicolon", ';'}, {"tab", '\t'}},
+                    [&format](char separator) { format.separator = separator; },
+                    "What separates the columns: comma, semicolon or tab; recognized by default");
+    AddChoice<char>(command, "--decimal", {{"point", '.'}, {"comma", ','}},
+                    [&format](char mark) { format.decimalMark = mark; },
+                    "The decimal mark: point or comma; recognized by default");
 }
 
 void AddHeader(CLI::App& command, LandXmlHeader& header)
 {
-    const std::map<std::string, LandXmlUnits> units = {{"metric", LandXmlUnits::kMetric},
-                                                       {"imperial", LandXmlUnits::kFoot},
-                                                       {"usfoot", LandXmlUnits::kSurveyFoot}};
-    command
-        .add_option("--units", header.units,
-                    "metric (the default), imperial (international feet) or usfoot (US survey feet)")
-        ->transform(CLI::CheckedTransformer(units).description(""))
-        ->type_name("NAME");
-    const std::map<std::string, bool> versions = {{"1.0", false}, {"1.2", true}};
-    command.add_option("--version", header.isVersion12, "The LandXML version: 1.0 (the default) or 1.2")
-        ->transform(CLI::CheckedTransformer(versions).description(""))
-        ->type_name("NUMBER");
+    AddChoice<LandXmlUnits>(command, "--units",
+                            {{"metric", LandXmlUnits::kMetric},
+                             {"imperial", LandXmlUnits::kFoot},
+                             {"usfoot", LandXmlUnits::kSurveyFoot}},
+                            [&header](LandXmlUnits units) { header.units = units; },
+                            "metric (the default), imperial (international feet) or usfoot (US survey feet)");
+    AddChoice<bool>(command, "--version", {{"1.0", false}, {"1.2", true}},
+                    [&header](bool isVersion12) { header.isVersion12 = isVersion12; },
+                    "The LandXML version: 1.0 (the default) or 1.2");
     AddText(command, "--project", header.project, "The project's name; that of the file by default");
     AddText(command, "--surface", header.surface, "The surface's name; \"Ground\" by default");
 }

@@ -17,6 +17,7 @@ packages=(
   doxygen doxygen-awesome-css  # the manual, built by the tests, and its theme
   gdb-mingw-w64 gdb-mingw-w64-target  # the debugger whose printers are tested, and its server for Windows
   libxml2-utils       # xmllint, reads the XML documents that the tests wrote
+  librsvg2-bin        # rsvg-convert, paints the pictures that the tests look at
   procps              # finds Wine's server for the benchmarks
   # peers of the benchmarks (headers only)
   libboost1.81-dev librapidxml-dev libconcurrentqueue-dev libasio-dev libfmt-dev libspdlog-dev

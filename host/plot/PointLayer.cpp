@@ -38,7 +38,7 @@ constexpr size_t kMostKinds = 32;
 // Neighbours in the legend differ in both, and no two kinds share both.
 Look LookOf(size_t index)
 {
-    return {kColours[index % kColourCount], kShapeOfRound[(index + index / kColourCount) % kShapeCount]};
+    return {kColours[index % kColourCount], kShapeOfRound[(index % kColourCount + index / kColourCount) % kShapeCount]};
 }
 
 // More points than these have no room for a symbol each.

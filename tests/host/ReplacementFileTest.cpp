@@ -186,14 +186,15 @@ TEST(ReplacementFile, WhatTheSystemLostOrCouldNotFlushReplacesNothing)
     EXPECT_EQ(CountFiles(folder), 1);
 }
 
-int pollsUntilStop = 0;
+int polls = 0;
+int stoppingPoll = 0;  // 0: none
 
-int StopLater(int command, unsigned int, LPARAM)
+int StopAtPoll(int command, unsigned int, LPARAM)
 {
-    return command == 2 && --pollsUntilStop < 0 ? 1 : 0;
+    return command == 2 && ++polls == stoppingPoll ? 1 : 0;
 }
 
-TEST(ReplacementFile, AnExportThatIsStoppedLeavesTheOldFile)
+TEST(ReplacementFile, AnExportThatIsStoppedAtAnyTimeLeavesTheOldFile)
 {
     const TemporaryFolder folder;
     const std::wstring target = folder.WriteFile(L"a.xml", "old");
@@ -202,17 +203,25 @@ TEST(ReplacementFile, AnExportThatIsStoppedLeavesTheOldFile)
     {
         survey.points.push_back({std::to_wstring(number), {2.0 * number, 1.0 * number, 3.0}, L"A", L""});
     }
-    const int kPollsOfAll = 6;  // while the document is made, when it is whole, when it is written, before it replaces
-    for (int polls = 0; polls <= kPollsOfAll; ++polls)
-    {
-        pollsUntilStop = polls;
-        SetProgressCallback(&StopLater);
+    const auto exportStoppedAt = [&](int poll) {
+        polls = 0;
+        stoppingPoll = poll;
+        SetProgressCallback(&StopAtPoll);
         const std::string complaint =
             ComplaintOf([&] { quonhost::WriteWholeOutput(target, quonhost::WriteLandXml(survey, {})); });
         SetProgressCallback(nullptr);
-        SCOPED_TRACE(polls);
-        EXPECT_EQ(complaint, polls < kPollsOfAll ? "stopped" : "");
-        EXPECT_EQ(folder.ReadFile(L"a.xml") == "old", polls < kPollsOfAll);
+        return complaint;
+    };
+    EXPECT_EQ(exportStoppedAt(0), "");
+    EXPECT_NE(folder.ReadFile(L"a.xml"), "old");
+    const int count = polls;
+    EXPECT_GE(count, 5) << "while the document is made, when it is written, before it replaces";
+    folder.WriteFile(L"a.xml", "old");
+    for (int poll = 1; poll <= count; ++poll)
+    {
+        SCOPED_TRACE(poll);
+        EXPECT_EQ(exportStoppedAt(poll), "stopped");
+        EXPECT_EQ(folder.ReadFile(L"a.xml"), "old");
         EXPECT_EQ(CountFiles(folder), 1);
     }
 }
