@@ -1,16 +1,18 @@
-#include "host/Console.h"
+#include "host/LandXmlCommands.h"
 
-#include "host/LandXmlRun.h"
-#include "host/landxml/LandXmlFile.h"
-#include "host/landxml/NumberText.h"
-#include "host/landxml/PointFilter.h"
+#include "host/Console.h"
+#include "host/Streams.h"
+#include "host/landxml/FileErrors.h"
+#include "host/landxml/LandXmlInfoText.h"
 #include "host/landxml/ReplacementFile.h"
 #include "host/landxml/Steps.h"
+#include "host/plot/PlotFrame.h"
 #include "host/plot/SurveyPlot.h"
 #include "paths/QuonPath.h"
 
-#include <filesystem>
-#include <fstream>
+#include <algorithm>
+#include <map>
+#include <memory>
 
 namespace quonhost
 {
@@ -19,143 +21,107 @@ namespace
 
 struct PlotCommandOptions
 {
-    std::string input;
-    std::string output;
-    std::optional<std::string> list;
-    std::optional<std::string> surface;
-    std::string title;
+    LandXmlInput input;
+    std::wstring output;
+    PointChoice choice;
+    std::optional<std::wstring> surface;
+    std::wstring title;
+    std::optional<double> size;
     PlotOptions plot;
 };
 
 // How the units that a document may name are written beside a number.
-std::string UnitOf(const LandXmlHeading& heading)
+std::wstring UnitOf(const LandXmlHeading& heading)
 {
     if (heading.linearUnit == L"meter")
     {
-        return "m";
+        return L"m";
     }
-    if (heading.linearUnit == L"foot" || heading.linearUnit == L"USSurveyFoot")
-    {
-        return "ft";
-    }
-    return ToUtf8(heading.linearUnit);
-}
-
-std::vector<PlotPoint> PointsOf(const LandXmlFile& file, const std::optional<std::string>& list)
-{
-    std::vector<PlotPoint> points;
-    if (list)
-    {
-        for (const SurveyPoint& point : ChoosePoints(file.ReadPoints(), PointFilter(*list)))
-        {
-            points.push_back(
-                {std::to_string(point.number), point.code, point.easting, point.northing, point.elevation});
-        }
-        return points;
-    }
-    for (const PlacedPoint& point : PlacePoints(file.ReadPoints()))
-    {
-        points.push_back(
-            {ToUtf8(point.name), ToUtf8(point.code), point.place.easting, point.place.northing, point.place.elevation});
-    }
-    return points;
+    const bool isFoot = heading.linearUnit == L"foot" || heading.linearUnit == L"USSurveyFoot";
+    return isFoot ? L"ft" : heading.linearUnit;
 }
 
 // The surface of the name, or else the first that has triangles.
-const LandXmlSurface* FindSurface(const std::vector<LandXmlSurface>& surfaces, const std::optional<std::string>& name)
+const LandXmlSurface* FindSurface(const std::vector<LandXmlSurface>& surfaces, const std::optional<std::wstring>& name)
 {
-    for (const LandXmlSurface& surface : surfaces)
+    const auto found = std::find_if(surfaces.begin(), surfaces.end(), [&name](const LandXmlSurface& surface) {
+        return name ? surface.name == *name : !surface.triangles.empty();
+    });
+    if (found != surfaces.end())
     {
-        if (name ? surface.name == ToWide(*name) : !surface.triangles.empty())
-        {
-            return &surface;
-        }
+        return &*found;
     }
     if (name)
     {
-        throw CommandError("there is no surface \"" + *name + "\"");
+        throw CommandError(std::wstring_view(L"there is no surface \"" + *name + L"\""));
     }
     return nullptr;
 }
 
-PlotSurface SurfaceOf(const LandXmlFile& file, const std::optional<std::string>& name)
-{
-    const std::vector<LandXmlSurface> surfaces = file.ReadSurfaces();
-    PlotSurface plotted;
-    const LandXmlSurface* const surface = FindSurface(surfaces, name);
-    if (surface != nullptr)
-    {
-        plotted.name = ToUtf8(surface->name);
-        plotted.triangles = surface->triangles;
-        for (const LandXmlSurface::Place& place : surface->points)
-        {
-            plotted.vertices.push_back({place.easting, place.northing, place.elevation});
-        }
-    }
-    return plotted;
-}
-
-void WriteText(const QuonPath& path, const std::string& text)
-{
-    std::ofstream file(std::filesystem::path(static_cast<const wchar_t*>(path)), std::ios::binary);
-    file << text;
-    file.close();
-    if (!file)
-    {
-        throw CommandError(L"\"" + std::wstring(path) + L"\" cannot be written");
-    }
-}
-
-std::string TitleOf(const PlotCommandOptions& options, const LandXmlHeading& heading)
+std::wstring TitleOf(const PlotCommandOptions& options, const LandXmlHeading& heading)
 {
     if (!options.title.empty())
     {
         return options.title;
     }
-    const QuonPath input(ToWide(options.input), QuonPathNormalize);
-    return heading.project.empty() ? ToUtf8(std::wstring(input.GetFileTitle())) : ToUtf8(heading.project);
+    const bool isFile = heading.project.empty() && options.input.file != kStandardStreamName;
+    return isFile ? std::wstring(QuonPath(options.input.file, QuonPathNormalize).GetFileTitle()) : heading.project;
+}
+
+PlotModel ModelOf(LandXmlContents contents, const PlotCommandOptions& options)
+{
+    const PointFilter filter = options.choice.MakeFilter();
+    PlotModel model;
+    model.title = TitleOf(options, contents.heading);
+    model.unit = UnitOf(contents.heading);
+    model.points = std::move(contents.points);
+    std::erase_if(model.points, [&filter](const SurveyPoint& point) { return !filter.Contains(point); });
+    model.lines = std::move(contents.lines);
+    if (const LandXmlSurface* const surface = FindSurface(contents.surfaces, options.surface))
+    {
+        model.surface = *surface;
+        // The lines of the other surfaces would be drawn on the wrong ground.
+        std::erase_if(model.lines, [surface](const SurveyLine& line) {
+            return !line.surface.empty() && line.surface != surface->name;
+        });
+    }
+    return model;
 }
 
 void Plot(const PlotCommandOptions& options)
 {
-    const QuonPath target(ToWide(options.output), QuonPathNormalize);
-    ReplacementFile replacement(target);
-    const LandXmlFile file(options.input);
-    const LandXmlHeading heading = file.GetHeading();
-    PlotModel model;
-    model.title = TitleOf(options, heading);
-    model.unit = UnitOf(heading);
-    model.points = PointsOf(file, options.list);
-    model.surface = SurfaceOf(file, options.surface);
-    const std::string text = DrawSurvey(model, options.plot);
-    Steps::StopIfAsked();
-    WriteText(replacement.GetPath(), text);
-    replacement.Commit();
+    RequireOtherFile(options.output, options.input.file);
+    options.choice.MakeFilter();
+    LandXmlContents contents = ReadInput(options.input);
+    const std::wstring held = NameContents(contents);
+    const PlotModel model = ModelOf(std::move(contents), options);
+    if (!ExtentsOf(model))
+    {
+        throw FileError(ShownName(options.input.file), L"there is nothing to draw; the file holds " + held);
+    }
+    PlotOptions plot = options.plot;
+    plot.size = options.size.value_or(plot.size);
+    WriteWholeOutput(options.output, DrawSurvey(model, plot));
 }
 
-void AddLookOptions(CLI::App& command, PlotOptions& plot)
+void AddLookOptions(CLI::App& command, PlotCommandOptions& options)
 {
     const std::map<std::string, PlotLabels> labels = {{"none", PlotLabels::kNone},
                                                       {"number", PlotLabels::kNumber},
                                                       {"elevation", PlotLabels::kElevation},
                                                       {"both", PlotLabels::kBoth}};
-    command
-        .add_option("--contours", plot.contourStep,
-                    "The step between contours, 0 for none; by default a round step that gives at most 25")
-        ->check(CLI::Range(0.0, 1e9).description(""))
-        ->type_name("STEP");
+    AddNumber(command, "--contours", options.plot.contourStep, 0, 1e9,
+              "The step between contours, 0 for none; by default a round step that gives at most 25");
     command
         .add_option(
-            "--labels", plot.labels,
+            "--labels", options.plot.labels,
             "What to write beside points where there is room: number (the default up to 1500 points), elevation, "
             "both, none")
         ->transform(CLI::CheckedTransformer(labels).description(""))
         ->type_name("KIND");
-    command.add_flag("--edges", plot.edges, "Draw the edges of the triangles");
-    command.add_option("--size", plot.size, "The longer side of the map, from 200 to 20000")
-        ->check(CLI::Range(200.0, 20000.0).description(""))
-        ->type_name("PIXELS")
-        ->capture_default_str();
+    command.add_flag("--edges", options.plot.edges, "Draw the edges of the triangles");
+    AddNumber(command, "--size", options.size, 200, 20000,
+              "The longer side of the map in pixels, from 200 to 20000; 1000 by default");
 }
 
 }  // namespace
@@ -163,15 +129,19 @@ void AddLookOptions(CLI::App& command, PlotOptions& plot)
 void AddLandXmlPlot(CLI::App& parent)
 {
     auto options = std::make_shared<PlotCommandOptions>();
-    CLI::App* const command =
-        parent.add_subcommand("plot", "Draw points and a surface of a LandXML file (1.0 to 1.2) as an SVG picture");
-    command->add_option("file.xml", options->input, "The file")->required();
-    command->add_option("out.svg", options->output, "What to write; an old file is replaced when the new one is whole")
+    CLI::App* const command = parent.add_subcommand(
+        "plot", "Draw points, a surface and lines of a LandXML file (1.0 to 1.2) as an SVG picture");
+    AddInput(*command, options->input);
+    AddText(*command, "out.svg", options->output, "The file to write or replace; - for the standard output")
         ->required();
-    command->add_option("--points", options->list, "Draw only these points (\"1-5, 9\")");
-    command->add_option("--surface", options->surface, "The surface to draw; by default the first with faces");
-    command->add_option("--title", options->title, "The title; by default the project's name, or that of the file");
-    AddLookOptions(*command, options->plot);
+    AddPointChoice(*command, options->choice, "Draw only these points (\"1-5, 9\")");
+    command
+        ->add_option_function<std::string>(
+            "--surface", [options](const std::string& text) { options->surface = ToWide(text); },
+            "The surface to draw; by default the first with faces")
+        ->type_name("TEXT");
+    AddText(*command, "--title", options->title, "The title; by default the project's name, or that of the file");
+    AddLookOptions(*command, *options);
     SetLandXmlWork(*command, [options] { Plot(*options); });
 }
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Makes the sample survey of the host: make-sample-survey.py FOLDER
 
-Writes points.csv (number, northing, easting, elevation, code; metres) and faces.csv (a Delaunay triangulation of the
+Writes points.csv (number, northing, easting, elevation, code, desc; metres) and faces.csv (a Delaunay triangulation of the
 ground) of a small site: a road with ditches through sloping ground, two buildings, trees and control points. The same
 files come out every time and everywhere: chance is seeded, coordinates are whole millimetres, and the triangulation
 reckons with whole numbers.
@@ -14,6 +14,7 @@ from pathlib import Path
 ORIGIN_NORTHING, ORIGIN_EASTING = 5321400, 412250
 LENGTH, WIDTH = 200, 120  # of the site, in metres: north and east
 CONTROL = "CP"
+DESCRIPTIONS = {CONTROL: "nail in concrete", "BLD": "corner of the building"}
 LONGEST_EDGE = 45000  # millimetres; longer triangles along the border span ground that nobody measured
 
 
@@ -155,9 +156,10 @@ def main():
     folder = Path(sys.argv[1])
     points = survey()
     with open(folder / "points.csv", "w", encoding="utf-8", newline="\n") as file:
-        file.write("number,northing,easting,elevation,code\n")
+        file.write("number,northing,easting,elevation,code,desc\n")
         for number, (north, east, level), code in points:
-            file.write(f"{number},{metres(north, ORIGIN_NORTHING)},{metres(east, ORIGIN_EASTING)},{metres(level)},{code}\n")
+            file.write(f"{number},{metres(north, ORIGIN_NORTHING)},{metres(east, ORIGIN_EASTING)},{metres(level)},{code},"
+                       f"{DESCRIPTIONS.get(code, '')}\n")
     with open(folder / "faces.csv", "w", encoding="utf-8", newline="\n") as file:
         file.write("point1,point2,point3\n")
         for face in surface(points):

@@ -9,7 +9,6 @@ packages=(
   cmake ninja-build git python3
   googletest          # sources, cross-compiled by our own build
   libcli11-dev        # command line of the host (headers only)
-  libfccp-dev         # CSV parser of the host (headers only)
   nlohmann-json3-dev  # JSON output of the host (headers only)
   wine wine64         # runs what was built
   clang-format-14     # the style, checked by the tests
@@ -18,6 +17,7 @@ packages=(
   doxygen doxygen-awesome-css  # the manual, built by the tests, and its theme
   gdb-mingw-w64 gdb-mingw-w64-target  # the debugger whose printers are tested, and its server for Windows
   libxml2-utils       # xmllint, reads the XML documents that the tests wrote
+  librsvg2-bin        # rsvg-convert, paints the pictures that the tests look at
   procps              # finds Wine's server for the benchmarks
   # peers of the benchmarks (headers only)
   libboost1.81-dev librapidxml-dev libconcurrentqueue-dev libasio-dev libfmt-dev libspdlog-dev

@@ -1,4 +1,4 @@
-// An element of a new document and what is put into it, each child on a line of its own.
+// An element of a new document and its contents, each child on a line of its own.
 #pragma once
 
 #include <afx.h>
@@ -29,7 +29,7 @@ public:
         const MSXML2::IXMLDOMNodePtr child = AppendNewElement(m_document, m_node, name);
         if (!child)
         {
-            // Appending has failed without a word why.
+            // Appending failed without an error code.
             _com_raise_error(E_FAIL);
         }
         return DomBranch(m_document, child, m_lineEnd.GetLength() / 2 + 1);

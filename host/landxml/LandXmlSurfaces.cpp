@@ -1,120 +1,219 @@
-#include "host/landxml/LandXmlFile.h"
+#include "host/landxml/LandXmlParts.h"
 
 #include "host/Console.h"
-#include "host/landxml/DomElements.h"
+#include "host/landxml/PlaceText.h"
 #include "host/landxml/Steps.h"
 
-#include <algorithm>
-#include <unordered_map>
+#include <charconv>
 
 namespace quonhost
 {
 namespace
 {
 
-using MSXML2::IXMLDOMNodePtr;
-
-std::vector<std::wstring_view> WordsOf(std::wstring_view text)
+// The indices of a surface's points by their identifiers, which are numbers, and most often 1, 2, 3 and so on.
+class PointIndices
 {
-    constexpr std::wstring_view kBlanks = L" \t\r\n";
-    std::vector<std::wstring_view> words;
-    for (size_t begin = text.find_first_not_of(kBlanks); begin != std::wstring_view::npos;)
+public:
+    bool Add(std::string_view id, std::uint32_t index)
     {
-        const size_t end = std::min(text.find_first_of(kBlanks, begin), text.size());
-        words.push_back(text.substr(begin, end - begin));
-        begin = text.find_first_not_of(kBlanks, end);
+        const std::optional<size_t> number = NumberOf(id);
+        if (number && *number <= m_byNumber.size() + kLargestGap)
+        {
+            m_byNumber.resize(std::max(m_byNumber.size(), *number + 1), kNone);
+            const bool isNew = m_byNumber[*number] == kNone;
+            m_byNumber[*number] = isNew ? index : m_byNumber[*number];
+            return isNew;
+        }
+        return m_byText.emplace(id, index).second;
     }
-    return words;
-}
 
-// Reads the definitions of one surface.
+    std::optional<std::uint32_t> Find(std::string_view id) const
+    {
+        const std::optional<size_t> number = NumberOf(id);
+        if (number && *number < m_byNumber.size() && m_byNumber[*number] != kNone)
+        {
+            return m_byNumber[*number];
+        }
+        const auto found = m_byText.empty() ? m_byText.end() : m_byText.find(std::string(id));
+        return found == m_byText.end() ? std::nullopt : std::optional(found->second);
+    }
+
+private:
+    static constexpr std::uint32_t kNone = UINT32_MAX;
+    static constexpr size_t kLargestGap = 1000;
+
+    static std::optional<size_t> NumberOf(std::string_view id)
+    {
+        size_t number = 0;
+        const std::from_chars_result result = std::from_chars(id.data(), id.data() + id.size(), number);
+        // "01" is another text than "1".
+        const bool isPlain = !id.empty() && id[0] != '0' && result.ec == std::errc();
+        return isPlain && result.ptr == id.data() + id.size() ? std::optional(number) : std::nullopt;
+    }
+
+    std::vector<std::uint32_t> m_byNumber;
+    std::unordered_map<std::string, std::uint32_t> m_byText;
+};
+
+// Reads one surface.
 class SurfaceReader
 {
 public:
-    explicit SurfaceReader(const IXMLDOMNodePtr& node)
+    SurfaceReader(const XmlElement& element, LandXmlContents& contents) : m_contents(contents)
     {
-        m_surface.name = AttributeOf(node, L"name");
+        m_surface.name = element.Attribute("name");
+        ForEachChild(element, "Definition", [this](const XmlElement& definition) {
+            m_surface.type = definition.Attribute("surfType");
+            ForEachListed(definition, "Pnts", "P", [this](const XmlElement& point) { AddPoint(point); });
+        });
         // Faces may name points of any list.
-        ForEachPart(node, L"Pnts", L"P", [this](const IXMLDOMNodePtr& point) { AddPoint(point); });
-        ForEachPart(node, L"Faces", L"F", [this](const IXMLDOMNodePtr& face) { AddFace(face); });
+        ForEachChild(element, "Definition", [this](const XmlElement& definition) {
+            ForEachListed(definition, "Faces", "F", [this](const XmlElement& face) { AddFace(face); });
+        });
+        ForEachChild(element, "SourceData", [this](const XmlElement& source) { ReadSource(source); });
+        m_contents.surfaces.push_back(std::move(m_surface));
     }
-
-    LandXmlSurface Take() { return std::move(m_surface); }
 
 private:
     template <typename Visit>
-    static void ForEachPart(const IXMLDOMNodePtr& node, const wchar_t* listName, const wchar_t* name,
-                            const Visit& visit)
+    static void ForEachListed(const XmlElement& parent, std::string_view list, std::string_view name,
+                              const Visit& visit)
     {
-        const auto visitList = [&](const IXMLDOMNodePtr& list) {
-            Steps steps(CountChildren(list));
-            ForEachElement(list, name, [&](const IXMLDOMNodePtr& part) {
-                visit(part);
+        ForEachChild(parent, list, [&](const XmlElement& found) {
+            Steps steps(found.CountChildren());
+            ForEachChild(found, name, [&](const XmlElement& element) {
+                visit(element);
                 steps.Advance();
             });
             steps.Finish();
-        };
-        ForEachElement(node, L"Definition",
-                       [&](const IXMLDOMNodePtr& definition) { ForEachElement(definition, listName, visitList); });
+        });
     }
 
-    void AddPoint(const IXMLDOMNodePtr& point)
-    {
-        const std::wstring id = AttributeOf(point, L"id");
-        const std::wstring text(View(point->Gettext()));
-        const std::optional<CgPlace> place = ParsePlace(text);
-        if (!place || !place->elevation)
-        {
-            throw CommandError(L"point " + id + L" of surface \"" + m_surface.name + L"\" has no coordinates: \"" +
-                               text + L"\"");
-        }
-        m_indices.emplace(id, m_surface.points.size());
-        m_surface.points.push_back({place->northing, place->easting, *place->elevation});
-    }
+    std::wstring OfSurface() const { return L" of surface \"" + m_surface.name + L"\""; }
 
-    size_t IndexOf(std::wstring_view id) const
+    void AddPoint(const XmlElement& point)
     {
-        const auto found = m_indices.find(std::wstring(id));
-        if (found == m_indices.end())
+        const std::wstring id = point.Attribute("id");
+        const std::string text = point.Text();
+        const std::optional<VxGePoint3d> place = ParsePlace(text);
+        ++m_surface.pointCount;
+        if (!place || !HasElevation(*place))
         {
-            throw CommandError(L"a face of surface \"" + m_surface.name + L"\" names point " + std::wstring(id) +
-                               L", which the surface does not have");
-        }
-        return found->second;
-    }
-
-    void AddFace(const IXMLDOMNodePtr& face)
-    {
-        if (AttributeOf(face, L"i") == L"1")
-        {
+            Warn(m_contents, point,
+                 L"point \"" + id + L"\"" + OfSurface() + L" has no coordinates: \"" + ToWide(text) + L"\"");
             return;
         }
-        const std::wstring text(View(face->Gettext()));
-        std::vector<size_t> corners;
-        for (const std::wstring_view id : WordsOf(text))
+        if (!m_indices.Add(ToUtf8(id), static_cast<std::uint32_t>(m_surface.points.size())))
         {
-            corners.push_back(IndexOf(id));
+            Warn(m_contents, point, L"point \"" + id + L"\"" + OfSurface() + L" is defined twice");
         }
-        for (size_t index = 2; index < corners.size(); ++index)
+        m_surface.points.push_back(*place);
+    }
+
+    void AddFace(const XmlElement& face)
+    {
+        ++m_surface.faceCount;
+        if (face.Attribute("i") == L"1")
         {
-            m_surface.triangles.push_back({corners[0], corners[index - 1], corners[index]});
+            ++m_surface.invisibleFaces;
+            return;
+        }
+        m_corners.clear();
+        const std::string text = face.Text();
+        std::wstring missing;
+        ForEachWord(text, [&](std::string_view id) {
+            const std::optional<std::uint32_t> index = m_indices.Find(id);
+            missing = index || !missing.empty() ? missing : ToWide(id);
+            m_corners.push_back(index.value_or(0));
+        });
+        if (!missing.empty())
+        {
+            Warn(m_contents, face,
+                 L"a face" + OfSurface() + L" names point \"" + missing + L"\", which the surface does not have");
+            return;
+        }
+        if (m_corners.size() < 3)
+        {
+            Warn(m_contents, face, L"a face" + OfSurface() + L" has fewer than three corners: \"" + ToWide(text) + L"\"");
+            return;
+        }
+        for (size_t index = 2; index < m_corners.size(); ++index)
+        {
+            m_surface.triangles.push_back({m_corners[0], m_corners[index - 1], m_corners[index]});
         }
     }
 
+    void ReadSource(const XmlElement& source)
+    {
+        ForEachListed(source, "Breaklines", "Breakline", [this](const XmlElement& line) {
+            ++m_surface.breaklines;
+            AddLine(line, LineKind::kBreakline, L"breakline");
+        });
+        ForEachListed(source, "Boundaries", "Boundary", [this](const XmlElement& line) {
+            ++m_surface.boundaries;
+            AddLine(line, LineKind::kBoundary, L"boundary");
+        });
+        ForEachChild(source, "DataPoints", [this](const XmlElement& points) { CountDataPoints(points); });
+        ForEachChild(source, "Contours", [this](const XmlElement& contours) {
+            ForEachChild(contours, "Contour", [this](const XmlElement&) { ++m_surface.contours; });
+        });
+    }
+
+    void CountDataPoints(const XmlElement& points)
+    {
+        for (XmlElement child = points.FirstChild(); child; child = child.Next())
+        {
+            const std::optional<std::vector<VxGePoint3d>> places = PlacesOf(child);
+            m_surface.dataPoints += places ? places->size() : 0;
+        }
+    }
+
+    // The places of a list element. Returns nothing when they cannot be read, or when the element is not a list.
+    std::optional<std::vector<VxGePoint3d>> PlacesOf(const XmlElement& list)
+    {
+        if (!list.Is("PntList2D") && !list.Is("PntList3D"))
+        {
+            return std::nullopt;
+        }
+        std::optional<std::vector<VxGePoint3d>> places = ParsePlaces(list.Text(), list.Is("PntList2D") ? 2 : 3);
+        if (!places)
+        {
+            Warn(m_contents, list, L"a list of places" + OfSurface() + L" holds what is not a number, or ends within a place");
+        }
+        return places;
+    }
+
+    void AddLine(const XmlElement& element, LineKind kind, const wchar_t* what)
+    {
+        bool hasList = false;
+        for (XmlElement child = element.FirstChild(); child; child = child.Next())
+        {
+            hasList = hasList || child.Is("PntList2D") || child.Is("PntList3D");
+            if (std::optional<std::vector<VxGePoint3d>> places = PlacesOf(child))
+            {
+                m_contents.lines.push_back({kind, element.Attribute("name"), m_surface.name, std::move(*places)});
+            }
+        }
+        if (!hasList)
+        {
+            Warn(m_contents, element, std::wstring(L"a ") + what + OfSurface() + L" has no list of places");
+        }
+    }
+
+    LandXmlContents& m_contents;
     LandXmlSurface m_surface;
-    std::unordered_map<std::wstring, size_t> m_indices;
+    PointIndices m_indices;
+    std::vector<std::uint32_t> m_corners;
 };
 
 }  // namespace
 
-std::vector<LandXmlSurface> LandXmlFile::ReadSurfaces() const
+void ReadSurfaces(const XmlElement& root, LandXmlContents& contents)
 {
-    std::vector<LandXmlSurface> surfaces;
-    ForEachElement(m_root, L"Surfaces", [&surfaces](const IXMLDOMNodePtr& list) {
-        ForEachElement(list, L"Surface",
-                       [&surfaces](const IXMLDOMNodePtr& node) { surfaces.push_back(SurfaceReader(node).Take()); });
+    ForEachChild(root, "Surfaces", [&contents](const XmlElement& list) {
+        ForEachChild(list, "Surface", [&contents](const XmlElement& element) { SurfaceReader(element, contents); });
     });
-    return surfaces;
 }
 
 }  // namespace quonhost

@@ -1,25 +1,33 @@
-// Writes a survey as a LandXML 1.0 document.
+// Writes a survey as a LandXML document.
 #pragma once
 
 #include <afx.h>
 
 #include "host/landxml/Survey.h"
-#include "paths/QuonPath.h"
 
 #include <string>
 
 namespace quonhost
 {
 
-/// What a document says of itself before its data.
-struct LandXmlHeader
+enum class LandXmlUnits
 {
-    std::wstring project;     ///< the name of the project
-    bool isImperial = false;  ///< feet instead of metres
+    kMetric,
+    kFoot,
+    kSurveyFoot,
 };
 
-/// Writes the points and, when there are faces, a surface of them. The surface has the points that faces name.
-/// @throws CommandError, CString or _com_error when the file cannot be written; it may be there in part then
-void WriteLandXml(const Survey& survey, const LandXmlHeader& header, const QuonPath& path);
+/// What a document says about itself before its data.
+struct LandXmlHeader
+{
+    std::wstring project;
+    std::wstring surface = L"Ground";
+    LandXmlUnits units = LandXmlUnits::kMetric;
+    bool isVersion12 = false;  ///< LandXML 1.2 instead of 1.0
+};
+
+/// Returns the document as UTF-8: the points and, when there are faces, a surface of the points that faces name.
+/// @throws CommandError when the user wants to stop; _com_error when the parser fails
+std::string WriteLandXml(const Survey& survey, const LandXmlHeader& header);
 
 }  // namespace quonhost

@@ -9,10 +9,23 @@
 
 namespace quonhost
 {
+namespace
+{
+
+// Numbers are ASCII. Anything else becomes a character that no number has.
+std::string Narrow(std::wstring_view text)
+{
+    std::string result(text.size(), '?');
+    std::transform(text.begin(), text.end(), result.begin(),
+                   [](wchar_t ch) { return ch < 0x80 ? static_cast<char>(ch) : '?'; });
+    return result;
+}
+
+}  // namespace
 
 std::string FormatNumber(double value)
 {
-    // The fixed form of the library writes all digits of a large number, although 17 tell it from its neighbours. Its
+    // The fixed form of the library writes all digits of a large number, although 17 distinguish it from its neighbours. Its
     // scientific form has the fewest digits that do; they are put around the point here.
     char text[32] = {};
     const std::to_chars_result result = std::to_chars(text, text + sizeof(text), value, std::chars_format::scientific);
@@ -63,6 +76,22 @@ std::optional<unsigned long> ParsePointNumber(std::string_view text)
         return std::nullopt;
     }
     return number;
+}
+
+std::wstring NumberText(double value)
+{
+    const std::string text = FormatNumber(value);
+    return std::wstring(text.begin(), text.end());
+}
+
+std::optional<double> ParseNumber(std::wstring_view text)
+{
+    return ParseNumber(std::string_view(Narrow(text)));
+}
+
+std::optional<unsigned long> ParsePointNumber(std::wstring_view text)
+{
+    return ParsePointNumber(std::string_view(Narrow(text)));
 }
 
 }  // namespace quonhost

@@ -13,14 +13,24 @@ namespace quonhost
 /// The highest point number that a list of points can name.
 inline constexpr unsigned long kHighestPointNumber = 2147483647;
 
-/// The shortest text without an exponent that reads back as exactly this number, which must be finite.
+/// Returns the shortest text without an exponent that reads back as exactly this number, which must be finite.
 std::string FormatNumber(double value);
 
-/// Reads a decimal number, with a sign and an exponent if it has them. @return nothing when the text is anything else
-/// than one finite number
+/// Returns the same as wide text.
+std::wstring NumberText(double value);
+
+/// Reads a decimal number, with a sign and an exponent if it has them. Returns nothing when the text is anything else
+/// than one finite number.
 std::optional<double> ParseNumber(std::string_view text);
 
-/// Reads a point number: digits, from 1 to kHighestPointNumber; leading zeros do not count.
+/// Reads wide text likewise.
+std::optional<double> ParseNumber(std::wstring_view text);
+
+/// Reads a point number: digits, from 1 to kHighestPointNumber; leading zeros do not count. Returns nothing for any
+/// other text.
 std::optional<unsigned long> ParsePointNumber(std::string_view text);
+
+/// Reads wide text likewise.
+std::optional<unsigned long> ParsePointNumber(std::wstring_view text);
 
 }  // namespace quonhost

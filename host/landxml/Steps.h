@@ -1,4 +1,4 @@
-// The steps of a long piece of work, told to whoever watches.
+// The steps of a long piece of work, reported to the library's progress facade.
 #pragma once
 
 #include <afx.h>
@@ -9,7 +9,7 @@
 namespace quonhost
 {
 
-/// Tells the library's progress facade how far the work has come, and stops the work when the user wants it.
+/// Reports how far a piece of work is, and ends it when the user asks for that.
 class Steps
 {
 public:
@@ -18,26 +18,46 @@ public:
     /// One step is done. @throws CommandError when the user wants to stop
     void Advance()
     {
-        // The bar moves every so many steps: drawing costs more than a step.
+        // Drawing costs more than a step.
         constexpr unsigned int kStride = 512;
         if (++m_done % kStride == 0)
         {
-            ProgressSetPosition(m_done);
-            StopIfAsked();
+            Report();
         }
     }
 
+    /// So many steps are done in all. @throws CommandError when the user wants to stop
+    void MoveTo(size_t done)
+    {
+        constexpr unsigned int kStride = 1 << 16;
+        const bool isFar = done - m_done >= kStride;
+        if (isFar)
+        {
+            m_done = static_cast<unsigned int>(done);
+            Report();
+        }
+        m_last = static_cast<unsigned int>(done);
+    }
+
     /// All steps are done. @throws CommandError when the user wants to stop
-    void Finish() const
+    void Finish()
+    {
+        m_done = m_last > m_done ? m_last : m_done;
+        Report();
+    }
+
+    /// @throws CommandError when the user wants to stop
+    static void StopIfAsked() { quonhost::StopIfAsked(); }
+
+private:
+    void Report() const
     {
         ProgressSetPosition(m_done);
         StopIfAsked();
     }
 
-    static void StopIfAsked() { quonhost::StopIfAsked(); }
-
-private:
-    unsigned int m_done = 0;
+    unsigned int m_done = 0;  // as reported
+    unsigned int m_last = 0;
 };
 
 }  // namespace quonhost

@@ -1,14 +1,11 @@
 #include "host/landxml/SurveyCsv.h"
 
-#include "host/landxml/CsvText.h"
+#include "host/Console.h"
 #include "host/landxml/NumberText.h"
 #include "host/landxml/Steps.h"
 #include "host/landxml/XmlText.h"
 
-// The text is in memory already: a thread that reads ahead would have nothing to do.
-#define CSV_IO_NO_THREAD
-#include <libfccp/csv.h>
-
+#include <algorithm>
 #include <unordered_map>
 
 namespace quonhost
@@ -16,124 +13,57 @@ namespace quonhost
 namespace
 {
 
-template <unsigned int kColumns>
-using CsvParser = io::CSVReader<kColumns, io::trim_chars<' ', '\t'>, io::double_quote_escape<',', '"'>,
-                                io::throw_on_overflow, io::empty_line_comment>;
-
-// Runs `work`, which parses a line of `csv`, and tells what the parser complains about as we do.
-template <typename Parser, typename Work>
-auto Telling(const CsvText& csv, const Parser& parser, const Work& work)
+enum PointColumn : size_t
 {
-    const auto complaint = [&](const std::string& what) {
-        return LineError(csv.file, csv.LineOfFile(parser.get_file_line()), what);
-    };
-    try
-    {
-        return work();
-    }
-    catch (const io::error::too_few_columns&)
-    {
-        throw complaint("a column is missing");
-    }
-    catch (const io::error::too_many_columns&)
-    {
-        throw complaint("there is a column too many");
-    }
-    catch (const io::error::escaped_string_not_closed&)
-    {
-        throw complaint("a quote is not closed");
-    }
-    catch (const io::error::extra_column_in_header& error)
-    {
-        throw complaint("the column \"" + std::string(error.column_name) + "\" is not known");
-    }
-    catch (const io::error::duplicated_column_in_header& error)
-    {
-        throw complaint("the column \"" + std::string(error.column_name) + "\" is there twice");
-    }
-    catch (const io::error::base& error)
-    {
-        throw complaint(error.what());
-    }
-}
-
-template <unsigned int kColumns>
-void RequireColumns(const CsvText& csv, const CsvParser<kColumns>& parser,
-                    std::initializer_list<std::string_view> names)
-{
-    for (const std::string_view name : names)
-    {
-        if (!parser.has_column(std::string(name)))
-        {
-            const unsigned int line = std::max(csv.LineOfFile(parser.get_file_line()), 1U);
-            throw LineError(csv.file, line, "the column \"" + std::string(name) + "\" is missing");
-        }
-    }
-}
-
-double NumberOf(const char* text, const char* column)
-{
-    const std::optional<double> number = ParseNumber(text);
-    if (!number)
-    {
-        throw CommandError(std::string(column) + " \"" + text + "\" is no number");
-    }
-    return *number;
-}
-
-unsigned long PointNumberOf(const char* text)
-{
-    const std::optional<unsigned long> number = ParsePointNumber(text);
-    if (!number)
-    {
-        throw CommandError("\"" + std::string(text) + "\" is no point number (1 to " +
-                           std::to_string(kHighestPointNumber) + ")");
-    }
-    return *number;
-}
-
-struct PointRow
-{
-    const char* number = "";
-    const char* northing = "";
-    const char* easting = "";
-    const char* elevation = "";
-    const char* code = "";
+    kNumber,
+    kNorthing,
+    kEasting,
+    kElevation,
+    kCode,
+    kDescription,
 };
 
-SurveyPoint PointOf(const PointRow& row)
+std::wstring Quoted(std::wstring_view text)
+{
+    return L"\"" + std::wstring(text) + L"\"";
+}
+
+std::wstring TextField(const CsvReader& reader, size_t column, const wchar_t* name)
+{
+    const std::wstring text = ToWide(reader.Field(column));
+    if (!IsXmlText(text))
+    {
+        reader.Fail(std::wstring(name) + L" holds control characters");
+    }
+    return text;
+}
+
+// A number loses its leading zeros: lists know it by its value.
+std::wstring IdentifierOf(const CsvReader& reader)
+{
+    const std::wstring text = TextField(reader, kNumber, L"the point number");
+    const std::optional<unsigned long> number = ParsePointNumber(text);
+    if (!number && (text.empty() || ParseNumber(text)))
+    {
+        reader.Fail(L"a point number must be from 1 to " + std::to_wstring(kHighestPointNumber) +
+                    L", or a name: " + Quoted(text));
+    }
+    return number ? std::to_wstring(*number) : text;
+}
+
+SurveyPoint PointOf(CsvReader& reader)
 {
     SurveyPoint point;
-    point.number = PointNumberOf(row.number);
-    point.northing = NumberOf(row.northing, "northing");
-    point.easting = NumberOf(row.easting, "easting");
-    if (*row.elevation != '\0')
-    {
-        point.elevation = NumberOf(row.elevation, "elevation");
-    }
-    point.code = row.code;
-    if (!IsXmlText(point.code))
-    {
-        throw CommandError(std::string("the code is no UTF-8 text, or holds control characters"));
-    }
+    point.identifier = IdentifierOf(reader);
+    point.place.y = reader.Number(kNorthing);
+    point.place.x = reader.Number(kEasting);
+    point.place.z = reader.Field(kElevation).empty() ? kNoElevation : reader.Number(kElevation);
+    point.code = TextField(reader, kCode, L"the code");
+    point.description = TextField(reader, kDescription, L"the description");
     return point;
 }
 
-// Runs `work` on one row; what it complains about gets the place in front.
-template <typename Work>
-auto AtLine(const CsvText& csv, unsigned int line, const Work& work)
-{
-    try
-    {
-        return work();
-    }
-    catch (const CommandError& error)
-    {
-        throw LineError(csv.file, line, error.what());
-    }
-}
-
-// The points by their number.
+// The points by their numbers.
 class PointIndex
 {
 public:
@@ -142,22 +72,32 @@ public:
         m_points.reserve(points.size());
         for (const SurveyPoint& point : points)
         {
-            m_points.emplace(point.number, &point);
+            if (const std::optional<unsigned long> number = NumberOf(point))
+            {
+                m_points.emplace(*number, &point);
+            }
         }
     }
 
-    const SurveyPoint& Corner(const char* text) const
+    /// Returns the point of a corner of a face.
+    const SurveyPoint& Corner(const CsvReader& reader, size_t column, SurveyFace& face) const
     {
-        const unsigned long number = PointNumberOf(text);
-        const auto found = m_points.find(number);
+        const std::wstring text = ToWide(reader.Field(column));
+        const std::optional<unsigned long> number = ParsePointNumber(text);
+        if (!number)
+        {
+            reader.Fail(L"the face names point " + Quoted(text) + L", which is not a point number");
+        }
+        const auto found = m_points.find(*number);
         if (found == m_points.end())
         {
-            throw CommandError("the face names point " + std::to_string(number) + ", which is not among the points");
+            reader.Fail(L"the face names point " + text + L", which is not among the points");
         }
-        if (!found->second->elevation)
+        if (!HasElevation(found->second->place))
         {
-            throw CommandError("the face names point " + std::to_string(number) + ", which has no elevation");
+            reader.Fail(L"the face names point " + text + L", which has no elevation");
         }
+        face[column] = *number;
         return *found->second;
     }
 
@@ -165,82 +105,74 @@ private:
     std::unordered_map<unsigned long, const SurveyPoint*> m_points;
 };
 
-void RequireApart(const SurveyPoint& a, const SurveyPoint& b)
+void RequireApart(const CsvReader& reader, const SurveyPoint& a, const SurveyPoint& b)
 {
-    if (a.number == b.number)
+    if (&a == &b)
     {
-        throw CommandError("the face names point " + std::to_string(a.number) + " twice");
+        reader.Fail(L"the face names point " + a.identifier + L" twice");
     }
-    if (a.northing == b.northing && a.easting == b.easting)
+    if (IsSameInPlan(a.place, b.place))
     {
-        throw CommandError("the face's points " + std::to_string(a.number) + " and " + std::to_string(b.number) +
-                           " are at the same place");
+        reader.Fail(L"the face's points " + a.identifier + L" and " + b.identifier + L" are at the same place");
     }
 }
 
 }  // namespace
 
-std::vector<SurveyPoint> ParsePoints(const std::string& name, std::string text)
+std::vector<SurveyPoint> ParsePoints(const std::wstring& name, std::string bytes, const CsvFormat& format)
 {
-    const CsvText csv = PrepareCsv(name, std::move(text), {"number", "northing", "easting", "elevation", "code"});
-    CsvParser<5> parser(name, csv.text.data(), csv.text.data() + csv.text.size());
-    Telling(csv, parser, [&] {
-        parser.read_header(io::ignore_missing_column, "number", "northing", "easting", "elevation", "code");
-    });
-    RequireColumns<5>(csv, parser, {"number", "northing", "easting", "elevation"});
+    CsvReader reader(name, std::move(bytes), format,
+                     {{"number", true, "name"},
+                      {"northing", true},
+                      {"easting", true},
+                      {"elevation", true},
+                      {"code", false},
+                      {"desc", false, "description"}});
     std::vector<SurveyPoint> points;
-    std::unordered_map<unsigned long, unsigned int> lines;
-    Steps steps(csv.CountRows());
-    const auto readRow = [&](PointRow& row) {
-        return parser.read_row(row.number, row.northing, row.easting, row.elevation, row.code);
-    };
-    for (PointRow row; Telling(csv, parser, [&] { return readRow(row); }); steps.Advance())
+    std::unordered_map<std::wstring, unsigned int> lines;
+    Steps steps(reader.ByteCount());
+    while (reader.Next())
     {
-        const unsigned int line = csv.LineOfFile(parser.get_file_line());
-        points.push_back(AtLine(csv, line, [&] { return PointOf(row); }));
-        const auto [first, isNew] = lines.emplace(points.back().number, line);
+        points.push_back(PointOf(reader));
+        const auto [first, isNew] = lines.emplace(points.back().identifier, reader.Line());
         if (!isNew)
         {
-            throw LineError(name, line,
-                            "point " + std::to_string(points.back().number) + " is there already, in line " +
-                                std::to_string(first->second));
+            reader.Fail(L"point " + first->first + L" is there already, in line " + std::to_wstring(first->second));
         }
+        steps.MoveTo(reader.BytesRead());
     }
     steps.Finish();
     return points;
 }
 
-std::vector<SurveyFace> ParseFaces(const std::string& name, std::string text, const std::vector<SurveyPoint>& points)
+std::vector<SurveyFace> ParseFaces(const std::wstring& name, std::string bytes, const CsvFormat& format,
+                                   const std::vector<SurveyPoint>& points)
 {
-    const CsvText csv = PrepareCsv(name, std::move(text), {"point1", "point2", "point3"});
-    CsvParser<3> parser(name, csv.text.data(), csv.text.data() + csv.text.size());
-    Telling(csv, parser, [&] { parser.read_header(io::ignore_missing_column, "point1", "point2", "point3"); });
-    RequireColumns<3>(csv, parser, {"point1", "point2", "point3"});
+    CsvReader reader(name, std::move(bytes), format, {{"point1", true}, {"point2", true}, {"point3", true}});
     const PointIndex index(points);
     std::vector<SurveyFace> faces;
-    Steps steps(csv.CountRows());
-    std::array<const char*, 3> row = {};
-    while (Telling(csv, parser, [&] { return parser.read_row(row[0], row[1], row[2]); }))
+    Steps steps(reader.ByteCount());
+    while (reader.Next())
     {
-        faces.push_back(AtLine(csv, csv.LineOfFile(parser.get_file_line()), [&] {
-            const SurveyPoint& a = index.Corner(row[0]);
-            const SurveyPoint& b = index.Corner(row[1]);
-            const SurveyPoint& c = index.Corner(row[2]);
-            RequireApart(a, b);
-            RequireApart(b, c);
-            RequireApart(c, a);
-            return SurveyFace{a.number, b.number, c.number};
-        }));
-        steps.Advance();
+        SurveyFace face = {};
+        const SurveyPoint& a = index.Corner(reader, 0, face);
+        const SurveyPoint& b = index.Corner(reader, 1, face);
+        const SurveyPoint& c = index.Corner(reader, 2, face);
+        RequireApart(reader, a, b);
+        RequireApart(reader, b, c);
+        RequireApart(reader, c, a);
+        faces.push_back(face);
+        steps.MoveTo(reader.BytesRead());
     }
     steps.Finish();
     return faces;
 }
 
-std::string FormatPoint(const SurveyPoint& point)
+std::wstring FormatPoint(const SurveyPoint& point)
 {
-    return std::to_string(point.number) + "," + FormatNumber(point.northing) + "," + FormatNumber(point.easting) + "," +
-           (point.elevation ? FormatNumber(*point.elevation) : std::string()) + "," + QuoteField(point.code);
+    return QuoteField(point.identifier) + L"," + NumberText(point.place.y) + L"," + NumberText(point.place.x) + L"," +
+           (HasElevation(point.place) ? NumberText(point.place.z) : std::wstring()) + L"," + QuoteField(point.code) +
+           L"," + QuoteField(point.description);
 }
 
 }  // namespace quonhost

@@ -1,30 +1,40 @@
 #include "host/landxml/XmlText.h"
 
-#include <afx.h>
+#include "host/Console.h"
 
-#include <vector>
+#include <algorithm>
 
 namespace quonhost
 {
 
-bool IsXmlText(const std::string& text)
+bool IsXmlText(std::wstring_view text)
 {
-    if (text.empty())
+    return std::none_of(text.begin(), text.end(), [](wchar_t ch) { return ch < L' ' || ch >= 0xFFFE; });
+}
+
+void AppendXmlText(std::string& document, std::wstring_view text)
+{
+    for (const char ch : ToUtf8(text))
     {
-        return true;
-    }
-    const int length = static_cast<int>(text.size());
-    std::vector<wchar_t> wide(text.size());
-    const int converted =
-        ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), length, wide.data(), length);
-    for (int i = 0; i < converted; ++i)
-    {
-        if (wide[static_cast<size_t>(i)] < L' ' || wide[static_cast<size_t>(i)] >= 0xFFFE)
+        switch (ch)
         {
-            return false;
+            case '&':
+                document += "&amp;";
+                break;
+            case '<':
+                document += "&lt;";
+                break;
+            case '>':
+                document += "&gt;";
+                break;
+            case '"':
+                document += "&quot;";
+                break;
+            default:
+                document += ch;
+                break;
         }
     }
-    return converted > 0;
 }
 
 }  // namespace quonhost

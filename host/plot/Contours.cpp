@@ -10,24 +10,24 @@ namespace
 {
 
 // Always reckoned from the lower end, so that the two triangles at an edge find the same place to the last bit.
-PlotVertex PlaceAt(const PlotVertex& below, const PlotVertex& above, double level)
+VxGePoint3d PlaceAt(const VxGePoint3d& below, const VxGePoint3d& above, double level)
 {
     const double part = (level - below.z) / (above.z - below.z);
     return {below.x + part * (above.x - below.x), below.y + part * (above.y - below.y), level};
 }
 
 // An edge that a contour crosses, by its ends' indices.
-using Edge = std::pair<size_t, size_t>;
+using Edge = std::pair<std::uint32_t, std::uint32_t>;
 
 struct Crossing
 {
     Edge edge;
-    PlanPoint place;
+    VxGePoint3d place;
 };
 
-bool IsTurningLeft(const std::array<PlotVertex, 3>& corners)
+bool IsTurningLeft(const std::array<VxGePoint3d, 3>& corners)
 {
-    const PlotVertex &a = corners[0], &b = corners[1], &c = corners[2];
+    const VxGePoint3d &a = corners[0], &b = corners[1], &c = corners[2];
     return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x) > 0;
 }
 
@@ -35,16 +35,18 @@ bool IsTurningLeft(const std::array<PlotVertex, 3>& corners)
 class Pieces
 {
 public:
-    Pieces(const PlotSurface& surface, double level)
+    Pieces(const SurveySurface& surface, double level)
     {
-        for (const PlotTriangle& triangle : surface.triangles)
+        for (const SurveyTriangle& triangle : surface.triangles)
         {
-            const std::array<PlotVertex, 3> corners = CornersOf(surface, triangle);
-            const std::vector<ContourCrossing> crossings = ContourOfTriangle(corners, level);
-            if (crossings.empty())
+            const std::array<VxGePoint3d, 3> corners = CornersOf(surface, triangle);
+            // Most triangles are not crossed: they must cost little.
+            const bool isAbove = corners[0].z >= level;
+            if (isAbove == (corners[1].z >= level) && isAbove == (corners[2].z >= level))
             {
                 continue;
             }
+            const std::vector<ContourCrossing> crossings = ContourOfTriangle(corners, level);
             std::array<Crossing, 2> ends;
             for (size_t index = 0; index < ends.size(); ++index)
             {
@@ -66,7 +68,7 @@ public:
     {
         std::array<Crossing, 2> piece = m_pieces.begin()->second;
         m_pieces.erase(m_pieces.begin());
-        std::deque<PlanPoint> line = {piece[0].place, piece[1].place};
+        std::deque<VxGePoint3d> line = {piece[0].place, piece[1].place};
         for (auto next = m_pieces.find(piece[1].edge); next != m_pieces.end(); next = m_pieces.find(piece[1].edge))
         {
             piece = next->second;
@@ -83,15 +85,15 @@ private:
 // Lines that were begun in their middle are joined to those that end there.
 void JoinLines(std::vector<ContourLine>& lines)
 {
-    const auto less = [](const PlanPoint& a, const PlanPoint& b) { return a.x != b.x ? a.x < b.x : a.y < b.y; };
-    std::map<PlanPoint, size_t, decltype(less)> byStart(less);
+    const auto less = [](const VxGePoint3d& a, const VxGePoint3d& b) { return a.x != b.x ? a.x < b.x : a.y < b.y; };
+    std::map<VxGePoint3d, size_t, decltype(less)> byStart(less);
     for (size_t index = 0; index < lines.size(); ++index)
     {
         byStart.emplace(lines[index].front(), index);
     }
     for (size_t index = 0; index < lines.size(); ++index)
     {
-        while (!lines[index].empty() && lines[index].front() != lines[index].back())
+        while (!lines[index].empty() && !IsSameInPlan(lines[index].front(), lines[index].back()))
         {
             const auto next = byStart.find(lines[index].back());
             if (next == byStart.end() || next->second == index || lines[next->second].empty())
@@ -108,13 +110,13 @@ void JoinLines(std::vector<ContourLine>& lines)
 }
 
 // The part of a convex polygon on one side of a level.
-std::vector<PlotVertex> CutOff(const std::vector<PlotVertex>& polygon, double level, bool keepAbove)
+std::vector<VxGePoint3d> CutOff(const std::vector<VxGePoint3d>& polygon, double level, bool keepAbove)
 {
-    std::vector<PlotVertex> kept;
+    std::vector<VxGePoint3d> kept;
     for (size_t index = 0; index < polygon.size(); ++index)
     {
-        const PlotVertex& from = polygon[index];
-        const PlotVertex& to = polygon[(index + 1) % polygon.size()];
+        const VxGePoint3d& from = polygon[index];
+        const VxGePoint3d& to = polygon[(index + 1) % polygon.size()];
         const bool isFromAbove = from.z >= level;
         const bool isToAbove = to.z >= level;
         if (isFromAbove == keepAbove)
@@ -131,12 +133,12 @@ std::vector<PlotVertex> CutOff(const std::vector<PlotVertex>& polygon, double le
 
 }  // namespace
 
-std::array<PlotVertex, 3> CornersOf(const PlotSurface& surface, const PlotTriangle& triangle)
+std::array<VxGePoint3d, 3> CornersOf(const SurveySurface& surface, const SurveyTriangle& triangle)
 {
-    return {surface.vertices[triangle[0]], surface.vertices[triangle[1]], surface.vertices[triangle[2]]};
+    return {surface.points[triangle[0]], surface.points[triangle[1]], surface.points[triangle[2]]};
 }
 
-std::vector<ContourCrossing> ContourOfTriangle(const std::array<PlotVertex, 3>& corners, double level)
+std::vector<ContourCrossing> ContourOfTriangle(const std::array<VxGePoint3d, 3>& corners, double level)
 {
     std::vector<ContourCrossing> crossings;
     for (size_t from = 0; from < corners.size(); ++from)
@@ -149,8 +151,8 @@ std::vector<ContourCrossing> ContourOfTriangle(const std::array<PlotVertex, 3>& 
         }
         const size_t below = isFromAbove ? to : from;
         const size_t above = isFromAbove ? from : to;
-        const PlotVertex place = PlaceAt(corners[below], corners[above], level);
-        crossings.push_back({below, above, {place.x, place.y}});
+        const VxGePoint3d place = PlaceAt(corners[below], corners[above], level);
+        crossings.push_back({below, above, place});
         // The way up comes first.
         if (crossings.size() == 2 && !isFromAbove)
         {
@@ -160,7 +162,7 @@ std::vector<ContourCrossing> ContourOfTriangle(const std::array<PlotVertex, 3>& 
     return crossings;
 }
 
-std::vector<ContourLine> TraceContours(const PlotSurface& surface, double level)
+std::vector<ContourLine> TraceContours(const SurveySurface& surface, double level)
 {
     Pieces pieces(surface, level);
     std::vector<ContourLine> lines;
@@ -171,16 +173,16 @@ std::vector<ContourLine> TraceContours(const PlotSurface& surface, double level)
     JoinLines(lines);
     // A piece without length says nothing: the level only touches a corner there.
     std::erase_if(lines, [](const ContourLine& line) {
-        return std::all_of(line.begin(), line.end(), [&](const PlanPoint& p) { return p == line[0]; });
+        return std::all_of(line.begin(), line.end(), [&](const VxGePoint3d& p) { return IsSameInPlan(p, line[0]); });
     });
     return lines;
 }
 
-std::vector<PlotVertex> ClipToBand(const std::array<PlotVertex, 3>& corners, double low, double high)
+std::vector<VxGePoint3d> ClipToBand(const std::array<VxGePoint3d, 3>& corners, double low, double high)
 {
-    const std::vector<PlotVertex> upper = CutOff({corners.begin(), corners.end()}, low, true);
-    std::vector<PlotVertex> band = CutOff(upper, high, false);
-    return band.size() < 3 ? std::vector<PlotVertex>() : band;
+    const std::vector<VxGePoint3d> upper = CutOff({corners.begin(), corners.end()}, low, true);
+    std::vector<VxGePoint3d> band = CutOff(upper, high, false);
+    return band.size() < 3 ? std::vector<VxGePoint3d>() : band;
 }
 
 }  // namespace quonhost

@@ -54,18 +54,18 @@ void DrawNorthArrow(SvgWriter& svg, double x, double top)
     right.End(true);
     svg.Path(left, "fill=\"#222\" stroke=\"#222\" stroke-width=\"8\" stroke-linejoin=\"round\"");
     svg.Path(right, "fill=\"#fff\" stroke=\"#222\" stroke-width=\"8\" stroke-linejoin=\"round\"");
-    svg.Text(x, top + 50, "N", "text-anchor=\"middle\" font-size=\"14\" font-weight=\"bold\"");
+    svg.Text(x, top + 50, L"N", "text-anchor=\"middle\" font-size=\"14\" font-weight=\"bold\"");
 }
 
-std::string WithUnit(const std::string& text, const std::string& unit)
+std::wstring WithUnit(const std::wstring& text, const std::wstring& unit)
 {
-    return unit.empty() ? text : text + ' ' + unit;
+    return unit.empty() ? text : text + L' ' + unit;
 }
 
 // The bands from the highest down, and the elevations beside them, as many as there is room for.
-double DrawRamp(SvgWriter& svg, double left, double top, const PlotLevels& levels, const std::string& unit)
+double DrawRamp(SvgWriter& svg, double left, double top, const PlotLevels& levels, const std::wstring& unit)
 {
-    svg.Text(left, top, unit.empty() ? "Elevation" : "Elevation (" + unit + ")", "font-weight=\"bold\"");
+    svg.Text(left, top, unit.empty() ? L"Elevation" : L"Elevation (" + unit + L")", "font-weight=\"bold\"");
     const double rampTop = top + kLegendTitle - 6;
     const double scale = levels.high > levels.low ? kRampHeight / (levels.high - levels.low) : 0;
     const auto toY = [&](double level) { return rampTop + (levels.high - level) * scale; };
@@ -91,30 +91,52 @@ double DrawRamp(SvgWriter& svg, double left, double top, const PlotLevels& level
     return rampTop + height + kLegendTitle;
 }
 
-double DrawContourKey(SvgWriter& svg, double left, double top, const PlotLevels& levels, const std::string& unit)
+double DrawContourKey(SvgWriter& svg, double left, double top, const PlotLevels& levels, const std::wstring& unit)
 {
-    svg.Text(left, top + 4, "Contours", "font-weight=\"bold\"");
+    svg.Text(left, top + 4, L"Contours", "font-weight=\"bold\"");
     const int decimals = DecimalsOf(levels.step);
     const double y = top + kLegendTitle;
     svg.Line(left, y, left + kRampWidth, y, "stroke=\"#6b4524\" stroke-width=\".7\"");
-    svg.Text(left + kRampWidth + 8, y + 4, "every " + WithUnit(FormatFixed(levels.step, decimals), unit));
+    svg.Text(left + kRampWidth + 8, y + 4, L"every " + WithUnit(FormatFixed(levels.step, decimals), unit));
     svg.Line(left, y + kLegendRow, left + kRampWidth, y + kLegendRow, "stroke=\"#4a2c12\" stroke-width=\"1.5\"");
     svg.Text(left + kRampWidth + 8, y + kLegendRow + 4,
-             "every " + WithUnit(FormatFixed(5 * levels.step, decimals), unit));
+             L"every " + WithUnit(FormatFixed(5 * levels.step, decimals), unit));
     return y + kLegendRow + 2 * kLegendTitle;
 }
 
 double DrawSymbolKey(SvgWriter& svg, double left, double top, const std::vector<PointKind>& kinds)
 {
-    svg.Text(left, top, "Points", "font-weight=\"bold\"");
+    svg.Text(left, top, L"Points", "font-weight=\"bold\"");
     double y = top + kLegendTitle;
     for (const PointKind& kind : kinds)
     {
         SvgPath path;
         AddSymbol(path, kind.shape, left + kRampWidth / 2, y - 4, 3.5);
         svg.Path(path, PaintOf(kind));
-        const std::string name = kind.code.empty() ? "no code" : kind.code;
-        svg.Text(left + kRampWidth + 8, y, name + " (" + std::to_string(kind.points.size()) + ")");
+        const std::wstring name = kind.code.empty() ? L"no code" : kind.code;
+        svg.Text(left + kRampWidth + 8, y, name + L" (" + std::to_wstring(kind.points.size()) + L")");
+        y += kLegendRow;
+    }
+    return y;
+}
+
+double DrawLineKey(SvgWriter& svg, double left, double top, const std::vector<SurveyLine>& lines)
+{
+    svg.Text(left, top, L"Lines", "font-weight=\"bold\"");
+    double y = top + kLegendTitle;
+    for (const LineStyle& style : LineStyles())
+    {
+        const size_t count = CountLines(lines, style.kind);
+        if (count == 0)
+        {
+            continue;
+        }
+        SvgPath path;
+        path.Begin(left, y - 4);
+        path.LineTo(left + kRampWidth, y - 4);
+        path.End(false);
+        svg.Path(path, PaintOf(style));
+        svg.Text(left + kRampWidth + 8, y, std::wstring(style.name) + L" (" + std::to_wstring(count) + L")");
         y += kLegendRow;
     }
     return y;
@@ -124,11 +146,11 @@ double DrawSymbolKey(SvgWriter& svg, double left, double top, const std::vector<
 
 void DrawGrid(SvgWriter& svg, const PlotFrame& frame)
 {
-    const PlotExtents& extents = frame.GetExtents();
-    const double step = NiceStep(extents.Longest(), kGridSteps);
+    const SurveyExtents& extents = frame.GetExtents();
+    const double step = NiceStep(extents.LongestSide(), kGridSteps);
     const int decimals = DecimalsOf(step);
-    const std::vector<double> eastings = MultiplesWithin(extents.minX, extents.maxX, step, kMostGridLines);
-    const std::vector<double> northings = MultiplesWithin(extents.minY, extents.maxY, step, kMostGridLines);
+    const std::vector<double> eastings = MultiplesWithin(extents.lowest.x, extents.highest.x, step, kMostGridLines);
+    const std::vector<double> northings = MultiplesWithin(extents.lowest.y, extents.highest.y, step, kMostGridLines);
     DrawCrosses(svg, frame, eastings, northings);
     svg.Rectangle(frame.Left(), frame.Top(), frame.Width(), frame.Height(), std::string("fill=\"none\" ") + kInk);
     svg.BeginGroup("font-size=\"10\" text-anchor=\"middle\"");
@@ -136,19 +158,19 @@ void DrawGrid(SvgWriter& svg, const PlotFrame& frame)
     {
         const double x = frame.ToX(easting);
         svg.Line(x, frame.Bottom(), x, frame.Bottom() + 5, kInk);
-        svg.Text(x, frame.Bottom() + 16, FormatFixed(easting, decimals) + " E");
+        svg.Text(x, frame.Bottom() + 16, FormatFixed(easting, decimals) + L" E");
     }
     for (const double northing : northings)
     {
         const double y = frame.ToY(northing), x = frame.Left() - 8;
         svg.Line(frame.Left() - 5, y, frame.Left(), y, kInk);
-        svg.Text(x, y, FormatFixed(northing, decimals) + " N",
+        svg.Text(x, y, FormatFixed(northing, decimals) + L" N",
                  "transform=\"rotate(-90 " + Pixels(x) + ' ' + Pixels(y) + ")\"");
     }
     svg.EndGroup();
 }
 
-void DrawScaleBar(SvgWriter& svg, const PlotFrame& frame, const std::string& unit)
+void DrawScaleBar(SvgWriter& svg, const PlotFrame& frame, const std::wstring& unit)
 {
     constexpr int kParts = 4;
     const double whole = ScaleBarLength(frame.Width() / frame.GetPixelsPerUnit());
@@ -162,26 +184,29 @@ void DrawScaleBar(SvgWriter& svg, const PlotFrame& frame, const std::string& uni
     svg.BeginGroup("font-size=\"10\" text-anchor=\"middle\"");
     for (const double share : {0.0, 0.5, 1.0})
     {
-        const std::string text = FormatFixed(share * whole, DecimalsOf(whole / 2));
+        const std::wstring text = FormatFixed(share * whole, DecimalsOf(whole / 2));
         svg.Text(frame.Left() + share * kParts * part, top + 18, share < 1 ? text : WithUnit(text, unit));
     }
     svg.EndGroup();
 }
 
-double DrawLegend(SvgWriter& svg, double left, double top, const PlotLevels* levels,
-                  const std::vector<PointKind>& kinds, const std::string& unit)
+double DrawLegend(SvgWriter& svg, double left, double top, const LegendContents& contents)
 {
     DrawNorthArrow(svg, left + kRampWidth / 2, top);
     double y = top + 80;
-    if (levels != nullptr)
+    if (contents.levels != nullptr)
     {
-        y = DrawRamp(svg, left, y, *levels, unit);
-        if (levels->hasContours)
+        y = DrawRamp(svg, left, y, *contents.levels, contents.unit);
+        if (contents.levels->hasContours)
         {
-            y = DrawContourKey(svg, left, y, *levels, unit);
+            y = DrawContourKey(svg, left, y, *contents.levels, contents.unit);
         }
     }
-    return kinds.empty() ? y : DrawSymbolKey(svg, left, y, kinds);
+    if (!contents.lines.empty())
+    {
+        y = DrawLineKey(svg, left, y, contents.lines) + kLegendTitle / 2;
+    }
+    return contents.kinds.empty() ? y : DrawSymbolKey(svg, left, y, contents.kinds);
 }
 
 }  // namespace quonhost

@@ -77,13 +77,13 @@ int DecimalsOf(double step)
     return kMostDecimals;
 }
 
-std::string FormatFixed(double value, int decimals)
+std::wstring FormatFixed(double value, int decimals)
 {
     char text[400] = {};
     const std::to_chars_result result =
         std::to_chars(text, text + sizeof(text), value, std::chars_format::fixed, decimals);
-    const std::string number(text, result.ptr);
-    return number.find_first_of("123456789") == std::string::npos && number[0] == '-' ? number.substr(1) : number;
+    const std::wstring number(text, result.ptr);
+    return number.find_first_of(L"123456789") == std::wstring::npos && number[0] == L'-' ? number.substr(1) : number;
 }
 
 }  // namespace quonhost

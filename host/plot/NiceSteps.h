@@ -23,6 +23,6 @@ std::vector<double> MultiplesWithin(double low, double high, double step, size_t
 int DecimalsOf(double step);
 
 /// A number with so many decimals and a point, whatever the locale; zero has no sign.
-std::string FormatFixed(double value, int decimals);
+std::wstring FormatFixed(double value, int decimals);
 
 }  // namespace quonhost

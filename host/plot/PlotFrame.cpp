@@ -14,10 +14,10 @@ constexpr double kMargin = 0.03;
 // A map is at most so many times as long as wide: the rest of a narrow site's map stays empty.
 constexpr double kMostSlender = 5;
 
-// The least length that two coordinates of this size can be told apart at in a picture.
-double LeastSpan(const PlotExtents& site)
+// The smallest length at which two coordinates of this size differ in a picture.
+double LeastSpan(const SurveyExtents& site)
 {
-    const double size = std::max({std::abs(site.minX), std::abs(site.maxX), std::abs(site.minY), std::abs(site.maxY)});
+    const double size = std::max({std::abs(site.lowest.x), std::abs(site.highest.x), std::abs(site.lowest.y), std::abs(site.highest.y)});
     return std::max(1e-3, size * 1e-9);
 }
 
@@ -31,49 +31,45 @@ void Widen(double& low, double& high, double span)
     }
 }
 
-PlotExtents WithMargin(PlotExtents site)
+SurveyExtents WithMargin(SurveyExtents site)
 {
-    const double longest = site.Longest() > LeastSpan(site) ? site.Longest() : 1;
-    Widen(site.minX, site.maxX, longest / kMostSlender);
-    Widen(site.minY, site.maxY, longest / kMostSlender);
+    const double longest = site.LongestSide() > LeastSpan(site) ? site.LongestSide() : 1;
+    Widen(site.lowest.x, site.highest.x, longest / kMostSlender);
+    Widen(site.lowest.y, site.highest.y, longest / kMostSlender);
     const double margin = kMargin * longest;
-    return {site.minX - margin, site.minY - margin, site.maxX + margin, site.maxY + margin};
+    site.lowest = {site.lowest.x - margin, site.lowest.y - margin, site.lowest.z};
+    site.highest = {site.highest.x + margin, site.highest.y + margin, site.highest.z};
+    return site;
 }
 
 }  // namespace
 
-double PlotExtents::Longest() const
+std::optional<SurveyExtents> ExtentsOf(const PlotModel& model)
 {
-    return std::max(maxX - minX, maxY - minY);
-}
-
-std::optional<PlotExtents> ExtentsOf(const PlotModel& model)
-{
-    std::optional<PlotExtents> extents;
-    const auto add = [&extents](double x, double y) {
-        if (!extents)
-        {
-            extents = {x, y, x, y};
-        }
-        extents = {std::min(extents->minX, x), std::min(extents->minY, y), std::max(extents->maxX, x),
-                   std::max(extents->maxY, y)};
-    };
-    for (const PlotPoint& point : model.points)
+    ExtentsCollector extents;
+    for (const SurveyPoint& point : model.points)
     {
-        add(point.x, point.y);
+        extents.Add(point.place);
     }
-    for (const PlotTriangle& triangle : model.surface.triangles)
+    for (const SurveyTriangle& triangle : model.surface.triangles)
     {
-        for (const size_t corner : triangle)
+        for (const std::uint32_t corner : triangle)
         {
-            add(model.surface.vertices[corner].x, model.surface.vertices[corner].y);
+            extents.Add(model.surface.points[corner]);
         }
     }
-    return extents;
+    for (const SurveyLine& line : model.lines)
+    {
+        for (const VxGePoint3d& place : line.places)
+        {
+            extents.Add(place);
+        }
+    }
+    return extents.Get();
 }
 
-PlotFrame::PlotFrame(const PlotExtents& site, double size, double left, double top)
-    : m_extents(WithMargin(site)), m_scale(size / m_extents.Longest()), m_left(left), m_top(top)
+PlotFrame::PlotFrame(const SurveyExtents& site, double size, double left, double top)
+    : m_extents(WithMargin(site)), m_scale(size / m_extents.LongestSide()), m_left(left), m_top(top)
 {
 }
 

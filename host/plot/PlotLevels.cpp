@@ -21,8 +21,8 @@ std::vector<double> ContoursOf(const PlotLevels& levels)
     const std::vector<double> contours = MultiplesWithin(levels.low, levels.high, levels.step, kMostContours);
     if (contours.empty() && levels.high - levels.low >= levels.step)
     {
-        throw CommandError("contours every " + FormatFixed(levels.step, DecimalsOf(levels.step)) +
-                           " would be more than " + std::to_string(kMostContours));
+        throw CommandError(std::wstring_view(L"contours every " + FormatFixed(levels.step, DecimalsOf(levels.step)) +
+                                             L" would be more than " + std::to_wstring(kMostContours)));
     }
     return contours;
 }
@@ -62,20 +62,20 @@ PlotColour PlotLevels::TintOfBand(size_t band) const
     return TintOf(high > low ? (middle - low) / (high - low) : 0.5);
 }
 
-std::optional<PlotLevels> LevelsOf(const PlotSurface& surface, std::optional<double> step)
+std::optional<PlotLevels> LevelsOf(const SurveySurface& surface, std::optional<double> step)
 {
     if (surface.triangles.empty())
     {
         return std::nullopt;
     }
     PlotLevels levels;
-    levels.low = levels.high = surface.vertices[surface.triangles[0][0]].z;
-    for (const PlotTriangle& triangle : surface.triangles)
+    levels.low = levels.high = surface.points[surface.triangles[0][0]].z;
+    for (const SurveyTriangle& triangle : surface.triangles)
     {
-        for (const size_t corner : triangle)
+        for (const std::uint32_t corner : triangle)
         {
-            levels.low = std::min(levels.low, surface.vertices[corner].z);
-            levels.high = std::max(levels.high, surface.vertices[corner].z);
+            levels.low = std::min(levels.low, surface.points[corner].z);
+            levels.high = std::max(levels.high, surface.points[corner].z);
         }
     }
     const bool isFlat = !(levels.high > levels.low);

@@ -17,7 +17,7 @@ struct PlotLevels
     std::vector<double> contours;  ///< ascending
     std::vector<double> tints;     ///< the limits of the bands, ascending: each band ends below the next limit
 
-    /// Whether a contour is one of every five, drawn heavier and told its elevation.
+    /// Whether a contour is one of every five, drawn heavier and with its elevation.
     bool IsIndex(double contour) const;
 
     size_t CountBands() const { return tints.size() - 1; }
@@ -27,7 +27,7 @@ struct PlotLevels
 
 /// @param step as in PlotOptions
 /// @return nothing for a surface without triangles
-/// @throws CommandError when the contours would be too many to be told apart
-std::optional<PlotLevels> LevelsOf(const PlotSurface& surface, std::optional<double> step);
+/// @throws CommandError when the contours would be too many to be distinguished
+std::optional<PlotLevels> LevelsOf(const SurveySurface& surface, std::optional<double> step);
 
 }  // namespace quonhost

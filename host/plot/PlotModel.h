@@ -3,7 +3,8 @@
 
 #include <afx.h>
 
-#include <array>
+#include "host/landxml/LandXmlContents.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,39 +12,13 @@
 namespace quonhost
 {
 
-/// A place of the ground: x is the easting, y the northing, z the elevation.
-struct PlotVertex
-{
-    double x = 0;
-    double y = 0;
-    double z = 0;
-};
-
-/// The indices of a triangle's corners among the vertices of its surface.
-using PlotTriangle = std::array<size_t, 3>;
-
-struct PlotSurface
-{
-    std::string name;  ///< UTF-8
-    std::vector<PlotVertex> vertices;
-    std::vector<PlotTriangle> triangles;
-};
-
-struct PlotPoint
-{
-    std::string name;  ///< UTF-8
-    std::string code;  ///< UTF-8; may be empty
-    double x = 0;
-    double y = 0;
-    std::optional<double> z;
-};
-
 struct PlotModel
 {
-    std::string title;  ///< UTF-8
-    std::string unit;   ///< of lengths, such as "m"; may be empty
-    std::vector<PlotPoint> points;
-    PlotSurface surface;
+    std::wstring title;
+    std::wstring unit;  ///< of lengths, such as "m"; may be empty
+    std::vector<SurveyPoint> points;
+    SurveySurface surface;
+    std::vector<SurveyLine> lines;
 };
 
 /// What is written beside a point.

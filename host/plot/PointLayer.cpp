@@ -3,6 +3,7 @@
 #include "host/plot/NiceSteps.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 namespace quonhost
@@ -26,12 +27,22 @@ enum Shape : size_t
     kCross,
 };
 
-// One for each kind; the last is for the rest.
-constexpr Look kLooks[] = {
-    {"#222222", kCircle}, {"#1f4fa3", kSquare},   {"#b3261e", kTriangle}, {"#6a1b9a", kDiamond}, {"#00695c", kPlus},
-    {"#ad1457", kCross},  {"#0277bd", kTriangle}, {"#8d4e00", kSquare},   {"#555555", kCircle},
-};
-constexpr size_t kLookCount = sizeof(kLooks) / sizeof(kLooks[0]);
+constexpr const char* kColours[] = {"#222222", "#1f4fa3", "#c62828", "#6a1b9a", "#00695c", "#d81b9c", "#0288d1", "#9a5200"};
+constexpr size_t kColourCount = sizeof(kColours) / sizeof(kColours[0]);
+constexpr size_t kShapeOfRound[] = {kCircle, kSquare, kTriangle, kDiamond, kPlus, kCross};
+constexpr size_t kShapeCount = sizeof(kShapeOfRound) / sizeof(kShapeOfRound[0]);
+
+// Codes beyond so many share a look: a longer legend would be longer than the map.
+constexpr size_t kMostKinds = 32;
+
+// Neighbours in the legend differ in both, and no two kinds share both.
+Look LookOf(size_t index)
+{
+    return {kColours[index % kColourCount], kShapeOfRound[(index % kColourCount + index / kColourCount) % kShapeCount]};
+}
+
+// More points than these have no room for a symbol each.
+constexpr size_t kMostWithSymbols = 5000;
 
 // The width of a character of a label, at most, in pixels.
 constexpr double kCharacterWidth = 5.2;
@@ -54,26 +65,19 @@ void AddStroke(SvgPath& path, double x1, double y1, double x2, double y2)
     path.End(false);
 }
 
-// The number of characters, not bytes.
-size_t LengthOf(const std::string& text)
+std::wstring LabelOf(const SurveyPoint& point, PlotLabels labels)
 {
-    return static_cast<size_t>(std::count_if(text.begin(), text.end(),
-                                             [](char ch) { return (static_cast<unsigned char>(ch) & 0xC0) != 0x80; }));
-}
-
-std::string LabelOf(const PlotPoint& point, PlotLabels labels)
-{
-    const std::string elevation = point.z ? FormatFixed(*point.z, 2) : "";
+    const std::wstring elevation = HasElevation(point.place) ? FormatFixed(point.place.z, 2) : L"";
     switch (labels)
     {
         case PlotLabels::kNumber:
-            return point.name;
+            return point.identifier;
         case PlotLabels::kElevation:
             return elevation;
         case PlotLabels::kBoth:
-            return elevation.empty() ? point.name : point.name + " \xC2\xB7 " + elevation;
+            return elevation.empty() ? point.identifier : point.identifier + L" \u00B7 " + elevation;
         default:
-            return "";
+            return L"";
     }
 }
 
@@ -91,9 +95,9 @@ constexpr LabelPlace kPlaces[] = {
     {-1, 1, "end"},
 };
 
-bool DrawLabel(SvgWriter& svg, double x, double y, const std::string& text, double gap, LabelLayout& layout)
+void DrawLabel(SvgWriter& svg, double x, double y, const std::wstring& text, double gap, LabelLayout& layout)
 {
-    const double width = kCharacterWidth * static_cast<double>(LengthOf(text));
+    const double width = kCharacterWidth * static_cast<double>(text.size());
     for (const LabelPlace& place : kPlaces)
     {
         const double at = x + place.right * gap;
@@ -102,18 +106,17 @@ bool DrawLabel(SvgWriter& svg, double x, double y, const std::string& text, doub
         if (layout.Take({left, base - kLineHeight + 2, left + width, base + 1}))
         {
             svg.Text(at, base, text, place.right > 0 ? "" : std::string("text-anchor=\"") + place.anchor + '"');
-            return true;
+            return;
         }
     }
-    return false;
 }
 
 }  // namespace
 
-std::vector<PointKind> KindsOf(const std::vector<PlotPoint>& points)
+std::vector<PointKind> KindsOf(const std::vector<SurveyPoint>& points)
 {
-    std::map<std::string, std::vector<const PlotPoint*>> byCode;
-    for (const PlotPoint& point : points)
+    std::map<std::wstring, std::vector<const SurveyPoint*>> byCode;
+    for (const SurveyPoint& point : points)
     {
         byCode[point.code].push_back(&point);
     }
@@ -124,19 +127,19 @@ std::vector<PointKind> KindsOf(const std::vector<PlotPoint>& points)
     }
     std::stable_sort(kinds.begin(), kinds.end(),
                      [](const PointKind& a, const PointKind& b) { return a.points.size() > b.points.size(); });
+    for (size_t index = kMostKinds; index < kinds.size(); ++index)
+    {
+        PointKind& rest = kinds[kMostKinds - 1];
+        rest.code = L"others";
+        rest.points.insert(rest.points.end(), kinds[index].points.begin(), kinds[index].points.end());
+    }
+    kinds.resize(std::min(kinds.size(), kMostKinds));
     for (size_t index = 0; index < kinds.size(); ++index)
     {
-        const Look& look = kLooks[std::min(index, kLookCount - 1)];
+        const Look look = LookOf(index);
         kinds[index].colour = look.colour;
         kinds[index].shape = look.shape;
     }
-    for (size_t index = kLookCount; index < kinds.size(); ++index)
-    {
-        PointKind& rest = kinds[kLookCount - 1];
-        rest.code = "others";
-        rest.points.insert(rest.points.end(), kinds[index].points.begin(), kinds[index].points.end());
-    }
-    kinds.resize(std::min(kinds.size(), kLookCount));
     return kinds;
 }
 
@@ -180,53 +183,140 @@ void AddSymbol(SvgPath& path, size_t shape, double x, double y, double r)
 std::string PaintOf(const PointKind& kind)
 {
     const bool isStroke = kind.shape == kPlus || kind.shape == kCross;
+    // The outline is painted first: it must not cover neighbours.
     return isStroke ? "fill=\"none\" stroke=\"" + kind.colour + "\" stroke-width=\"12\""
-                    : "fill=\"" + kind.colour + "\" stroke=\"#fff\" stroke-width=\"5\"";
+                    : "fill=\"" + kind.colour + "\" stroke=\"#fff\" stroke-width=\"8\" paint-order=\"stroke\"";
 }
 
-void DrawPoints(SvgWriter& svg, const PlotFrame& frame, const std::vector<PointKind>& kinds, double radius,
-                LabelLayout& layout)
+double SymbolRadius(size_t points)
 {
-    // Among more points than these no text has a place of its own.
-    constexpr size_t kMostKeptFree = 5000;
+    return points <= 600 ? 2.6 : points <= kMostWithSymbols ? 1.8 : 2.2;
+}
+
+namespace
+{
+
+size_t CountPoints(const std::vector<PointKind>& kinds)
+{
     size_t count = 0;
     for (const PointKind& kind : kinds)
     {
         count += kind.points.size();
     }
-    for (const PointKind& kind : kinds)
+    return count;
+}
+
+// A dot of a pixel for every point; one dot where several points of a kind share a pixel.
+void DrawDots(SvgWriter& svg, const PlotFrame& frame, const PointKind& kind)
+{
+    const auto width = static_cast<size_t>(frame.Width()) + 2, height = static_cast<size_t>(frame.Height()) + 2;
+    std::vector<bool> isDrawn(width * height);
+    SvgPath path;
+    for (const SurveyPoint* const point : kind.points)
     {
-        SvgPath path;
-        for (const PlotPoint* const point : kind.points)
+        const double x = std::floor(frame.ToX(point->place.x) - frame.Left());
+        const double y = std::floor(frame.ToY(point->place.y) - frame.Top());
+        const size_t pixel = static_cast<size_t>(y) * width + static_cast<size_t>(x);
+        if (isDrawn[pixel])
         {
-            const double x = frame.ToX(point->x), y = frame.ToY(point->y);
-            AddSymbol(path, kind.shape, x, y, radius);
-            if (count <= kMostKeptFree)
+            continue;
+        }
+        isDrawn[pixel] = true;
+        const double left = frame.Left() + x, top = frame.Top() + y;
+        AddPolygon(path, {{left, top}, {left + 1, top}, {left + 1, top + 1}, {left, top + 1}});
+    }
+    svg.Path(path, "fill=\"" + kind.colour + '"');
+}
+
+// Symbols that do not touch each other: the rarest kinds choose first, and none goes without.
+std::vector<std::vector<const SurveyPoint*>> ThinnedOut(const PlotFrame& frame, const std::vector<PointKind>& kinds,
+                                                        double radius)
+{
+    constexpr double kGap = 2.4;
+    LabelLayout symbols({frame.Left(), frame.Top(), frame.Right(), frame.Bottom()});
+    std::vector<std::vector<const SurveyPoint*>> chosen(kinds.size());
+    const double reach = radius + kGap;
+    for (size_t index = kinds.size(); index-- > 0;)
+    {
+        for (const SurveyPoint* const point : kinds[index].points)
+        {
+            const double x = frame.ToX(point->place.x), y = frame.ToY(point->place.y);
+            const LabelBox box = {x - reach, y - reach, x + reach, y + reach};
+            if (symbols.Take(box))
             {
-                layout.Block({x - radius, y - radius, x + radius, y + radius});
+                chosen[index].push_back(point);
             }
         }
-        svg.Path(path, PaintOf(kind));
+        if (chosen[index].empty())
+        {
+            chosen[index].push_back(kinds[index].points[0]);
+        }
+    }
+    return chosen;
+}
+
+void DrawSymbols(SvgWriter& svg, const PlotFrame& frame, const PointKind& kind,
+                 const std::vector<const SurveyPoint*>& points, double radius)
+{
+    SvgPath path;
+    for (const SurveyPoint* const point : points)
+    {
+        AddSymbol(path, kind.shape, frame.ToX(point->place.x), frame.ToY(point->place.y), radius);
+    }
+    const bool isStroke = kind.shape == kPlus || kind.shape == kCross;
+    if (isStroke)
+    {
+        svg.Path(path, "fill=\"none\" stroke=\"#fff\" stroke-width=\"26\"");
+    }
+    svg.Path(path, PaintOf(kind));
+}
+
+}  // namespace
+
+void DrawPoints(SvgWriter& svg, const PlotFrame& frame, const std::vector<PointKind>& kinds, LabelLayout& layout)
+{
+    const size_t count = CountPoints(kinds);
+    const double radius = SymbolRadius(count);
+    if (count > kMostWithSymbols)
+    {
+        const std::vector<std::vector<const SurveyPoint*>> chosen = ThinnedOut(frame, kinds, radius);
+        for (const PointKind& kind : kinds)
+        {
+            DrawDots(svg, frame, kind);
+        }
+        for (size_t index = 0; index < kinds.size(); ++index)
+        {
+            DrawSymbols(svg, frame, kinds[index], chosen[index], radius);
+        }
+        return;
+    }
+    for (const PointKind& kind : kinds)
+    {
+        DrawSymbols(svg, frame, kind, kind.points, radius);
+        for (const SurveyPoint* const point : kind.points)
+        {
+            const double x = frame.ToX(point->place.x), y = frame.ToY(point->place.y);
+            layout.Block({x - radius, y - radius, x + radius, y + radius});
+        }
     }
 }
 
-size_t DrawLabels(SvgWriter& svg, const PlotFrame& frame, const std::vector<PlotPoint>& points, PlotLabels labels,
-                  double radius, LabelLayout& layout)
+void DrawLabels(SvgWriter& svg, const PlotFrame& frame, const std::vector<SurveyPoint>& points, PlotLabels labels,
+                LabelLayout& layout)
 {
-    size_t left = 0;
+    const double gap = SymbolRadius(points.size()) + 0.6;
     svg.BeginGroup(
         "font-size=\"8.5\" stroke=\"#fff\" stroke-opacity=\".7\" stroke-width=\"2\" stroke-linejoin=\"round\" "
         "paint-order=\"stroke\"");
-    for (const PlotPoint& point : points)
+    for (const SurveyPoint& point : points)
     {
-        const std::string text = LabelOf(point, labels);
-        if (!text.empty() && !DrawLabel(svg, frame.ToX(point.x), frame.ToY(point.y), text, radius + 0.6, layout))
+        const std::wstring text = LabelOf(point, labels);
+        if (!text.empty())
         {
-            ++left;
+            DrawLabel(svg, frame.ToX(point.place.x), frame.ToY(point.place.y), text, gap, layout);
         }
     }
     svg.EndGroup();
-    return left;
 }
 
 }  // namespace quonhost

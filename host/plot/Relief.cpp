@@ -24,23 +24,23 @@ struct Vector
 constexpr Vector kLight = {-0.5, 0.5, 0.70710678118654752};
 
 // Twice the area of a triangle, as a vector that points up from its plane.
-Vector NormalOf(const std::array<PlotVertex, 3>& corners)
+Vector NormalOf(const std::array<VxGePoint3d, 3>& corners)
 {
-    const PlotVertex &a = corners[0], &b = corners[1], &c = corners[2];
+    const VxGePoint3d &a = corners[0], &b = corners[1], &c = corners[2];
     const Vector ab = {b.x - a.x, b.y - a.y, b.z - a.z};
     const Vector ac = {c.x - a.x, c.y - a.y, c.z - a.z};
     const Vector normal = {ab.y * ac.z - ab.z * ac.y, ab.z * ac.x - ab.x * ac.z, ab.x * ac.y - ab.y * ac.x};
     return normal.z < 0 ? Vector{-normal.x, -normal.y, -normal.z} : normal;
 }
 
-std::vector<Vector> TriangleNormals(const PlotSurface& surface)
+std::vector<Vector> TriangleNormals(const SurveySurface& surface)
 {
     std::vector<Vector> normals;
     normals.reserve(surface.triangles.size());
-    for (const PlotTriangle& triangle : surface.triangles)
+    for (const SurveyTriangle& triangle : surface.triangles)
     {
         normals.push_back(
-            NormalOf({surface.vertices[triangle[0]], surface.vertices[triangle[1]], surface.vertices[triangle[2]]}));
+            NormalOf({surface.points[triangle[0]], surface.points[triangle[1]], surface.points[triangle[2]]}));
     }
     return normals;
 }
@@ -72,12 +72,12 @@ double LightOnPlane(const Vector& normal, double exaggeration)
     return std::max(0.0, light) / kLight.z;
 }
 
-std::vector<Vector> VertexNormals(const PlotSurface& surface, const std::vector<Vector>& normals)
+std::vector<Vector> VertexNormals(const SurveySurface& surface, const std::vector<Vector>& normals)
 {
-    std::vector<Vector> sums(surface.vertices.size());
+    std::vector<Vector> sums(surface.points.size());
     for (size_t index = 0; index < normals.size(); ++index)
     {
-        for (const size_t corner : surface.triangles[index])
+        for (const std::uint32_t corner : surface.triangles[index])
         {
             sums[corner].x += normals[index].x;
             sums[corner].y += normals[index].y;
@@ -128,7 +128,7 @@ std::string HexOf(const PlotColour& colour)
     return text;
 }
 
-std::vector<double> LightOn(const PlotSurface& surface)
+std::vector<double> LightOn(const SurveySurface& surface)
 {
     const std::vector<Vector> normals = TriangleNormals(surface);
     const std::vector<Vector> atVertices = VertexNormals(surface, normals);
@@ -138,7 +138,7 @@ std::vector<double> LightOn(const PlotSurface& surface)
     for (size_t index = 0; index < normals.size(); ++index)
     {
         double light = LightOnPlane(normals[index], exaggeration);
-        for (const size_t corner : surface.triangles[index])
+        for (const std::uint32_t corner : surface.triangles[index])
         {
             light += LightOnPlane(atVertices[corner], exaggeration);
         }

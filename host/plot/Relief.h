@@ -24,6 +24,6 @@ std::string HexOf(const PlotColour& colour);
 
 /// How much light falls on each triangle from the north-west: 1 on flat ground, less on slopes that turn away, more on
 /// those that face it. Slopes are steepened on gentle ground, and smoothed from triangle to triangle.
-std::vector<double> LightOn(const PlotSurface& surface);
+std::vector<double> LightOn(const SurveySurface& surface);
 
 }  // namespace quonhost

@@ -1,6 +1,7 @@
 #include "host/plot/SurveyPlot.h"
 
 #include "host/Console.h"
+#include "host/landxml/LandXmlInfoText.h"
 #include "host/plot/NiceSteps.h"
 #include "host/plot/PlotLayers.h"
 
@@ -24,81 +25,73 @@ constexpr size_t kMostLabelledPoints = 1500;
 // Coordinates beyond these are mistakes, and their differences no numbers.
 constexpr double kFarthest = 1e12;
 
-constexpr const char* kDot = " \xC2\xB7 ";
+constexpr const wchar_t* kDot = L" \u00B7 ";
 
-PlotExtents DrawableExtents(const PlotModel& model)
+SurveyExtents DrawableExtents(const PlotModel& model)
 {
-    const std::optional<PlotExtents> extents = ExtentsOf(model);
+    const std::optional<SurveyExtents> extents = ExtentsOf(model);
     if (!extents)
     {
-        throw CommandError(std::string("there is nothing to draw"));
+        throw CommandError(std::wstring_view(L"there is nothing to draw"));
     }
-    for (const double side : {extents->minX, extents->minY, extents->maxX, extents->maxY})
+    for (const double side : {extents->lowest.x, extents->lowest.y, extents->highest.x, extents->highest.y})
     {
         if (std::abs(side) > kFarthest)
         {
-            throw CommandError(std::string("there are coordinates beyond a million million"));
+            throw CommandError(std::wstring_view(L"there are coordinates beyond a million million"));
         }
     }
     return *extents;
 }
 
-double RadiusFor(size_t points)
+std::wstring SubtitleOf(const PlotModel& model, const PlotLevels* levels)
 {
-    return points <= 600 ? 2.6 : points <= 5000 ? 1.8 : points <= 30000 ? 1.1 : 0.6;
-}
-
-std::string Counted(size_t count, const char* one, const char* many)
-{
-    return std::to_string(count) + ' ' + (count == 1 ? one : many);
-}
-
-std::string SubtitleOf(const PlotModel& model, const PlotLevels* levels)
-{
-    std::vector<std::string> facts;
-    if (!model.points.empty() || levels == nullptr)
+    std::vector<std::wstring> facts;
+    if (!model.points.empty())
     {
-        facts.push_back(Counted(model.points.size(), "point", "points"));
+        facts.push_back(CountText(model.points.size(), L"point", L"points"));
     }
     if (levels != nullptr)
     {
-        const PlotSurface& surface = model.surface;
-        facts.push_back((surface.name.empty() ? "" : "surface \"" + surface.name + "\": ") +
-                        Counted(surface.triangles.size(), "triangle", "triangles"));
-        facts.push_back("elevation " + FormatFixed(levels->low, 2) + " to " + FormatFixed(levels->high, 2) +
-                        (model.unit.empty() ? "" : ' ' + model.unit));
+        const SurveySurface& surface = model.surface;
+        facts.push_back((surface.name.empty() ? L"" : L"surface \"" + surface.name + L"\": ") +
+                        CountText(surface.triangles.size(), L"triangle", L"triangles"));
+        facts.push_back(L"elevation " + FormatFixed(levels->low, 2) + L" to " + FormatFixed(levels->high, 2) +
+                        (model.unit.empty() ? L"" : L' ' + model.unit));
     }
-    std::string text;
-    for (const std::string& fact : facts)
+    for (const LineStyle& style : LineStyles())
     {
-        text += (text.empty() ? "" : kDot) + fact;
+        if (const size_t count = CountLines(model.lines, style.kind); count > 0)
+        {
+            facts.push_back(CountText(count, style.singular, style.name));
+        }
+    }
+    std::wstring text;
+    for (const std::wstring& fact : facts)
+    {
+        text += (text.empty() ? L"" : kDot) + fact;
     }
     return text;
 }
 
-// A title that is too long for the picture loses its end.
-std::string Shortened(const std::string& text, size_t most)
+// A title that is too long for the picture loses its end, but not half of a character.
+std::wstring Shortened(const std::wstring& text, size_t most)
 {
-    size_t characters = 0;
-    for (size_t index = 0; index < text.size(); ++index)
+    if (text.size() <= most)
     {
-        const bool isStart = (static_cast<unsigned char>(text[index]) & 0xC0) != 0x80;
-        if (isStart && ++characters > most)
-        {
-            return text.substr(0, index) + "\xE2\x80\xA6";
-        }
+        return text;
     }
-    return text;
+    const bool isWithinPair = most > 0 && text[most] >= 0xDC00 && text[most] <= 0xDFFF;
+    return text.substr(0, isWithinPair ? most - 1 : most) + L"\u2026";
 }
 
 void DrawMap(SvgWriter& svg, const PlotFrame& frame, const PlotModel& model, const PlotLevels* levels,
              const std::vector<PointKind>& kinds, const PlotOptions& options)
 {
     LabelLayout layout({frame.Left() + 2, frame.Top() + 2, frame.Right() - 2, frame.Bottom() - 2});
-    const double radius = RadiusFor(model.points.size());
     svg.Rectangle(frame.Left(), frame.Top(), frame.Width(), frame.Height(), "fill=\"#f7f6f1\"");
     SvgWriter points;
-    DrawPoints(points, frame, kinds, radius, layout);
+    DrawPoints(points, frame, kinds, layout);
     if (levels != nullptr)
     {
         DrawRelief(svg, frame, model.surface, *levels);
@@ -109,10 +102,11 @@ void DrawMap(SvgWriter& svg, const PlotFrame& frame, const PlotModel& model, con
         DrawContours(svg, frame, model.surface, *levels, layout);
     }
     DrawGrid(svg, frame);
+    DrawLines(svg, frame, model.lines, layout);
     svg.Append(points);
     const bool isCrowded = model.points.size() > kMostLabelledPoints;
     DrawLabels(svg, frame, model.points, options.labels.value_or(isCrowded ? PlotLabels::kNone : PlotLabels::kNumber),
-               radius, layout);
+               layout);
 }
 
 }  // namespace
@@ -127,7 +121,7 @@ std::string DrawSurvey(const PlotModel& model, const PlotOptions& options)
     // The height of the legend is known when it is drawn.
     SvgWriter legend;
     const double legendLeft = frame.Right() + kLegendGap;
-    const double legendBottom = DrawLegend(legend, legendLeft, kTop, levels, kinds, model.unit);
+    const double legendBottom = DrawLegend(legend, legendLeft, kTop, {levels, kinds, model.lines, model.unit});
     const double width = legendLeft + kLegendWidth;
     const double height = std::max(frame.Bottom() + kBelow, legendBottom);
 

@@ -9,7 +9,7 @@ namespace quonhost
 {
 
 /// The picture as the text of an SVG file, UTF-8. The same model and options give the same text.
-/// @throws CommandError when there is nothing to draw, or the contours would be too many to be told apart
+/// @throws CommandError when there is nothing to draw, or the contours would be too many to be distinguished
 std::string DrawSurvey(const PlotModel& model, const PlotOptions& options);
 
 }  // namespace quonhost

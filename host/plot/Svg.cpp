@@ -1,5 +1,7 @@
 #include "host/plot/Svg.h"
 
+#include "host/Console.h"
+
 #include <cmath>
 
 namespace quonhost
@@ -24,10 +26,10 @@ std::string Led(const std::string& attributes)
 
 }  // namespace
 
-std::string EscapeXml(std::string_view text)
+std::string EscapeXml(std::wstring_view text)
 {
     std::string result;
-    for (const char ch : text)
+    for (const char ch : ToUtf8(text))
     {
         const auto code = static_cast<unsigned char>(ch);
         switch (ch)
@@ -63,7 +65,7 @@ std::string Pixels(double value)
 
 void SvgPath::Write(long long number)
 {
-    // A minus sign parts a number from the one before.
+    // A minus sign also separates a number from the one before.
     if (number >= 0 && m_lines.back() != 'l')
     {
         m_lines += ' ';
@@ -104,7 +106,7 @@ void SvgPath::End(bool isClosed)
     }
 }
 
-SvgWriter::SvgWriter(double width, double height, const std::string& title)
+SvgWriter::SvgWriter(double width, double height, const std::wstring& title)
 {
     m_text = "<svg xmlns=\"http://www.w3.org/2000/svg\"" + Attribute("width", Pixels(width)) +
              Attribute("height", Pixels(height)) + Attribute("viewBox", "0 0 " + Pixels(width) + ' ' + Pixels(height)) +
@@ -130,7 +132,7 @@ void SvgWriter::Path(const SvgPath& path, const std::string& attributes)
     }
 }
 
-void SvgWriter::Text(double x, double y, const std::string& text, const std::string& attributes)
+void SvgWriter::Text(double x, double y, const std::wstring& text, const std::string& attributes)
 {
     m_text += "<text" + Attribute("x", Pixels(x)) + Attribute("y", Pixels(y)) + Led(attributes) + '>' +
               EscapeXml(text) + "</text>\n";

@@ -9,8 +9,8 @@
 namespace quonhost
 {
 
-/// The text as it may stand in an element or an attribute. UTF-8
-std::string EscapeXml(std::string_view text);
+/// Returns the text as an element or an attribute can hold it, in UTF-8.
+std::string EscapeXml(std::wstring_view text);
 
 /// A length or place in pixels with at most one decimal.
 std::string Pixels(double value);
@@ -43,7 +43,7 @@ class SvgWriter
 public:
     /// A part, to be appended to another.
     SvgWriter() = default;
-    SvgWriter(double width, double height, const std::string& title);
+    SvgWriter(double width, double height, const std::wstring& title);
 
     void Append(const SvgWriter& part) { m_text += part.m_text; }
 
@@ -51,7 +51,7 @@ public:
     void EndGroup();
     /// @param attributes widths are in tenths of a pixel
     void Path(const SvgPath& path, const std::string& attributes);
-    void Text(double x, double y, const std::string& text, const std::string& attributes = "");
+    void Text(double x, double y, const std::wstring& text, const std::string& attributes = "");
     void Rectangle(double left, double top, double width, double height, const std::string& attributes);
     void Line(double x1, double y1, double x2, double y2, const std::string& attributes);
     /// Ends the picture. @return its text

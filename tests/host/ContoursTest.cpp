@@ -11,28 +11,29 @@ namespace
 
 using namespace quonhost;
 
-using Corners = std::array<PlotVertex, 3>;
+using Corners = std::array<VxGePoint3d, 3>;
 
 constexpr Corners kRamp = {{{0, 0, 0}, {10, 0, 10}, {0, 10, 20}}};
 
 // A square of size x size cells, each cut into two triangles, the elevations given by a function.
 template <typename Height>
-PlotSurface Grid(size_t size, const Height& height)
+SurveySurface Grid(size_t size, const Height& height)
 {
-    PlotSurface surface;
+    SurveySurface surface;
     for (size_t y = 0; y <= size; ++y)
     {
         for (size_t x = 0; x <= size; ++x)
         {
             const double east = static_cast<double>(x), north = static_cast<double>(y);
-            surface.vertices.push_back({east, north, height(east, north)});
+            surface.points.push_back({east, north, height(east, north)});
         }
     }
     for (size_t y = 0; y < size; ++y)
     {
         for (size_t x = 0; x < size; ++x)
         {
-            const size_t corner = y * (size + 1) + x, above = corner + size + 1;
+            const auto corner = static_cast<std::uint32_t>(y * (size + 1) + x);
+            const auto above = static_cast<std::uint32_t>(corner + size + 1);
             surface.triangles.push_back({corner, corner + 1, above + 1});
             // The other way round: the sense of rotation must not matter.
             surface.triangles.push_back({corner, above, above + 1});
@@ -41,13 +42,13 @@ PlotSurface Grid(size_t size, const Height& height)
     return surface;
 }
 
-double AreaOf(const std::vector<PlotVertex>& polygon)
+double AreaOf(const std::vector<VxGePoint3d>& polygon)
 {
     double twice = 0;
     for (size_t index = 0; index < polygon.size(); ++index)
     {
-        const PlotVertex& a = polygon[index];
-        const PlotVertex& b = polygon[(index + 1) % polygon.size()];
+        const VxGePoint3d& a = polygon[index];
+        const VxGePoint3d& b = polygon[(index + 1) % polygon.size()];
         twice += a.x * b.y - b.x * a.y;
     }
     return std::abs(twice) / 2;
@@ -57,8 +58,8 @@ TEST(ContourOfTriangle, CrossesTwoEdgesWhereTheElevationIsTheLevel)
 {
     const std::vector<ContourCrossing> crossings = ContourOfTriangle(kRamp, 5);
     ASSERT_EQ(crossings.size(), 2u);
-    EXPECT_EQ(crossings[0].place, (PlanPoint{5, 0}));
-    EXPECT_EQ(crossings[1].place, (PlanPoint{0, 2.5}));
+    EXPECT_TRUE(IsSameInPlan(crossings[0].place, {5, 0, 0}));
+    EXPECT_TRUE(IsSameInPlan(crossings[1].place, {0, 2.5, 0}));
     EXPECT_EQ(crossings[0].below, 0u);
     EXPECT_EQ(crossings[0].above, 1u);
     EXPECT_EQ(crossings[1].above, 2u);
@@ -93,12 +94,12 @@ TEST(ContourOfTriangle, ACornerAtTheLevelCountsAsAbove)
 
 TEST(TraceContours, AHillHasOneClosedLine)
 {
-    const PlotSurface hill = Grid(20, [](double x, double y) { return 10 - std::hypot(x - 10, y - 10); });
+    const SurveySurface hill = Grid(20, [](double x, double y) { return 10 - std::hypot(x - 10, y - 10); });
     const std::vector<ContourLine> lines = TraceContours(hill, 4.1);
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_GT(lines[0].size(), 20u);
-    EXPECT_EQ(lines[0].front(), lines[0].back());
-    for (const PlanPoint& point : lines[0])
+    EXPECT_TRUE(IsSameInPlan(lines[0].front(), lines[0].back()));
+    for (const VxGePoint3d& point : lines[0])
     {
         EXPECT_NEAR(std::hypot(point.x - 10, point.y - 10), 5.9, 0.3);
     }
@@ -106,28 +107,28 @@ TEST(TraceContours, AHillHasOneClosedLine)
 
 TEST(TraceContours, ASlopeHasOneOpenLineWithHigherGroundToItsRight)
 {
-    const PlotSurface slope = Grid(8, [](double x, double) { return x; });
+    const SurveySurface slope = Grid(8, [](double x, double) { return x; });
     const std::vector<ContourLine> lines = TraceContours(slope, 3.5);
     ASSERT_EQ(lines.size(), 1u);
-    EXPECT_EQ(lines[0].front(), (PlanPoint{3.5, 0}));
-    EXPECT_EQ(lines[0].back(), (PlanPoint{3.5, 8}));
+    EXPECT_TRUE(IsSameInPlan(lines[0].front(), {3.5, 0, 0}));
+    EXPECT_TRUE(IsSameInPlan(lines[0].back(), {3.5, 8, 0}));
 }
 
 TEST(TraceContours, ALineThroughCornersIsWhole)
 {
-    const PlotSurface slope = Grid(8, [](double x, double) { return x; });
+    const SurveySurface slope = Grid(8, [](double x, double) { return x; });
     const std::vector<ContourLine> lines = TraceContours(slope, 3);
     ASSERT_EQ(lines.size(), 1u);
-    EXPECT_EQ(lines[0].front(), (PlanPoint{3, 0}));
-    EXPECT_EQ(lines[0].back(), (PlanPoint{3, 8}));
+    EXPECT_TRUE(IsSameInPlan(lines[0].front(), {3, 0, 0}));
+    EXPECT_TRUE(IsSameInPlan(lines[0].back(), {3, 8, 0}));
 }
 
 TEST(TraceContours, NothingIsCrossedOutsideOfTheElevations)
 {
-    const PlotSurface slope = Grid(3, [](double x, double) { return x; });
+    const SurveySurface slope = Grid(3, [](double x, double) { return x; });
     EXPECT_TRUE(TraceContours(slope, 0).empty());
     EXPECT_TRUE(TraceContours(slope, 3.01).empty());
-    EXPECT_TRUE(TraceContours(PlotSurface(), 1).empty());
+    EXPECT_TRUE(TraceContours(SurveySurface(), 1).empty());
 }
 
 // On any ground: as many pieces as triangles are crossed, each in one line, and no line ends but at the border.
@@ -139,18 +140,18 @@ TEST(TraceContours, OnRoughGroundEveryPieceIsInALineThatEndsAtTheBorder)
     {
         SCOPED_TRACE(round);
         constexpr size_t kSize = 12;
-        const PlotSurface surface = Grid(kSize, [&](double, double) { return heights(chance); });
+        const SurveySurface surface = Grid(kSize, [&](double, double) { return heights(chance); });
         size_t crossed = 0;
-        for (const PlotTriangle& triangle : surface.triangles)
+        for (const SurveyTriangle& triangle : surface.triangles)
         {
             crossed += ContourOfTriangle(CornersOf(surface, triangle), 5).empty() ? 0 : 1;
         }
         size_t pieces = 0;
-        const auto isAtBorder = [](const PlanPoint& p) { return p.x == 0 || p.y == 0 || p.x == kSize || p.y == kSize; };
+        const auto isAtBorder = [](const VxGePoint3d& p) { return p.x == 0 || p.y == 0 || p.x == kSize || p.y == kSize; };
         for (const ContourLine& line : TraceContours(surface, 5))
         {
             pieces += line.size() - 1;
-            EXPECT_TRUE(line.front() == line.back() || (isAtBorder(line.front()) && isAtBorder(line.back())));
+            EXPECT_TRUE(IsSameInPlan(line.front(), line.back()) || (isAtBorder(line.front()) && isAtBorder(line.back())));
         }
         EXPECT_EQ(pieces, crossed);
     }
@@ -175,7 +176,7 @@ TEST(ClipToBand, BandsPartATriangle)
     for (int round = 0; round < 500; ++round)
     {
         Corners corners;
-        for (PlotVertex& corner : corners)
+        for (VxGePoint3d& corner : corners)
         {
             corner = {places(chance), places(chance), places(chance)};
         }

@@ -2,22 +2,30 @@
 #include "host/plot/LabelLayout.h"
 #include "host/plot/NiceSteps.h"
 #include "host/plot/PlotFrame.h"
+#include "host/plot/PlotLayers.h"
 #include "host/plot/PlotLevels.h"
 #include "host/plot/Relief.h"
 #include "host/plot/SurveyPlot.h"
 #include "host/plot/Svg.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
+#include <set>
 
 namespace
 {
 
 using namespace quonhost;
 
-PlotSurface Triangle(double a, double b, double c)
+SurveySurface Triangle(double a, double b, double c)
 {
-    return {"S", {{0, 0, a}, {10, 0, b}, {0, 10, c}}, {{0, 1, 2}}};
+    return {L"S", {{0, 0, a}, {10, 0, b}, {0, 10, c}}, {{0, 1, 2}}};
+}
+
+SurveyPoint At(const std::wstring& name, double x, double y, const std::wstring& code = L"")
+{
+    return {name, {x, y, kNoElevation}, code, L""};
 }
 
 TEST(NiceSteps, StepsAreOneTwoOrFiveTimesAPowerOfTen)
@@ -63,30 +71,35 @@ TEST(NiceSteps, NumbersHaveTheDecimalsOfTheirStep)
     EXPECT_EQ(DecimalsOf(0.5), 1);
     EXPECT_EQ(DecimalsOf(0.25), 2);
     EXPECT_EQ(DecimalsOf(1e-9), 6);
-    EXPECT_EQ(FormatFixed(-0.001, 2), "0.00");
-    EXPECT_EQ(FormatFixed(-0.5, 0), "0");
-    EXPECT_EQ(FormatFixed(-1.5, 1), "-1.5");
-    EXPECT_EQ(FormatFixed(5321400, 0), "5321400");
+    EXPECT_EQ(FormatFixed(-0.001, 2), L"0.00");
+    EXPECT_EQ(FormatFixed(-0.5, 0), L"0");
+    EXPECT_EQ(FormatFixed(-1.5, 1), L"-1.5");
+    EXPECT_EQ(FormatFixed(5321400, 0), L"5321400");
+}
+
+SurveyExtents Box(double left, double bottom, double right, double top)
+{
+    return {{left, bottom, 0}, {right, top, 0}};
 }
 
 TEST(PlotFrame, TheBoxHoldsPointsAndCornersOfTriangles)
 {
     PlotModel model;
     EXPECT_FALSE(ExtentsOf(model));
-    model.points = {{"1", "", 5, -7, {}}};
+    model.points = {At(L"1", 5, -7)};
     model.surface = Triangle(1, 2, 3);
-    model.surface.vertices.push_back({1000, 1000, 0});  // of no triangle
-    const std::optional<PlotExtents> extents = ExtentsOf(model);
+    model.surface.points.push_back({1000, 1000, 0});  // of no triangle
+    const std::optional<SurveyExtents> extents = ExtentsOf(model);
     ASSERT_TRUE(extents);
-    EXPECT_EQ(extents->minX, 0);
-    EXPECT_EQ(extents->maxX, 10);
-    EXPECT_EQ(extents->minY, -7);
-    EXPECT_EQ(extents->maxY, 10);
+    EXPECT_EQ(extents->lowest.x, 0);
+    EXPECT_EQ(extents->highest.x, 10);
+    EXPECT_EQ(extents->lowest.y, -7);
+    EXPECT_EQ(extents->highest.y, 10);
 }
 
 TEST(PlotFrame, NorthIsUpAndTheLongerSideHasTheSize)
 {
-    const PlotFrame frame({0, 0, 100, 50}, 1000, 30, 60);
+    const PlotFrame frame(Box(0, 0, 100, 50), 1000, 30, 60);
     EXPECT_NEAR(frame.Width(), 1000, 1e-9);
     EXPECT_LT(frame.Height(), frame.Width());
     EXPECT_LT(frame.ToY(50), frame.ToY(0));
@@ -98,7 +111,7 @@ TEST(PlotFrame, NorthIsUpAndTheLongerSideHasTheSize)
 
 TEST(PlotFrame, ASiteWithoutExtentHasAMapAllTheSame)
 {
-    for (const PlotExtents& site : {PlotExtents{7, 7, 7, 7}, PlotExtents{0, 3, 10, 3}, PlotExtents{5e6, 0, 5e6, 10}})
+    for (const SurveyExtents& site : {Box(7, 7, 7, 7), Box(0, 3, 10, 3), Box(5e6, 0, 5e6, 10)})
     {
         const PlotFrame frame(site, 1000, 0, 0);
         EXPECT_GE(frame.Width(), 199);
@@ -139,7 +152,7 @@ TEST(PlotLevels, FlatGroundHasOneBandAndNoContours)
     ASSERT_TRUE(levels);
     EXPECT_FALSE(levels->hasContours);
     EXPECT_EQ(levels->CountBands(), 1u);
-    EXPECT_FALSE(LevelsOf(PlotSurface(), std::nullopt));
+    EXPECT_FALSE(LevelsOf(SurveySurface(), std::nullopt));
 }
 
 TEST(Relief, LightComesFromTheNorthWest)
@@ -149,7 +162,7 @@ TEST(Relief, LightComesFromTheNorthWest)
     EXPECT_GT(lightOn(0, 5, 0), 1) << "rises to the east, looks to the west";
     EXPECT_LT(lightOn(5, 0, 5), 1) << "looks to the east";
     EXPECT_LT(lightOn(0, 0, 5), 1) << "looks to the south";
-    PlotSurface turned = Triangle(0, 5, 0);
+    SurveySurface turned = Triangle(0, 5, 0);
     turned.triangles[0] = {0, 2, 1};
     EXPECT_DOUBLE_EQ(LightOn(turned)[0], lightOn(0, 5, 0)) << "the sense of rotation does not matter";
 }
@@ -209,7 +222,7 @@ TEST(Svg, PathsAreWrittenInTenthsAndWithoutShapesOfNoExtent)
 
 TEST(Svg, TextsAndNumbersAreSafe)
 {
-    EXPECT_EQ(EscapeXml("<a & \"b\">\tЖ山e\xCC\x81"), "&lt;a &amp; &quot;b&quot;&gt; Ж山e\xCC\x81");
+    EXPECT_EQ(EscapeXml(L"<a & \"b\">\tЖ山e\u0301"), "&lt;a &amp; &quot;b&quot;&gt; Ж山e\xCC\x81");
     EXPECT_EQ(Pixels(-0.04), "0");
     EXPECT_EQ(Pixels(-0.26), "-0.3");
     EXPECT_EQ(Pixels(12.25), "12.3");
@@ -219,15 +232,15 @@ TEST(Svg, TextsAndNumbersAreSafe)
 TEST(DrawSurvey, WhatCannotBeDrawnIsTold)
 {
     EXPECT_THROW(DrawSurvey({}, {}), CommandError);
-    PlotModel distant;
-    distant.points = {{"1", "", 0, 0, {}}, {"2", "", 1e300, 0, {}}};
-    EXPECT_THROW(DrawSurvey(distant, {}), CommandError);
+    PlotModel wide;
+    wide.points = {At(L"1", 0, 0), At(L"2", 1e300, 0)};
+    EXPECT_THROW(DrawSurvey(wide, {}), CommandError);
 }
 
 TEST(DrawSurvey, OnePointIsAPicture)
 {
     PlotModel model;
-    model.points = {{"7", "A&B", 412250, 5321400, {}}};
+    model.points = {At(L"7", 412250, 5321400, L"A&B")};
     const std::string text = DrawSurvey(model, {});
     EXPECT_NE(text.find(">7</text>"), std::string::npos);
     EXPECT_NE(text.find("A&amp;B (1)"), std::string::npos);
@@ -240,12 +253,80 @@ TEST(DrawSurvey, ManyPointsAreNotLabelledUnlessThatIsAskedFor)
     PlotModel model;
     for (int number = 0; number < 1600; ++number)
     {
-        model.points.push_back({"p" + std::to_string(number), "", 1.0 * (number % 40), 1.0 * (number / 40), 2.5});
+        model.points.push_back(At(L"p" + std::to_wstring(number), 1.0 * (number % 40), 1.0 * (number / 40)));
     }
     EXPECT_EQ(DrawSurvey(model, {}).find(">p"), std::string::npos);
     PlotOptions options;
     options.labels = PlotLabels::kNumber;
     EXPECT_NE(DrawSurvey(model, options).find(">p0<"), std::string::npos);
+}
+
+TEST(DrawSurvey, LinesAreDrawnNamedAndExplained)
+{
+    PlotModel model;
+    model.lines = {{LineKind::kAlignment, L"Main & side", L"", {{0, 0, 0}, {100, 0, 0}, {200, 50, 0}}},
+                   {LineKind::kAlignment, L"Main & side", L"", {{300, 0, 0}, {310, 0, 0}}},
+                   {LineKind::kParcel, L"LOT 1", L"", {{0, 100, 0}, {100, 100, 0}, {100, 200, 0}, {0, 200, 0}, {0, 100, 0}}},
+                   {LineKind::kBreakline, L"", L"S", {{0, 20, 0}, {200, 80, 0}}},
+                   {LineKind::kBreakline, L"", L"S", {{0, 30, 0}, {200, 90, 0}}},
+                   {LineKind::kPlanFeature, L"dot", L"", {{5, 5, 0}}}};
+    const std::string text = DrawSurvey(model, {});
+    for (const char* const part :
+         {">alignments (1)<", ">parcels (1)<", ">breaklines (2)<", ">plan features (1)<", ">Main &amp; side<", ">LOT 1<",
+          "1 alignment", "2 breaklines", "stroke-dasharray"})
+    {
+        EXPECT_NE(text.find(part), std::string::npos) << part;
+    }
+    EXPECT_EQ(text.find("boundaries"), std::string::npos) << "what is not there needs no explanation";
+    EXPECT_EQ(text.find("nan"), std::string::npos);
+}
+
+// The number of closed shapes in the paths that are filled with a colour.
+size_t CountShapes(const std::string& svg, const std::string& colour)
+{
+    size_t count = 0;
+    for (size_t at = svg.find("fill=\"" + colour); at != std::string::npos; at = svg.find("fill=\"" + colour, at + 1))
+    {
+        const std::string element = svg.substr(at, svg.find("/>", at) - at);
+        count += static_cast<size_t>(std::count(element.begin(), element.end(), 'z'));
+    }
+    return count;
+}
+
+TEST(DrawSurvey, AmongManyPointsEveryCodeHasASymbolAndEveryPixelADot)
+{
+    PlotModel model;
+    for (int number = 0; number < 20000; ++number)
+    {
+        model.points.push_back(At(std::to_wstring(number), number % 150, number / 150, L"GROUND"));
+    }
+    model.points.push_back(At(L"a", 70, 70, L"RARE"));
+    model.points.push_back(At(L"b", 70, 70, L"RARER"));
+    const std::string text = DrawSurvey(model, {});
+    const std::vector<PointKind> kinds = KindsOf(model.points);
+    ASSERT_EQ(kinds.size(), 3U);
+    EXPECT_EQ(CountShapes(text, kinds[1].colour), 3U) << "a dot, a symbol and the one of the legend";
+    EXPECT_EQ(CountShapes(text, kinds[2].colour), 3U) << "at the same place as the other";
+    EXPECT_GT(CountShapes(text, kinds[0].colour), 20000U + 500U);
+    EXPECT_LT(text.size(), 1500000U);
+}
+
+TEST(KindsOf, ManyCodesHaveLooksOfTheirOwn)
+{
+    std::vector<SurveyPoint> points;
+    for (int code = 0; code < 40; ++code)
+    {
+        points.insert(points.end(), static_cast<size_t>(50 - code), At(L"1", 0, 0, L"C" + std::to_wstring(code)));
+    }
+    const std::vector<PointKind> kinds = KindsOf(points);
+    ASSERT_EQ(kinds.size(), 32U);
+    EXPECT_EQ(kinds[0].code, L"C0");
+    EXPECT_EQ(kinds.back().code, L"others");
+    std::set<std::pair<std::string, size_t>> looks;
+    for (const PointKind& kind : kinds)
+    {
+        EXPECT_TRUE(looks.emplace(kind.colour, kind.shape).second) << ToUtf8(kind.code);
+    }
 }
 
 }  // namespace

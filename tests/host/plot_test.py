@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """Runs the plot command of the console host and looks at the pictures that it writes: plot_test.py RUNNER PROGRAM"""
 import re
+import struct
 import subprocess
 import sys
 import unittest
+import zlib
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
@@ -13,6 +15,30 @@ from host_test import windows_path
 TOP = Path(__file__).resolve().parents[2]
 SVG = "{http://www.w3.org/2000/svg}"
 NAME = "Ж山e\u0301 <&>"
+
+
+def read_png(data):
+    """Width, height and the pixels of a PNG of eight bits a channel, on white."""
+    width, height, depth, kind = struct.unpack(">IIBB", data[16:26])
+    channels = {2: 3, 6: 4}[kind]
+    assert depth == 8
+    parts, at = [], 8
+    while at < len(data):
+        size, name = struct.unpack(">I4s", data[at:at + 8])
+        parts += [data[at + 8:at + 8 + size]] if name == b"IDAT" else []
+        at += size + 12
+    raw, stride, before, pixels = zlib.decompress(b"".join(parts)), width * channels, bytearray(width * channels), []
+    for y in range(height):
+        begin = y * (stride + 1)
+        kind, line = raw[begin], bytearray(raw[begin + 1:begin + 1 + stride])
+        for x in range(stride):
+            left = line[x - channels] if x >= channels else 0
+            up, corner = before[x], before[x - channels] if x >= channels else 0
+            near = min((left, up, corner), key=lambda v: abs(left + up - corner - v))
+            line[x] = (line[x] + (0, left, up, (left + up) // 2, near)[kind]) & 255
+        pixels += [line[x:x + 3] for x in range(0, stride, channels)]
+        before = line
+    return width, height, pixels
 
 
 class PlotTest(unittest.TestCase):
@@ -91,17 +117,17 @@ class PlotTest(unittest.TestCase):
         target = self.folder / "out.svg"
         target.write_text("old")
         for body, options, complaint in (
-                (("", ""), (), "nothing to draw"),
+                (("", ""), (), "there is nothing to draw; the file holds nothing"),
                 (("", self.surface("S")), ("--surface", "T"), 'there is no surface "T"'),
                 (("", self.surface("S")), ("--contours", "0.001"), "would be more than"),
-                (("", self.surface("S", 0, "<F>1 2 9</F>")), (), "names point 9"),
-                (("<CgPoint name='1'>x</CgPoint>", ""), (), "point 1 has no coordinates")):
+                (("", self.surface("S", 0, "<F>1 2 9</F>")), ("--strict",), 'names point "9"'),
+                (("<CgPoint name='1'>x</CgPoint>", ""), ("--strict",), 'point "1" has no coordinates')):
             with self.subTest(complaint):
                 self.assert_fails(1, complaint, "landxml", "plot", windows_path(self.document(*body)),
                                   windows_path(target), *options)
                 self.assertEqual(target.read_text(), "old")
         self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["out.svg", "site.xml"])
-        self.assert_fails(1, "its folder does not exist", "landxml", "plot", windows_path(self.folder / "site.xml"),
+        self.assert_fails(1, "cannot be written: Path not found.", "landxml", "plot", windows_path(self.folder / "site.xml"),
                           windows_path(self.folder / "none/out.svg"))
 
     def test_a_large_site_is_drawn_without_labels(self):
@@ -116,9 +142,83 @@ class PlotTest(unittest.TestCase):
         self.assertLess(len(texts), 400)
         self.assertTrue(any(re.fullmatch(r"no code \(5000\)", text) for text in texts))
 
+    LINES = """<Alignments><Alignment name="Main"><CoordGeom><Line><Start>0 0</Start><End>0 60</End></Line>
+<Curve rot="ccw"><Start>0 60</Start><Center>40 60</Center><End>40 100</End></Curve></CoordGeom></Alignment></Alignments>
+<Parcels><Parcel name="LOT 1"><CoordGeom><Line><Start>50 0</Start><End>50 40</End></Line><Line><Start>50 40</Start>
+<End>90 40</End></Line><Line><Start>90 40</Start><End>50 0</End></Line></CoordGeom></Parcel></Parcels>
+<PlanFeatures><PlanFeature name="Kerb"><CoordGeom><Line><Start>20 0</Start><End>20 50</End></Line></CoordGeom></PlanFeature>
+</PlanFeatures>"""
+
+    def lines_document(self):
+        path = self.folder / "lines.xml"
+        path.write_text(f'<LandXML version="1.2"><Project name="Lines"/>{self.LINES}</LandXML>')
+        return path
+
+    def test_lines_are_drawn_with_a_legend(self):
+        texts = self.texts(self.plot(self.lines_document()))
+        for text in ("alignments (1)", "parcels (1)", "plan features (1)", "Main", "LOT 1", "Kerb",
+                     "1 plan feature · 1 parcel · 1 alignment"):
+            self.assertIn(text, texts)
+        self.assertNotIn("breaklines (0)", texts)
+
+    def test_what_cannot_be_drawn_is_named(self):
+        path = self.folder / "survey.xml"
+        path.write_text('<LandXML version="1.2"><Survey><RawObservation/></Survey><Surfaces><Surface name="S"/></Surfaces>'
+                        '</LandXML>')
+        self.assert_fails(1, "there is nothing to draw; the file holds 1 surface, RawObservation (1)", "landxml", "plot",
+                          windows_path(path), windows_path(self.folder / "out.svg"))
+
+    # Pixels.
+
+    def pixels(self, source, *options):
+        """The picture as rows of (red, green, blue), and a function from places of the ground to pixels."""
+        root = self.plot(source, *options)
+        png = subprocess.run(["rsvg-convert", str(self.folder / "out.svg")], capture_output=True, check=True).stdout
+        width, height, data = read_png(png)
+        self.assertEqual((width, height), tuple(round(float(root.get(side))) for side in ("width", "height")))
+        return [[tuple(data[y * width + x]) for x in range(width)] for y in range(height)], root
+
+    def count(self, rows, colour, slack=40):
+        return sum(all(abs(a - b) <= slack for a, b in zip(pixel, colour)) for row in rows for pixel in row)
+
+    def test_lines_show_in_the_pixels(self):
+        rows, _ = self.pixels(self.lines_document())
+        for colour in ((0xd5, 0, 0), (0x8e, 0x24, 0xaa), (0, 0x83, 0x8f)):
+            self.assertGreater(self.count(rows, colour), 300, colour)
+
+    def test_every_code_of_a_dense_site_shows_in_the_pixels(self):
+        chance = __import__("random").Random(5)
+        codes = ["GR"] * 200 + ["EP", "CL", "TR"]
+        points = "".join(f'<CgPoint name="{n}" code="{chance.choice(codes)}">{chance.random() * 800:.2f} '
+                         f'{chance.random() * 1000:.2f}</CgPoint>' for n in range(100000))
+        points += '<CgPoint name="x" code="ONE">400 500</CgPoint>'
+        rows, root = self.pixels(self.document(points))
+        texts = self.texts(root)
+        self.assertTrue(any(text.startswith("ONE (1)") for text in texts))
+        kinds = {path.get("fill") for path in root.iter(SVG + "path")} - {"none", "#fff", None}
+        map_pixels = [row[34:1034] for row in rows[62:]]
+        for colour in ((0x22, 0x22, 0x22), (0x1f, 0x4f, 0xa3), (0xc6, 0x28, 0x28), (0x6a, 0x1b, 0x9a)):
+            self.assertGreater(self.count(map_pixels, colour), 100, colour)
+        self.assertGreaterEqual(len(kinds), 4)
+        # Halos do not cover the points: much of the map is dark, and the rare code shows though there is one of it.
+        self.assertGreater(self.count(map_pixels, (0x22, 0x22, 0x22), 60), 30000)
+        self.assertGreater(self.count(map_pixels, (0, 0x69, 0x5c), 60), 3)
+
+    def test_neighbours_do_not_cover_one_another(self):
+        points = "".join(f'<CgPoint name="{n}" code="A">{10 * (n // 20) / 20} {10 * (n % 20) / 20 * 0.3}</CgPoint>'
+                         for n in range(400))
+        rows, _ = self.pixels(self.document(points + '<CgPoint name="f" code="B">200 200</CgPoint>'), "--labels", "none")
+        dark = self.count(rows, (0x22, 0x22, 0x22))
+        single, _ = self.pixels(self.document('<CgPoint name="1" code="A">0 0</CgPoint>'
+                                              '<CgPoint name="f" code="B">200 200</CgPoint>'), "--labels", "none")
+        # Four hundred points on a spot of some pixels fill it.
+        self.assertGreater(dark, self.count(single, (0x22, 0x22, 0x22)) + 200)
+
     def test_bad_command_lines_give_exit_code_2(self):
         for arguments in (["a.xml"], ["a.xml", "b.svg", "--labels", "all"], ["a.xml", "b.svg", "--contours", "-1"],
-                          ["a.xml", "b.svg", "--contours", "x"], ["a.xml", "b.svg", "--size", "1"]):
+                          ["a.xml", "b.svg", "--contours", "x"], ["a.xml", "b.svg", "--size", "1"],
+                          ["a.xml", "b.svg", "--size", "nan"], ["a.xml", "b.svg", "--contours", "nan"],
+                          ["a.xml", "b.svg", "--contours", "inf"], ["a.xml", "b.svg", "--size", "inf"]):
             with self.subTest(arguments):
                 self.assert_fails(2, "", "landxml", "plot", *arguments)
 
