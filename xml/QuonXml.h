@@ -62,9 +62,9 @@ public:
     /// Shows a message box with the parser's reason as caption; the text tells where, and is empty without a line.
     void ReportParseError(const MSXML2::IXMLDOMParseErrorPtr& error);
 
-    /// Saves into a new buffer that the caller frees with array `delete`. @return `E_OUTOFMEMORY` when there is none, or
-    /// the result of the step that failed. The buffer is then null and the size that of the document; a step before the
-    /// size is known leaves both unchanged
+    /// Saves into a new buffer that the caller frees with array `delete`. @return `E_OUTOFMEMORY` when there is none,
+    /// or the result of the step that failed. The buffer is then null and the size that of the document; a step before
+    /// the size is known leaves both unchanged
     HRESULT SaveToMemory(const MSXML2::IXMLDOMDocumentPtr& document, unsigned char*& buffer, unsigned long& size);
     /// @return the parser's result; parse errors are not reported
     HRESULT LoadFromMemory(const MSXML2::IXMLDOMDocumentPtr& document, const unsigned char* buffer, unsigned long size);

@@ -114,8 +114,8 @@ std::string Nested(int depth)
     return text;
 }
 
-// Wine's parser refuses more than 256 levels; the platform's own has no limit. A refusal is handed on, without a piece of
-// the document.
+// Wine's parser refuses more than 256 levels; the platform's own has no limit. A refusal is handed on, without a piece
+// of the document.
 TEST_F(HostileXml, ADepthOfTenThousandIsRefusedAsTheParserSays)
 {
     QuonXml loaded(L"", false, false, false);

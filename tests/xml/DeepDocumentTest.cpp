@@ -12,8 +12,8 @@ using namespace quon_test;
 
 constexpr int kDepth = 100000;
 
-// A node with so many levels below it, made as they are asked for: nothing depends on what the parser at hand can build,
-// and release, without overflowing the stack itself. It and its lists delete themselves.
+// A node with so many levels below it, made as they are asked for: nothing depends on what the parser at hand can
+// build, and release, without overflowing the stack itself. It and its lists delete themselves.
 class DeepNode : public ForwardingAnyNode
 {
 public:
