@@ -263,7 +263,7 @@ def plain_signature(text):
     text = re.sub(r"\b(class|struct|enum|union) ", "", text)
     text = text.replace("__cdecl *", "*").replace("std::__cxx11::", "std::")
     text = re.sub(r"\b(unsigned )?__int64\b", lambda match: f"{match[1] or ''}long long", text)
-    text = re.sub(r"_com_ptr_t<_com_IIID(?:_getter)?<(\w+), &[^>]*> ?>", r"_com_ptr_t<\1>", text)
+    text = re.sub(r"_com_ptr_t<_com_IIID(?:_getter)?<([\w:]+), &[^>]*> ?>", r"_com_ptr_t<\1>", text)
     text = re.sub(r" ([*&>)])", r"\1", text)
     return text.replace("(void)", "()")
 
