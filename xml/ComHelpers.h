@@ -8,11 +8,11 @@
 #include "base/Export.h"
 #include "xml/Msxml2.h"
 
-/// The text for a result code: "HRESULT = 0x%08X " with the code, then ".\n", a tab and the system's own text for it.
-/// A code that the system has no text for ends with the tab.
+/// Returns the text for a result code: "HRESULT = 0x%08X " with the code, then ".\n", a tab and the system's own text
+/// for it. A code that the system has no text for ends with the tab.
 QUON_API CString FormatHResultText(HRESULT result);
 
-/// The local time of `time` (seconds since 1970, UTC) in the format of `wcsftime`.
+/// Formats the local time of `time` (seconds since 1970, UTC) in the format of `wcsftime`.
 /// @return "" for a null format, for a time that has no local time, and when the result does not fit 127 characters
 QUON_API CString FormatLocalTime(__time64_t time, const wchar_t* format);
 
@@ -23,5 +23,5 @@ QUON_API void AppendUniqueStrings(const CStringArray& source, CStringArray& targ
 /// @return whether some entry of `strings` equals `string`. Case matters.
 QUON_API bool ContainsString(const CString& string, const CStringArray& strings);
 
-/// A placeholder that callers bind to: releases its argument and does nothing else. @return `E_FAIL`
+/// Releases its argument and does nothing else: a placeholder that callers bind to. @return `E_FAIL`
 QUON_API HRESULT NotImplementedNodeFunction(MSXML2::IXMLDOMNodePtr node);

@@ -30,7 +30,7 @@ CString TextOfVariant(const _variant_t& value)
 CString AttributeText(MSXML2::IXMLDOMNode& node, const _bstr_t& name)
 {
     const MSXML2::IXMLDOMNamedNodeMapPtr attributes = node.Getattributes();
-    const MSXML2::IXMLDOMNodePtr attribute = attributes ? attributes->getNamedItem(name) : nullptr;
+    const MSXML2::IXMLDOMNodePtr attribute = attributes ? attributes->getNamedItem(name) : MSXML2::IXMLDOMNodePtr();
     return attribute ? TextOfVariant(attribute->GetnodeValue()) : CString();
 }
 

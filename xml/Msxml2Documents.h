@@ -12,6 +12,8 @@
 namespace MSXML2
 {
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the platform names a method "_newEnum".
+
 /// The features of the parser.
 struct IXMLDOMImplementation : IDispatch
 {
@@ -244,6 +246,8 @@ struct IXMLDOMDocument2 : IXMLDOMDocument
     virtual HRESULT STDMETHODCALLTYPE raw_setProperty(BSTR name, VARIANT value) = 0;
     virtual HRESULT STDMETHODCALLTYPE raw_getProperty(BSTR name, VARIANT* value) = 0;
 };
+
+// NOLINTEND(bugprone-reserved-identifier)
 
 }  // namespace MSXML2
 /// @endcond

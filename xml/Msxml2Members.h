@@ -184,10 +184,10 @@ inline long IXMLDOMNamedNodeMap::Getlength()
     { return QuonDom_details::Get<long>(this, &IXMLDOMNamedNodeMap::get_length); }
 inline IXMLDOMNodePtr IXMLDOMNamedNodeMap::getQualifiedItem(_bstr_t baseName, _bstr_t namespaceURI)
     { return QuonDom_details::Get<IXMLDOMNodePtr>(this, &IXMLDOMNamedNodeMap::raw_getQualifiedItem, baseName,
-                                            namespaceURI); }
+                                                  namespaceURI); }
 inline IXMLDOMNodePtr IXMLDOMNamedNodeMap::removeQualifiedItem(_bstr_t baseName, _bstr_t namespaceURI)
     { return QuonDom_details::Get<IXMLDOMNodePtr>(this, &IXMLDOMNamedNodeMap::raw_removeQualifiedItem, baseName,
-                                            namespaceURI); }
+                                                  namespaceURI); }
 inline IXMLDOMNodePtr IXMLDOMNamedNodeMap::nextNode()
     { return QuonDom_details::Get<IXMLDOMNodePtr>(this, &IXMLDOMNamedNodeMap::raw_nextNode); }
 inline HRESULT IXMLDOMNamedNodeMap::reset()
@@ -247,8 +247,8 @@ inline IXMLDOMCommentPtr IXMLDOMDocument::createComment(_bstr_t data)
 inline IXMLDOMCDATASectionPtr IXMLDOMDocument::createCDATASection(_bstr_t data)
     { return QuonDom_details::Get<IXMLDOMCDATASectionPtr>(this, &IXMLDOMDocument::raw_createCDATASection, data); }
 inline IXMLDOMProcessingInstructionPtr IXMLDOMDocument::createProcessingInstruction(_bstr_t target, _bstr_t data)
-    { return QuonDom_details::Get<IXMLDOMProcessingInstructionPtr>(this, &IXMLDOMDocument::raw_createProcessingInstruction, target,
-                                                                data); }
+    { return QuonDom_details::Get<IXMLDOMProcessingInstructionPtr>(this, &IXMLDOMDocument::raw_createProcessingInstruction,
+                                                                   target, data); }
 inline IXMLDOMAttributePtr IXMLDOMDocument::createAttribute(_bstr_t name)
     { return QuonDom_details::Get<IXMLDOMAttributePtr>(this, &IXMLDOMDocument::raw_createAttribute, name); }
 inline IXMLDOMEntityReferencePtr IXMLDOMDocument::createEntityReference(_bstr_t name)

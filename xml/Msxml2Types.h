@@ -132,7 +132,7 @@ enum tagDOMNodeType
     NODE_DOCUMENT_FRAGMENT = 11,
     NODE_NOTATION = 12
 };
-typedef enum tagDOMNodeType DOMNodeType;
+typedef enum tagDOMNodeType DOMNodeType;  ///< as the methods name it
 
 /// The document class, `DOMDocument`, as an import with `named_guids` names it. A header of the platform gives the same
 /// name to another class, in the global namespace.

@@ -81,7 +81,7 @@ const char* Narrow(const _bstr_t& text)
 bool VisitNode(MSXML2::IXMLDOMNodePtr& node, QuonXmlVisitor visitor, __int64 user)
 {
     bool goOn = visitor(Characters(node->GetnodeName()), node, user);
-    const MSXML2::IXMLDOMNamedNodeMapPtr attributes = goOn ? node->Getattributes() : nullptr;
+    const MSXML2::IXMLDOMNamedNodeMapPtr attributes = goOn ? node->Getattributes() : MSXML2::IXMLDOMNamedNodeMapPtr();
     while (goOn && attributes)
     {
         MSXML2::IXMLDOMNodePtr attribute = attributes->nextNode();

@@ -30,24 +30,24 @@ using QuonNodeArray = CTypedPtrArray<CPtrArray, MSXML2::IXMLDOMNode*>;
 /// Releases the entries from the last to the first and empties the array. A null array is left alone.
 QUON_API void ReleaseNodeArray(QuonNodeArray* nodes);
 
-/// The child nodes of the document: its root element, instructions, comments. Catches `_com_error` and `QuonEllipsis`:
-/// they become status texts.
+/// Returns the child nodes of the document: its root element, instructions, comments. Catches `_com_error` and
+/// `QuonEllipsis`: they become status texts.
 QUON_API MSXML2::IXMLDOMNodeListPtr GetDocumentChildNodes(const MSXML2::IXMLDOMDocumentPtr& document);
 
-/// The first node of the list with the name; with `recursive` the children of each node that does not match are
+/// Returns the first node of the list with the name; with `recursive` the children of each node that does not match are
 /// searched, depth first, before the next one. @return empty when there is none
 QUON_API MSXML2::IXMLDOMNodePtr FindFirstNodeByName(const MSXML2::IXMLDOMNodeListPtr& nodes, const CString& name,
                                                     bool recursive);
 
-/// All nodes of the list with the name, in document order; with `recursive` also those below each node of the list,
-/// matching or not: the outer one comes first. Catches `_com_error` and `QuonEllipsis`: they become status texts.
+/// Returns all nodes of the list with the name, in document order; with `recursive` also those below each node of the
+/// list, matching or not: the outer one comes first. Catches `_com_error` and `QuonEllipsis`: they become status texts.
 QUON_API QuonNodeArray* FindNodesByName(const MSXML2::IXMLDOMNodeListPtr& nodes, const CString& name, bool recursive);
 
-/// As `FindFirstNodeByName`, for a node whose text equals `text` as well.
+/// Finds as `FindFirstNodeByName` does, but a node whose text equals `text` as well.
 QUON_API MSXML2::IXMLDOMNodePtr FindNodeByNameAndText(const MSXML2::IXMLDOMNodeListPtr& nodes, const CString& name,
                                                       const CString& text, bool recursive);
 
-/// The nodes called `childName` anywhere below the first node called `rootName` of the document.
+/// Returns the nodes called `childName` anywhere below the first node called `rootName` of the document.
 QUON_API QuonNodeArray* GetChildNodesOfRoot(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
                                             const CString& childName);
 
@@ -58,9 +58,9 @@ QUON_API void CollectNodesWithAttributes(QuonNodeArray& result, const MSXML2::IX
                                          const CString& name, const CString& attribute, const CString& value,
                                          bool recursive);
 
-/// As above for several attributes: `pairs` holds name, value, name, value, ... Pairs with an empty name do not count;
-/// all others must match. Without any pair that counts every node with the name is collected. A last name without a
-/// value is no pair.
+/// Appends as above for several attributes: `pairs` holds name, value, name, value, ... Pairs with an empty name do not
+/// count; all others must match. Without any pair that counts every node with the name is collected. A last name
+/// without a value does not count.
 QUON_API void CollectNodesWithAttributes(QuonNodeArray& result, const MSXML2::IXMLDOMNodeListPtr& nodes,
                                          const CString& name, const CStringArray& pairs, bool recursive);
 
@@ -69,26 +69,26 @@ QUON_API void CollectNodesWithAttributes(QuonNodeArray& result, const MSXML2::IX
 /// own: both arrays are released.
 QUON_API void AddNodes(QuonNodeArray* growing, const QuonNodeArray* toAdd);
 
-/// As `AddNodes`, comparing the values of one attribute instead; a node without it has the value "".
+/// Appends as `AddNodes` does, comparing the values of one attribute instead; a node without it has the value "".
 QUON_API void AddNodesByAttribute(QuonNodeArray* growing, const QuonNodeArray* toAdd, const CString& attribute);
 
 // Reading.
 
-/// The different names of the children of `node`, or with `recursive` of all nodes below it, in document order.
+/// Returns the different names of the children of `node`, or with `recursive` of all nodes below it, in document order.
 QUON_API CStringArray* GetNodeNames(const MSXML2::IXMLDOMNodePtr& node, bool recursive);
 
-/// The text of each node of the array. Null entries are skipped; an empty array is a failure.
+/// Returns the text of each node of the array. Null entries are skipped; an empty array is a failure.
 QUON_API CStringArray* GetTextsOfNodes(const QuonNodeArray* nodes);
 
-/// The value of an attribute for each node of the array, "" for nodes without it. Null entries are skipped; an empty
-/// array is a failure.
+/// Returns the value of an attribute for each node of the array, "" for nodes without it. Null entries are skipped; an
+/// empty array is a failure.
 QUON_API CStringArray* GetAttributeValuesOfNodes(const QuonNodeArray* nodes, const CString& attribute);
 
-/// The value of an attribute; "" for a node that has no such attribute or cannot have any.
+/// Returns the value of an attribute; "" for a node that has no such attribute or cannot have any.
 QUON_API CString GetAttributeValue(const MSXML2::IXMLDOMNodePtr& node, const CString& attribute);
 
-/// As `GetAttributeValue`, but a node that cannot have attributes, an empty name and a value that cannot be read are
-/// failures with their own status texts.
+/// Returns the same as `GetAttributeValue`, but a node that cannot have attributes, an empty name and a value that
+/// cannot be read are failures with their own status texts.
 QUON_API CString GetAttributeValueByName(const MSXML2::IXMLDOMNodePtr& node, const CString& attribute);
 
 /// Replaces `names` and `values` by those of all attributes of the node. After a failure they hold what was read
@@ -99,25 +99,25 @@ QUON_API void GetAllAttributes(const MSXML2::IXMLDOMNodePtr& node, CStringArray&
 // return their texts or the values of one attribute. A status text thrown on the way is passed on after
 // "Exception in GetValuesOfAttribute():\n", in all six.
 
-/// The root is the first node called `rootName`.
+/// Takes as root the first node called `rootName`.
 QUON_API CStringArray* GetValuesOfAttribute(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
                                             const CString& childName, const CString& attribute);
-/// The root is the first node called `rootName` whose text is `rootText`.
+/// Takes as root the first node called `rootName` whose text is `rootText`.
 QUON_API CStringArray* GetValuesOfAttributeByRootText(const MSXML2::IXMLDOMDocumentPtr& document,
                                                       const CString& rootName, const CString& childName,
                                                       const CString& rootText, const CString& attribute);
-/// The root is the first node called `rootName` with the attribute `rootAttribute` of value `rootValue`.
+/// Takes as root the first node called `rootName` with the attribute `rootAttribute` of value `rootValue`.
 QUON_API CStringArray* GetValuesOfAttributeByRootAttribute(const MSXML2::IXMLDOMDocumentPtr& document,
                                                            const CString& rootName, const CString& childName,
                                                            const CString& rootAttribute, const CString& rootValue,
                                                            const CString& attribute);
-/// The root is the first node called `rootName`.
+/// Takes as root the first node called `rootName`.
 QUON_API CStringArray* GetTextsOfChildren(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
                                           const CString& childName);
-/// The root is the first node called `rootName` whose text is `rootText`.
+/// Takes as root the first node called `rootName` whose text is `rootText`.
 QUON_API CStringArray* GetTextsOfChildrenByRootText(const MSXML2::IXMLDOMDocumentPtr& document, const CString& rootName,
                                                     const CString& childName, const CString& rootText);
-/// The root is the first node called `rootName` with the attribute `rootAttribute` of value `rootValue`.
+/// Takes as root the first node called `rootName` with the attribute `rootAttribute` of value `rootValue`.
 QUON_API CStringArray* GetTextsOfChildrenByRootAttribute(const MSXML2::IXMLDOMDocumentPtr& document,
                                                          const CString& rootName, const CString& childName,
                                                          const CString& rootAttribute, const CString& rootValue);
@@ -152,6 +152,6 @@ QUON_API bool SetAttributeOnNode(const MSXML2::IXMLDOMDocumentPtr& document, con
 /// Creates or sets the attributes `names[i]` to `values[i]`, as far as both arrays reach. @return true
 QUON_API bool SetAttributesOnNode(const MSXML2::IXMLDOMDocumentPtr& document, const MSXML2::IXMLDOMNodePtr& node,
                                   const CStringArray& names, const CStringArray& values);
-/// As `SetAttributesOnNode`, with the document that owns the node.
+/// Sets attributes as `SetAttributesOnNode` does, with the document that owns the node.
 QUON_API bool SetAttributesViaOwnerDocument(const MSXML2::IXMLDOMNodePtr& node, const CStringArray& names,
                                             const CStringArray& values);

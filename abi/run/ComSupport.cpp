@@ -114,6 +114,12 @@ unsigned int _bstr_t::length() const noexcept
     return m_Data ? ::SysStringLen(m_Data->text) : 0;
 }
 
+BSTR* _bstr_t::GetAddress()
+{
+    *this = _bstr_t(nullptr, false);
+    return &m_Data->text;
+}
+
 bool _bstr_t::operator!() const noexcept
 {
     return !m_Data || !m_Data->text;

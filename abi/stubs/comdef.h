@@ -27,6 +27,7 @@ public:
     operator const char*() const;
     bool operator!() const noexcept;
     unsigned int length() const noexcept;
+    BSTR* GetAddress();
 
 private:
     class Data_t;

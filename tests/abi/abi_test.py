@@ -83,7 +83,7 @@ EXPORTS
     _ZTIN5Outer4PathE @109 NONAME DATA
 ; vtable for Outer::Path
     _ZTVN5Outer4PathE @110 NONAME DATA
-; Walk(bool (*)(_com_ptr_t<_com_IIID_getter<INode, &MSXML2::__INode_IID_getter> >&, long long))
+; Walk(bool (*)(_com_ptr_t<_com_IIID_getter<Dom::INode, &Dom::__INode_IID_getter> >&, long long))
     _Z4Walk @111 NONAME
 """
     MSVC = {
@@ -94,7 +94,7 @@ EXPORTS
         "??0Path@Outer@@QEAA@AEBV01@@Z": 104,
         "??1Path@Outer@@UEAA@XZ": 107,
         "??_7Path@Outer@@6B@": 110,
-        "?Walk@@YAXP6A_NAEAV?$_com_ptr_t@V?$_com_IIID@UINode@@$1?_GUID_1@@3U__s_GUID@@B@@@@_J@Z@Z": 111,
+        "?Walk@@YAXP6A_NAEAV?$_com_ptr_t@V?$_com_IIID@UINode@Dom@@$1?_GUID_1@@3U__s_GUID@@B@@@@_J@Z@Z": 111,
     }
 
     def names(self):

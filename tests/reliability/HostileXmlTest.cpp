@@ -129,7 +129,7 @@ TEST_F(HostileXml, ADepthOfTenThousandIsRefusedAsTheParserSays)
 // Depth that no parser refuses: the tree is built node by node.
 TEST_F(HostileXml, ADeepTreeIsBuiltAndSearched)
 {
-    constexpr int kBuilt = 20000;
+    constexpr int kBuilt = 100000;
     QuonXml xml(L"", false, false, false);
     const MSXML2::IXMLDOMDocumentPtr document = xml.GetDocument();
     MSXML2::IXMLDOMNodePtr node = AppendNewElement(document, nullptr, L"e");

@@ -1,3 +1,4 @@
+#include "helpers/FailingAllocation.h"
 #include "xml/QuonXmlTestSupport.h"
 
 #include <cstdlib>
@@ -366,6 +367,28 @@ TEST_F(QuonXmlTest, ABufferThatCannotBeMadeIsOutOfMemory)
     EXPECT_EQ(xml.SaveToMemory(MSXML2::IXMLDOMDocumentPtr(&document), buffer, size), E_OUTOFMEMORY);
     EXPECT_EQ(size, kHugeBuffer) << "the size is known by then";
     EXPECT_EQ(buffer, nullptr);
+}
+
+TEST_F(QuonXmlTest, AFileNameWithoutCharactersIsRaisedAsOutOfMemory)
+{
+    QuonXml xml(L"a.xml", false, true, false);
+    {
+        const ImportPatch<decltype(&::SysAllocString)> patch(kLibrary, "SysAllocString",
+                                                             [](const OLECHAR*) WINAPI -> BSTR { return nullptr; });
+        EXPECT_EQ(ErrorOf([&] { xml.Load(); }), E_OUTOFMEMORY);
+    }
+    EXPECT_EQ(xml.Load(), E_FAIL) << "with memory the name is resolved and refused";
+}
+
+TEST_F(QuonXmlTest, AFileNameWithoutAnOwnerIsRaisedAsOutOfMemory)
+{
+    QuonXml xml(L"a.xml", false, true, false);
+    {
+        const FailingAllocation failing(0);
+        EXPECT_EQ(ErrorOf([&] { xml.Load(); }), E_OUTOFMEMORY);
+        EXPECT_TRUE(failing.Failed());
+    }
+    EXPECT_EQ(xml.Load(), E_FAIL) << "with memory the name is resolved and refused";
 }
 
 }  // namespace
