@@ -53,7 +53,7 @@ std::wstring LocalTime()
 }
 
 // Prints the events of one path.
-class Watch : public QuonFileEventSink
+class Watch final : public QuonFileEventSink
 {
 public:
     Watch(const std::wstring& path, DWORD mask, bool isJson)

@@ -12,6 +12,10 @@ TOP = abi.TOP
 FOLDERS = ("framework/new", "host", "examples", "tests")
 BENCHMARK_SUPPORT = TOP / "benchmarks/BenchmarkSupport.cpp"
 GOOGLETEST = Path("/usr/src/googletest")
+# Sources of the library that a test compiles for itself, with a host's point array in the place of the library's.
+HOST_ARRAY = {TOP / "tests/geometry" / name for name in ("HostArrayTest.cpp", "HostReaders.cpp")}
+HOST_ARRAY_OPTIONS = ("-DQUON_BUILDING_LIBRARY", "-DQUON_USE_HOST_VXGE", "-DQUON_VXGE_HEADER=<HostVxGe.h>",
+                      f"-I{TOP / 'tests/geometry/host'}")
 TEST_HEADERS = ("afx.h", "gmock/gmock.h", "gtest/gtest.h")
 
 
@@ -69,7 +73,9 @@ def parse(build):
     def check(source):
         mark = build / "abi/parsed" / source.relative_to(TOP).with_suffix(".ok")
         command = [*abi.compiler("c++20"), *options(build), "-fsyntax-only", str(source)]
-        if TOP / "tests" in source.parents:
+        if source in HOST_ARRAY:
+            command[1:1] = HOST_ARRAY_OPTIONS
+        elif TOP / "tests" in source.parents:
             command[1:1] = ["-include-pch", str(precompiled)]
         return compile_if_changed(command, mark)
 

@@ -61,6 +61,7 @@ public:
     _com_error(const _com_error&) noexcept;
     virtual ~_com_error() noexcept;
     HRESULT Error() const noexcept;
+    const wchar_t* ErrorMessage() const noexcept;
     _bstr_t Description() const;
 
 private:
@@ -209,7 +210,9 @@ private:
         }
         return m_pInterface;
     }
-    void Query(IUnknown* other)
+    // By the type that it is given: an object of several interfaces has several IUnknown.
+    template <typename _InterfaceType>
+    void Query(_InterfaceType* other)
     {
         const HRESULT result =
             other == nullptr ? E_NOINTERFACE : other->QueryInterface(GetIID(), reinterpret_cast<void**>(&m_pInterface));

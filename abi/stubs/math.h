@@ -1,8 +1,10 @@
 /// @file
-/// The run-time's functions for `long double`, which is a double here; Wine's header leaves them out.
+/// What Wine's header leaves out: `nan`, and the run-time's functions for `long double`, which is a double here.
 #pragma once
 
 #include_next <math.h>
+
+double nan(const char*);
 
 long double acosl(long double);
 long double asinl(long double);

@@ -16,11 +16,15 @@ extern const nothrow_t nothrow;
 }  // namespace std
 void* operator new(size_t);
 void* operator new(size_t, const std::nothrow_t&) noexcept;
+void* operator new(size_t, std::align_val_t);
+void* operator new(size_t, std::align_val_t, const std::nothrow_t&) noexcept;
 void* operator new[](size_t);
 void* operator new[](size_t, const std::nothrow_t&) noexcept;
 void operator delete(void*) noexcept;
 void operator delete(void*, size_t) noexcept;
 void operator delete(void*, const std::nothrow_t&) noexcept;
+void operator delete(void*, std::align_val_t) noexcept;
+void operator delete(void*, size_t, std::align_val_t) noexcept;
 void operator delete[](void*) noexcept;
 void operator delete[](void*, size_t) noexcept;
 void operator delete[](void*, const std::nothrow_t&) noexcept;

@@ -113,7 +113,7 @@ Result CallSlot(QuonFaceReader& reader, std::size_t index, Arguments... argument
     return reinterpret_cast<Result (*)(QuonFaceReader*, Arguments...)>(table[index])(&reader, arguments...);
 }
 
-#if defined(__GNUC__)
+#if !defined(_MSC_VER)
 constexpr std::size_t kDestructorSlots = 2;
 #else
 constexpr std::size_t kDestructorSlots = 1;

@@ -148,7 +148,7 @@ TEST(HEventCallback, KeepsItsLayout)
     EXPECT_EQ(sizeof(callback), 24u);
     EXPECT_TRUE(FieldAt<bool>(callback, 8));
     EXPECT_EQ(FieldAt<HANDLE>(callback, 16), event.Handle());
-#if defined(__GNUC__)
+#if !defined(_MSC_VER)
     EXPECT_EQ(SlotOf(&QuonCallback::Invoke), 2u);
 #endif
 }

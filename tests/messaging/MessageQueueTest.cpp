@@ -475,7 +475,7 @@ TEST(MessageQueueLayout, KeepsItsFieldsAndVirtualFunctionsInOrder)
     queue.Close();
     EXPECT_TRUE(FieldAt<bool>(queue, handle + 8));
     EXPECT_EQ(sizeof(QuonMessage), sizeof(void*));
-#if defined(__GNUC__)
+#if !defined(_MSC_VER)
     EXPECT_EQ(SlotOf(&QuonMessageQueue::PeekNext), 2u);
     EXPECT_EQ(SlotOf(&QuonMessageQueue::GetNext), 3u);
     EXPECT_EQ(SlotOf(&QuonMessageQueue::Post), 4u);

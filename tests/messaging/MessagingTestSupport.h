@@ -60,7 +60,7 @@ private:
     std::vector<std::string> m_lines;
 };
 
-#if defined(__GNUC__)
+#if !defined(_MSC_VER)
 /// The place of a virtual function in its class's table; a virtual destructor takes two places with this compiler.
 template <typename Member>
 std::size_t SlotOf(Member member)

@@ -496,7 +496,7 @@ TEST(ServerThreadLayout, KeepsItsFieldsAndVirtualFunctionsInOrder)
     EXPECT_EQ(FieldAt<bool>(server, kHandle + 12), true);
     const QuonSynchronizedSelector selector;
     EXPECT_EQ(FieldAt<void*>(server, kSelector), FieldAt<void*>(selector, 0));
-#if defined(__GNUC__)
+#if !defined(_MSC_VER)
     EXPECT_EQ(SlotOf(&QuonServerThread::Start), 2u);
     EXPECT_EQ(SlotOf(&QuonServerThread::AddHandler), 3u);
     EXPECT_EQ(SlotOf(&QuonServerThread::RemoveHandler), 4u);

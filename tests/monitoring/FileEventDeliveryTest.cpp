@@ -311,6 +311,8 @@ TEST_F(FileEventDelivery, SwallowsEveryExceptionOfASink)
     EXPECT_THAT(sink.calls, ElementsAre("size"));
 }
 
+// With MSVC a pointer to a member does not say the place; the check of the interface does.
+#if !defined(_MSC_VER)
 TEST(FileEventInterfaces, StandInTheirOrder)
 {
     const std::vector<size_t> sinkSlots = {
@@ -328,6 +330,7 @@ TEST(FileEventInterfaces, StandInTheirOrder)
     EXPECT_EQ(sizeof(QuonFileEventSink), sizeof(void*));
     EXPECT_EQ(sizeof(QuonFileEventServer), sizeof(void*));
 }
+#endif
 
 TEST(FileEventInterfaces, BelongToOneServer)
 {

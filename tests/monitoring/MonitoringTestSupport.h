@@ -29,7 +29,7 @@ constexpr UINT kMsgWatchFailed = 0x8806;
 constexpr UINT kMsgFolderSignaled = 0x8807;
 
 /// Remembers its calls: what was called, and for which subscription.
-class RecordingSink : public QuonFileEventSink
+class RecordingSink final : public QuonFileEventSink
 {
 public:
     void OnFileNameChanged(const QuonFileEventId* id) override { Note("file name", *id); }

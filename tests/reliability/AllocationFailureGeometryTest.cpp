@@ -56,11 +56,11 @@ void CollectFaces()
 
 TEST(AllocationFailureGeometry, Triangles)
 {
-    EXPECT_GT(ExpectSurvives(&CollectFaces<QuonMultiTriFaceReader>, kReturned | kStandardMemory), 10);
+    EXPECT_GT(ExpectSurvives(&CollectFaces<QuonMultiTriFaceReader>, kPlain), 10);
 }
 TEST(AllocationFailureGeometry, Polygons)
 {
-    EXPECT_GT(ExpectSurvives(&CollectFaces<QuonMultiPolyFaceReader>, kReturned | kStandardMemory), 40);
+    EXPECT_GT(ExpectSurvives(&CollectFaces<QuonMultiPolyFaceReader>, kPlain), 40);
 }
 
 TEST(AllocationFailureGeometry, ASingleFace)

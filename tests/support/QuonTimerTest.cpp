@@ -21,7 +21,7 @@ using quon_test::TemporaryFolder;
 using quon_test::ToCString;
 using quon_test::Wide;
 
-constexpr wchar_t kLibrary[] = quon_test::kLibraryModule;
+constexpr const wchar_t* kLibrary = quon_test::kLibraryModule;
 
 static_assert(std::is_base_of_v<CStdioFile, QuonStdioFile>);
 static_assert(std::is_base_of_v<QuonStdioFile, QuonTimer>);

@@ -249,25 +249,25 @@ TEST_F(BlockPoolRegions, BalanceOnRandomUse)
 
 TEST_F(BlockPoolRegions, ServeElementsOfSeveralSizes)
 {
-    void* small = nullptr;
+    void* sixteens = nullptr;
     void* large = nullptr;
     std::vector<void*> smalls;
     std::vector<void*> larges;
     for (std::size_t i = 0; i < kRegionPages; ++i)
     {
-        AddPage(&small, 16);
+        AddPage(&sixteens, 16);
         AddPage(&large, 1000);
     }
     ASSERT_EQ(m_journal.GetRequests().size(), 1u);
-    smalls = AllocateAll(&small);
+    smalls = AllocateAll(&sixteens);
     larges = AllocateAll(&large);
     std::shuffle(smalls.begin(), smalls.end(), std::mt19937(1));
     std::shuffle(larges.begin(), larges.end(), std::mt19937(2));
-    FreeAll(&small, smalls);
+    FreeAll(&sixteens, smalls);
     EXPECT_TRUE(m_journal.GetReleases().empty()) << "both regions hold pages of both sizes";
     FreeAll(&large, larges);
     EXPECT_EQ(m_journal.GetReleases().size(), 1u);
-    EXPECT_EQ(small, nullptr);
+    EXPECT_EQ(sixteens, nullptr);
     EXPECT_EQ(large, nullptr);
 }
 

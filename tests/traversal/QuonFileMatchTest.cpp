@@ -80,7 +80,7 @@ TEST(FileMatchInterface, HasNoData)
     EXPECT_TRUE((std::is_base_of_v<QuonFileMatch, QuonDFSFileTree>));
 }
 
-#if defined(__GNUC__)
+#if !defined(_MSC_VER)
 // A pointer to a virtual member holds one more than the offset of its slot (Itanium C++ ABI).
 template <typename Member>
 std::ptrdiff_t SlotOf(Member member)

@@ -61,13 +61,13 @@ TEST(FormatHResultText, AsksTheSystemInItsLanguageAndFreesTheBuffer)
     g_freed.clear();
     const ImportPatch<DWORD(WINAPI*)(DWORD, LPCVOID, DWORD, DWORD, LPWSTR, DWORD, char**)> asking(
         L"QuonWin32Utils.dll", "FormatMessageW",
-        [](DWORD flags, LPCVOID source, DWORD code, DWORD language, LPWSTR buffer, DWORD size, char** arguments)
-            WINAPI -> DWORD {
-                g_request = {flags, code, language, source == nullptr && size == 0 && arguments == nullptr, nullptr};
-                const DWORD length = ::FormatMessageW(flags, source, code, language, buffer, size, arguments);
-                g_request.buffer = *reinterpret_cast<void**>(buffer);
-                return length;
-            });
+        [](DWORD flags, LPCVOID source, DWORD code, DWORD language, LPWSTR buffer, DWORD size,
+           char** arguments) -> DWORD {
+            g_request = {flags, code, language, source == nullptr && size == 0 && arguments == nullptr, nullptr};
+            const DWORD length = ::FormatMessageW(flags, source, code, language, buffer, size, arguments);
+            g_request.buffer = *reinterpret_cast<void**>(buffer);
+            return length;
+        });
     const ImportPatch<decltype(&::LocalFree)> freeing(L"QuonWin32Utils.dll", "LocalFree", [](HLOCAL memory) -> HLOCAL {
         g_freed.push_back(memory);
         return ::LocalFree(memory);

@@ -235,9 +235,9 @@ TEST(QuonFileStream, WriteFailsWhenTheFileDoes)
     const TemporaryFolder folder;
     const Stream stream;
     ASSERT_TRUE(stream->OpenForWrite((folder / L"out").c_str()));
-    const ImportPatch<decltype(&::WriteFile)> patch(L"QuonWin32Utils.dll", "WriteFile",
-                                                    [](HANDLE, LPCVOID, DWORD, LPDWORD, LPOVERLAPPED)
-                                                        WINAPI -> BOOL { return FALSE; });
+    const ImportPatch<decltype(&::WriteFile)> patch(
+        L"QuonWin32Utils.dll", "WriteFile",
+        [](HANDLE, LPCVOID, DWORD, LPDWORD, LPOVERLAPPED) -> BOOL { return FALSE; });
     ULONG written = 0;
     EXPECT_EQ(stream->Write("abc", 3, &written), E_FAIL);
 }

@@ -277,7 +277,7 @@ TEST_F(QuonXmlTest, MemoryStepsThatFailGiveTheirResults)
         SCOPED_TRACE(code);
         g_lockError = code;
         const ImportPatch<decltype(&::GlobalLock)> patch(
-            kLibrary, "GlobalLock", [](HGLOBAL) WINAPI -> LPVOID { return ::SetLastError(g_lockError), nullptr; });
+            kLibrary, "GlobalLock", [](HGLOBAL) -> LPVOID { return ::SetLastError(g_lockError), nullptr; });
         EXPECT_EQ(xml.SaveToMemory(pointer, buffer, size), code == ERROR_SUCCESS ? E_FAIL : E_HANDLE);
         EXPECT_EQ(buffer, nullptr);
     }
@@ -374,7 +374,7 @@ TEST_F(QuonXmlTest, AFileNameWithoutCharactersIsRaisedAsOutOfMemory)
     QuonXml xml(L"a.xml", false, true, false);
     {
         const ImportPatch<decltype(&::SysAllocString)> patch(kLibrary, "SysAllocString",
-                                                             [](const OLECHAR*) WINAPI -> BSTR { return nullptr; });
+                                                             [](const OLECHAR*) -> BSTR { return nullptr; });
         EXPECT_EQ(ErrorOf([&] { xml.Load(); }), E_OUTOFMEMORY);
     }
     EXPECT_EQ(xml.Load(), E_FAIL) << "with memory the name is resolved and refused";

@@ -55,13 +55,13 @@ TEST_F(XmlValues, OnlyASeparatorThatDiffersIsTouched)
     reads.clear();
     SetSeparators(L",", L",");
     const ImportPatch<decltype(&::SetLocaleInfoW)> writing(kLibrary, "SetLocaleInfoW",
-                                                           [](LCID locale, LCTYPE type, LPCWSTR text) WINAPI -> BOOL {
+                                                           [](LCID locale, LCTYPE type, LPCWSTR text) -> BOOL {
                                                                EXPECT_EQ(locale, LCID{LOCALE_USER_DEFAULT});
                                                                changes.push_back({type, text});
                                                                return ::SetLocaleInfoW(locale, type, text);
                                                            });
     const ImportPatch<decltype(&::GetLocaleInfoW)> reading(
-        kLibrary, "GetLocaleInfoW", [](LCID locale, LCTYPE type, LPWSTR text, int size) WINAPI -> int {
+        kLibrary, "GetLocaleInfoW", [](LCID locale, LCTYPE type, LPWSTR text, int size) -> int {
             EXPECT_EQ(locale, LCID{LOCALE_USER_DEFAULT});
             reads.emplace_back(type, size);
             return ::GetLocaleInfoW(locale, type, text, size);
@@ -90,12 +90,12 @@ TEST_F(XmlValues, BothSeparatorsAreReadBeforeEitherIsSwitched)
     calls.clear();
     SetSeparators(L",", L".");
     const ImportPatch<decltype(&::GetLocaleInfoW)> reading(
-        kLibrary, "GetLocaleInfoW", [](LCID locale, LCTYPE type, LPWSTR text, int size) WINAPI -> int {
+        kLibrary, "GetLocaleInfoW", [](LCID locale, LCTYPE type, LPWSTR text, int size) -> int {
             calls += type == LOCALE_SDECIMAL ? L"read decimal, " : L"read thousands, ";
             return ::GetLocaleInfoW(locale, type, text, size);
         });
     const ImportPatch<decltype(&::SetLocaleInfoW)> writing(
-        kLibrary, "SetLocaleInfoW", [](LCID locale, LCTYPE type, LPCWSTR text) WINAPI -> BOOL {
+        kLibrary, "SetLocaleInfoW", [](LCID locale, LCTYPE type, LPCWSTR text) -> BOOL {
             calls += type == LOCALE_SDECIMAL ? L"set decimal, " : L"set thousands, ";
             return ::SetLocaleInfoW(locale, type, text);
         });
@@ -108,7 +108,7 @@ TEST_F(XmlValues, ASeparatorThatCannotBeReadIsLeftAlone)
     SetSeparators(L",", L".");
     {
         const ImportPatch<decltype(&::GetLocaleInfoW)> reading(
-            kLibrary, "GetLocaleInfoW", [](LCID, LCTYPE, LPWSTR, int) WINAPI -> int { return 0; });
+            kLibrary, "GetLocaleInfoW", [](LCID, LCTYPE, LPWSTR, int) -> int { return 0; });
         EXPECT_EQ(GetXmlDouble(RootWith(L"7"), L"v"), 7.0);
     }
     EXPECT_EQ(Separator(LOCALE_SDECIMAL), L",");
@@ -120,7 +120,7 @@ TEST_F(XmlValues, ASeparatorThatCannotBeSetStaysInForce)
     SetSeparators(L",", L".");
     {
         const ImportPatch<decltype(&::SetLocaleInfoW)> writing(
-            kLibrary, "SetLocaleInfoW", [](LCID, LCTYPE, LPCWSTR) WINAPI -> BOOL { return FALSE; });
+            kLibrary, "SetLocaleInfoW", [](LCID, LCTYPE, LPCWSTR) -> BOOL { return FALSE; });
         EXPECT_EQ(GetXmlDouble(RootWith(L"7"), L"v"), 7.0);
     }
     EXPECT_EQ(Separator(LOCALE_SDECIMAL), L",");

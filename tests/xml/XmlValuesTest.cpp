@@ -131,13 +131,12 @@ TEST_F(XmlValues, AConversionThatSucceedsWithoutTheTypeGivesZero)
     static std::vector<VARTYPE> types;
     types.clear();
     const ImportPatch<Change> patch(kLibrary, "VariantChangeType",
-                                    [](VARIANTARG* to, const VARIANTARG* from, USHORT flags, VARTYPE type)
-                                        WINAPI -> HRESULT {
-                                            EXPECT_EQ(to, from) << "in place";
-                                            EXPECT_EQ(flags, 0);
-                                            types.push_back(type);
-                                            return S_OK;
-                                        });
+                                    [](VARIANTARG* to, const VARIANTARG* from, USHORT flags, VARTYPE type) -> HRESULT {
+                                        EXPECT_EQ(to, from) << "in place";
+                                        EXPECT_EQ(flags, 0);
+                                        types.push_back(type);
+                                        return S_OK;
+                                    });
     const MSXML2::IXMLDOMNodePtr node = RootWith(L"1");
     EXPECT_FALSE(GetXmlBool(node, L"v"));
     EXPECT_EQ(GetXmlShort(node, L"v"), 0);
