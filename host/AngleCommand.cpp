@@ -1,12 +1,12 @@
 #include "host/Commands.h"
 
 #include "host/Console.h"
+#include "host/Options.h"
 #include "host/Report.h"
 #include "support/Angles.h"
-#include "support/StringHelpers.h"
 
 #include <cmath>
-#include <cwchar>
+#include <limits>
 #include <memory>
 
 namespace quonhost
@@ -14,23 +14,16 @@ namespace quonhost
 namespace
 {
 
+// No angle is too large, as long as it is a number.
+constexpr double kLargest = std::numeric_limits<double>::max();
+
 struct AngleOptions
 {
-    std::string value;
+    double value = 0;
     std::string from;
     std::string to;
     bool json = false;
 };
-
-double ParseValue(const std::string& text)
-{
-    double value = 0;
-    if (text.empty() || !ParseDouble(ToWide(text).c_str(), &value) || !std::isfinite(value))
-    {
-        throw CommandError("\"" + text + "\" is no number");
-    }
-    return value;
-}
 
 double Convert(double value, const std::string& from, const std::string& to)
 {
@@ -48,15 +41,19 @@ double Convert(double value, const std::string& from, const std::string& to)
 
 void PrintAngle(const AngleOptions& options)
 {
-    const double angle = Convert(ParseValue(options.value), options.from, options.to);
+    const double angle = Convert(options.value, options.from, options.to);
+    if (!std::isfinite(angle))
+    {
+        throw CommandError(L"the angle is too large to convert");
+    }
     if (options.json)
     {
         PrintJson({{"value", angle}, {"unit", options.to}});
         return;
     }
-    wchar_t text[64] = {};
-    _snwprintf(text, 63, L"%.15g", angle);
-    PrintLine(text);
+    CString text;
+    text.Format(L"%.15g", angle);
+    PrintLine(text.GetString());
 }
 
 }  // namespace
@@ -65,16 +62,12 @@ void AddAngleCommand(CLI::App& app)
 {
     auto options = std::make_shared<AngleOptions>();
     CLI::App* command = app.add_subcommand("angle", "Convert an angle");
-    command->add_option("value", options->value, "The angle")->required();
-    const CLI::IsMember units({"deg", "rad", "dms"});
-    command->add_option("--from", options->from, "deg: decimal degrees, rad: radians, dms: D.MMSS")
-        ->required()
-        ->check(units);
-    command
-        ->add_option("--to", options->to,
-                     "The same units; to dms, the last four decimals are the fraction of a minute, not seconds")
-        ->required()
-        ->check(units);
+    AddNumber(*command, "value", options->value, -kLargest, kLargest, "", "The angle")->required();
+    const Choices units = {"deg", "rad", "dms"};
+    AddChoice(*command, "--from", options->from, units, "deg: decimal degrees, rad: radians, dms: D.MMSS")->required();
+    AddChoice(*command, "--to", options->to, units,
+              "The same units; to dms, the last four decimals are the fraction of a minute, not seconds")
+        ->required();
     AddJsonFlag(*command, options->json);
     command->callback([options] { PrintAngle(*options); });
 }

@@ -1,6 +1,7 @@
 #include "host/Commands.h"
 
 #include "host/Console.h"
+#include "host/Options.h"
 #include "host/Report.h"
 #include "monitoring/QuonBrowseForDirectory.h"
 #include "paths/QuonPath.h"
@@ -15,13 +16,13 @@ namespace
 
 struct BrowseOptions
 {
-    std::optional<std::string> initialFolder;
-    std::optional<std::string> rootFolder;
-    std::string title = "Choose a folder";
+    std::optional<std::wstring> initialFolder;
+    std::optional<std::wstring> rootFolder;
+    std::wstring title = L"Choose a folder";
     bool json = false;
 };
 
-// Says below the title what it would return.
+// Shows below the title what it would return.
 class Browser : public QuonBrowseForDirectory
 {
 public:
@@ -36,12 +37,12 @@ public:
 
 void BrowseFolders(const BrowseOptions& options)
 {
-    const std::wstring initialFolder = FullPath(options.initialFolder.value_or(""));
-    const std::wstring rootFolder = FullPath(options.rootFolder.value_or(""));
+    const std::wstring initialFolder = FullPath(options.initialFolder.value_or(L"").c_str());
+    const std::wstring rootFolder = FullPath(options.rootFolder.value_or(L"").c_str());
     QuonPath chosen;
     Browser browser;
-    if (!browser.Browse(chosen, options.initialFolder ? initialFolder.c_str() : nullptr, ToWide(options.title).c_str(),
-                        nullptr, options.rootFolder ? rootFolder.c_str() : nullptr))
+    if (!browser.Browse(chosen, options.initialFolder ? initialFolder.c_str() : nullptr, options.title.c_str(), nullptr,
+                        options.rootFolder ? rootFolder.c_str() : nullptr))
     {
         throw CommandError("no folder was chosen");
     }
@@ -59,9 +60,9 @@ void AddBrowseCommand(CLI::App& app)
 {
     auto options = std::make_shared<BrowseOptions>();
     CLI::App* command = app.add_subcommand("browse", "Let the user choose a folder in a dialog and print it");
-    command->add_option("--initial", options->initialFolder, "The folder to select at first");
-    command->add_option("--root", options->rootFolder, "The folder above which nobody can go");
-    command->add_option("--title", options->title, "The text above the folders")->capture_default_str();
+    AddText(*command, "--initial", options->initialFolder, "The folder to select at first", "FOLDER");
+    AddText(*command, "--root", options->rootFolder, "The outermost folder that is shown", "FOLDER");
+    AddText(*command, "--title", options->title, "The text above the folders", "TEXT")->default_str("Choose a folder");
     AddJsonFlag(*command, options->json);
     command->callback([options] { BrowseFolders(*options); });
 }

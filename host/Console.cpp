@@ -2,15 +2,12 @@
 
 #include <afx.h>
 
-#include <fcntl.h>
-#include <io.h>
+#include "host/Streams.h"
 
-#include <cstdio>
+#include <algorithm>
 
 namespace quonhost
 {
-
-CommandError::CommandError(std::wstring_view text) : std::runtime_error(ToUtf8(text)) {}
 
 std::string ToUtf8(std::wstring_view text)
 {
@@ -32,31 +29,55 @@ std::wstring ToWide(std::string_view text)
     return result;
 }
 
-std::wstring FullPath(std::string_view path)
+std::wstring FullPath(const wchar_t* path)
 {
-    const std::wstring relative = ToWide(path);
-    std::wstring full(::GetFullPathNameW(relative.c_str(), 0, nullptr, nullptr), L'\0');
-    full.resize(::GetFullPathNameW(relative.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    std::wstring full(::GetFullPathNameW(path, 0, nullptr, nullptr), L'\0');
+    full.resize(::GetFullPathNameW(path, static_cast<DWORD>(full.size()), full.data(), nullptr));
     return full;
+}
+
+std::wstring InQuotes(const std::wstring& name)
+{
+    return L"\"" + name + L"\"";
+}
+
+std::wstring Counted(unsigned long long count, std::wstring_view singular, std::wstring_view plural)
+{
+    return std::to_wstring(count) + L' ' + std::wstring(count == 1 ? singular : plural);
 }
 
 void PrintLine(std::wstring_view text)
 {
-    const std::string line = ToUtf8(text) + '\n';
-    std::fwrite(line.data(), 1, line.size(), stdout);
+    StandardOutput().Write(ToUtf8(text) + '\n');
 }
 
-void PrintError(std::string_view text)
+void PrintError(std::wstring_view text)
 {
-    const std::string line = "quonhost: " + std::string(text) + '\n';
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    std::wstring line = L"quonhost: " + std::wstring(text);
+    // A name may contain a line break; an error stays one line.
+    std::replace_if(
+        line.begin(), line.end(), [](wchar_t ch) { return ch < L' '; }, L' ');
+    const std::string utf8 = ToUtf8(line) + '\n';
+    DWORD written = 0;
+    // An error that cannot be shown still has its exit code.
+    ::WriteFile(::GetStdHandle(STD_ERROR_HANDLE), utf8.data(), static_cast<DWORD>(utf8.size()), &written, nullptr);
 }
 
-void SetUpConsole()
+void PrintError(std::string_view utf8)
 {
+    PrintError(ToWide(utf8));
+}
+
+ConsoleCodePages::ConsoleCodePages() : m_input(::GetConsoleCP()), m_output(::GetConsoleOutputCP())
+{
+    ::SetConsoleCP(CP_UTF8);
     ::SetConsoleOutputCP(CP_UTF8);
-    ::_setmode(::_fileno(stdout), _O_BINARY);
-    ::_setmode(::_fileno(stderr), _O_BINARY);
+}
+
+ConsoleCodePages::~ConsoleCodePages()
+{
+    ::SetConsoleCP(m_input);
+    ::SetConsoleOutputCP(m_output);
 }
 
 }  // namespace quonhost

@@ -1,8 +1,11 @@
 #include "host/Commands.h"
 
 #include "host/Console.h"
+#include "host/FileIdentity.h"
+#include "host/FileSteps.h"
+#include "host/Options.h"
 #include "host/ProgressBar.h"
-#include "host/StoppableWalk.h"
+#include "host/Stop.h"
 #include "paths/FileOperations.h"
 #include "paths/QuonPath.h"
 #include "support/Progress.h"
@@ -18,35 +21,29 @@ namespace
 
 struct TransferOptions
 {
-    std::string source;
-    std::string destination;
+    std::wstring source;
+    std::wstring destination;
     bool failIfExists = false;
     bool progress = false;
 };
 
 struct RemoveOptions
 {
-    std::string target;
+    std::wstring target;
     bool progress = false;
 };
 
-bool IsFolder(const QuonPath& path)
+QuonPath ExistingPath(const std::wstring& text)
 {
-    const DWORD attributes = ::GetFileAttributesW(path);
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-}
-
-QuonPath ExistingPath(const std::string& text)
-{
-    QuonPath path(ToWide(text), QuonPathNormalize);
+    QuonPath path(text.c_str(), QuonPathNormalize);
     if (!path.Exists())
     {
-        throw CommandError("\"" + text + "\" does not exist");
+        throw CommandError(InQuotes(text) + L" does not exist");
     }
     return path;
 }
 
-// Starts the bar, which needs to know the whole: when somebody looks there is a walk before the walk.
+// Starts the bar. It needs to know the whole, so there is a walk before the walk when somebody watches.
 void BeginFiles(const QuonPath& folder, bool isVisible)
 {
     unsigned int count = 0;
@@ -56,89 +53,130 @@ void BeginFiles(const QuonPath& folder, bool isVisible)
         for (files.FindFirst(folder, L"*", kQuonMatchFiles); files.IsFound(); files.FindNext())
         {
             ++count;
+            StopIfAsked();
         }
     }
     ProgressBegin(0, count);
 }
 
-// Copies as CopyFolderTree does, but Ctrl+C ends it after the file at hand.
-unsigned int CopyFolder(const QuonPath& source, const QuonPath& destination, const TransferOptions& options)
+// Between two files only, so that each file is whole.
+void AdvanceFile(unsigned int& done)
 {
+    ProgressSetPosition(++done);
+    StopIfAsked();
+}
+
+// As CopyFolderTree does it, with a name and a reason for what fails, and a chance to stop after each file.
+void CopyFolder(const QuonPath& source, const QuonPath& destination, const TransferOptions& options)
+{
+    RequireSeparateFolders(source, destination);
     QuonBFSDirectoryTree folders;
-    folders.FindFirst(source, L"*", kQuonMatchFolders);
-    if (CreateMatchedFolders(folders, destination))
+    for (folders.FindFirst(source, L"*", kQuonMatchFolders); folders.IsFound(); folders.FindNext())
     {
-        return 1;
+        RequireReadableFolder(folders.GetFoundPath());
+        MakeFolder(destination + folders.GetFoundName());
+        StopIfAsked();
     }
     BeginFiles(source, options.progress || IsProgressVisible());
-    StoppableWalk<QuonBFSFileTree> files;
-    files.FindFirst(source, L"*", kQuonMatchFiles);
-    const unsigned int failed = CopyMatchedFiles(files, destination, options.failIfExists);
-    files.ThrowIfStopped();
-    return failed;
+    unsigned int done = 0;
+    QuonBFSFileTree files;
+    for (files.FindFirst(source, L"*", kQuonMatchFiles); files.IsFound(); files.FindNext())
+    {
+        CopyFileWhole(files.GetFoundPath(), destination + files.GetFoundName(), options.failIfExists);
+        AdvanceFile(done);
+    }
 }
 
 void Copy(const TransferOptions& options)
 {
     const QuonPath source = ExistingPath(options.source);
-    const QuonPath destination(ToWide(options.destination), QuonPathNormalize);
-    const ProgressBar bar(options.progress || (IsFolder(source) && IsProgressVisible()));
-    const unsigned int failed = IsFolder(source) ? CopyFolder(source, destination, options)
-                                                 : CopyOneFile(source, destination, options.failIfExists);
-    if (failed)
+    const QuonPath destination(options.destination.c_str(), QuonPathNormalize);
+    const bool isFolder = IsFolder(source);
+    const ProgressBar bar(options.progress || (isFolder && IsProgressVisible()));
+    if (isFolder)
     {
-        throw CommandError("could not copy all of \"" + options.source + "\" to \"" + options.destination + "\"");
+        CopyFolder(source, destination, options);
+        return;
+    }
+    const QuonPath target = FileTarget(source, destination);
+    // Before its folder is made: a refused copy leaves nothing.
+    RequireDifferentFiles(source, target);
+    MakeFolder(target.GetFolder());
+    CopyFileWhole(source, target, options.failIfExists);
+}
+
+// Deletes all files that can be deleted, then the folders. The first file that cannot is the reason for what stays.
+void RemoveFolder(const QuonPath& folder, bool isVisible)
+{
+    BeginFiles(folder, isVisible);
+    std::wstring failure;
+    {
+        unsigned int done = 0;
+        QuonDFSFileTree files;
+        for (files.FindFirst(folder, L"*", kQuonMatchFiles); files.IsFound(); files.FindNext())
+        {
+            const std::wstring problem = DeleteFileOrExplain(files.GetFoundPath());
+            failure = failure.empty() ? problem : failure;
+            AdvanceFile(done);
+        }
+    }
+    if (RemoveFolderTree(folder))
+    {
+        throw CommandError(failure.empty() ? ExplainFolderThatStays(folder) : failure);
     }
 }
 
 void Move(const TransferOptions& options)
 {
     const QuonPath source = ExistingPath(options.source);
-    const QuonPath destination(ToWide(options.destination), QuonPathNormalize);
+    const QuonPath destination(options.destination.c_str(), QuonPathNormalize);
     if (!IsFolder(source))
     {
-        throw CommandError("\"" + options.source + "\" is no folder");
+        throw CommandError(InQuotes(options.source) + L" is not a folder");
     }
-    const ProgressBar bar(options.progress || IsProgressVisible());
-    // The source goes only when all of it was copied; from then on nothing stops the move.
-    if (CopyFolder(source, destination, options) || RemoveFolderTree(source))
+    const bool isVisible = options.progress || IsProgressVisible();
+    const ProgressBar bar(isVisible);
+    CopyFolder(source, destination, options);
+    // All of the source was copied; from now on nothing stops the move.
+    if (RemoveFolderTree(source))
     {
-        throw CommandError("could not move \"" + options.source + "\" to \"" + options.destination + "\"");
+        throw CommandError(L"all is copied to " + InQuotes(options.destination) + L", but " +
+                           ExplainFolderThatStays(source));
     }
-}
-
-unsigned int RemoveFolder(const QuonPath& folder, const RemoveOptions& options)
-{
-    BeginFiles(folder, options.progress || IsProgressVisible());
-    {
-        StoppableWalk<QuonDFSFileTree> files;
-        files.FindFirst(folder, L"*", kQuonMatchFiles);
-        DeleteMatchedFiles(files);
-        files.ThrowIfStopped();
-    }
-    return RemoveFolderTree(folder);
 }
 
 void Remove(const RemoveOptions& options)
 {
     const QuonPath path = ExistingPath(options.target);
-    const ProgressBar bar(options.progress || (IsFolder(path) && IsProgressVisible()));
-    if (IsFolder(path) ? RemoveFolder(path, options) : DeleteFileForced(path))
+    const bool isFolder = IsFolder(path);
+    const bool isVisible = options.progress || (isFolder && IsProgressVisible());
+    const ProgressBar bar(isVisible);
+    if (isFolder)
     {
-        throw CommandError("could not remove all of \"" + options.target + "\"");
+        RemoveFolder(path, isVisible);
+        return;
+    }
+    const std::wstring failure = DeleteFileOrExplain(path);
+    if (!failure.empty())
+    {
+        throw CommandError(failure);
     }
 }
 
-void AddTransferCommand(CLI::App& app, const char* name, const char* description,
-                        void (*transfer)(const TransferOptions&))
+CLI::App* AddTransferCommand(CLI::App& app, const char* name, const char* description,
+                             void (*transfer)(const TransferOptions&))
 {
     auto options = std::make_shared<TransferOptions>();
-    CLI::App* command = app.add_subcommand(name, description);
-    command->add_option("source", options->source, "What to take")->required();
-    command->add_option("destination", options->destination, "Where it goes; missing folders are made")->required();
+    CLI::App* const command = app.add_subcommand(name, description);
+    AddText(*command, "source", options->source, "What to take")->required();
+    AddText(*command, "destination", options->destination,
+            "Where it goes; missing folders are made. What is in a folder goes into this folder, a file into it or, "
+            "if there is no such folder and no \\ or / at the end, under this name")
+        ->required();
     command->add_flag("--fail-if-exists", options->failIfExists, "Stop at the first file that is already there");
     command->add_flag("--progress", options->progress, kProgressHelp);
     command->callback([options, transfer] { transfer(*options); });
+    return command;
 }
 
 }  // namespace
@@ -150,7 +188,7 @@ void AddFileCommands(CLI::App& app)
 
     auto options = std::make_shared<RemoveOptions>();
     CLI::App* remove = app.add_subcommand("remove", "Remove a file, or a folder with all that is in it");
-    remove->add_option("path", options->target, "What to remove; read-only files go too")->required();
+    AddText(*remove, "path", options->target, "What to remove; read-only files go too")->required();
     remove->add_flag("--progress", options->progress, kProgressHelp);
     remove->callback([options] { Remove(*options); });
 }

@@ -1,12 +1,13 @@
 #include "host/Commands.h"
 
 #include "host/Console.h"
+#include "host/Options.h"
 #include "host/ProgressBar.h"
 #include "host/Report.h"
+#include "host/Stop.h"
+#include "host/Streams.h"
 #include "monitoring/QuonFileModifiedManager.h"
-#include "support/Progress.h"
 
-#include <cstdio>
 #include <memory>
 
 namespace quonhost
@@ -16,7 +17,7 @@ namespace
 
 struct ModifiedOptions
 {
-    std::vector<std::string> files;
+    std::vector<std::wstring> files;
     double pause = 2;
     bool json = false;
 };
@@ -34,7 +35,7 @@ void AskForAll(int question, const std::vector<std::wstring>& files, bool isJson
         PrintLine(std::wstring(question == 1 ? L"first " : L"second") +
                   (isModified ? L"  modified   " : L"  unchanged  ") + file);
     }
-    std::fflush(stdout);
+    StandardOutput().Flush();
 }
 
 // In steps, so that Ctrl+C ends it.
@@ -45,10 +46,7 @@ void Pause(double seconds)
     const auto limit = static_cast<ULONGLONG>(seconds * 1000);
     while (::GetTickCount64() - start < limit)
     {
-        if (ProgressPoll())
-        {
-            throw CommandError("stopped");
-        }
+        StopIfAsked();
         ::Sleep(kStepMilliseconds);
     }
 }
@@ -57,9 +55,9 @@ void AskTwice(const ModifiedOptions& options)
 {
     const ProgressBar poll(false);
     std::vector<std::wstring> files;
-    for (const std::string& file : options.files)
+    for (const std::wstring& file : options.files)
     {
-        files.push_back(FullPath(file));
+        files.push_back(FullPath(file.c_str()));
     }
     AskForAll(1, files, options.json);
     Pause(options.pause);
@@ -71,16 +69,13 @@ void AskTwice(const ModifiedOptions& options)
 void AddModifiedCommand(CLI::App& app)
 {
     auto options = std::make_shared<ModifiedOptions>();
-    CLI::App* command = app.add_subcommand(
-        "modified",
-        "Ask twice whether files were modified since they were last asked for; a file is at first, and one that cannot "
-        "be read always");
-    command->add_option("file", options->files, "Files")->required();
-    command->add_option("--pause", options->pause, "Seconds between the two questions")
-        ->check(CLI::Range(0.0, 1e9).description(""))
-        ->type_name("SECONDS")
-        ->capture_default_str();
-    AddJsonFlag(*command, options->json)->description("Print a JSON object a line");
+    CLI::App* command = app.add_subcommand("modified",
+                                           "Ask twice whether files were modified since they were last asked for; the "
+                                           "first answer is yes, and it always is for a file that cannot be read");
+    AddTexts(*command, "file", options->files, "Files")->required();
+    AddNumber(*command, "--pause", options->pause, 0, kLongestWait, "SECONDS", "The time between the two questions")
+        ->default_str("2");
+    AddJsonFlag(*command, options->json)->description("Print one JSON object a line");
     command->callback([options] { AskTwice(*options); });
 }
 

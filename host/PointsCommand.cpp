@@ -1,11 +1,12 @@
 #include "host/Commands.h"
 
 #include "host/Console.h"
+#include "host/Options.h"
+#include "host/PointRanges.h"
 #include "host/Report.h"
-#include "points/QuonPointString.h"
-#include "points/QuonSortedPointString.h"
-#include "points/QuonUnsortedPointString.h"
+#include "host/Streams.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace quonhost
@@ -15,9 +16,8 @@ namespace
 
 struct PointsOptions
 {
-    std::string list;
-    std::string remove;
-    bool hasRemove = false;
+    std::wstring list;
+    std::optional<std::wstring> remove;
     bool valid = false;
     bool count = false;
     bool walk = false;
@@ -28,14 +28,51 @@ struct PointsOptions
     bool sorted = true;
 };
 
-QuonPointString CheckedPoints(const std::string& list)
+// A list of a whole project is too long for an error line.
+std::wstring Shown(const std::wstring& list)
 {
-    QuonPointString points(ToWide(list).c_str());
-    if (!points.IsValid())
+    constexpr size_t kLength = 60;
+    return L"\"" + (list.size() > kLength ? list.substr(0, kLength) + L"..." : list) + L"\"";
+}
+
+std::wstring ShownItem(const std::wstring& list, const ListItem& item)
+{
+    return item.text == list ? std::wstring() : L": item " + std::to_wstring(item.number) + L", " + Shown(item.text);
+}
+
+// In a file a list may take several lines: their ends separate items as commas do.
+std::wstring ReadList(const std::wstring& list)
+{
+    if (list != kStandardStreamName)
     {
-        throw CommandError("\"" + list + "\" is no list of points");
+        return list;
     }
-    return points;
+    std::wstring text = ToWide(ReadWholeInput(list));
+    while (!text.empty() && (text.back() == L'\n' || text.back() == L'\r'))
+    {
+        text.pop_back();
+    }
+    std::replace(text.begin(), text.end(), L'\n', L',');
+    constexpr wchar_t kByteOrderMark = 0xFEFF;
+    return !text.empty() && text.front() == kByteOrderMark ? text.substr(1) : text;
+}
+
+void RequireValid(const std::wstring& list)
+{
+    if (!QuonPointString(list.c_str()).IsValid())
+    {
+        const std::optional<ListItem> item = FindInvalidItem(list);
+        throw CommandError(Shown(list) + L" is not a point list" + (item ? ShownItem(list, *item) : L""));
+    }
+}
+
+// A comparison stands for the number 0: written into a list it would end the list there, and removing it does nothing.
+void RequireNoComparison(const std::wstring& list, const wchar_t* problem)
+{
+    if (const std::optional<ListItem> item = FindComparison(list))
+    {
+        throw CommandError(Shown(list) + problem + ShownItem(list, *item));
+    }
 }
 
 template <typename Visit>
@@ -96,7 +133,7 @@ void PrintRanges(QuonPointString& points, const PointsOptions& options)
     });
 }
 
-// The number of points that the walk hands out, descending ranges included, which GetPointCount is not made for.
+// Counts what a walk visits: GetPointCount is for ascending ranges only.
 unsigned long long CountPoints(QuonPointString& points)
 {
     unsigned long long count = 0;
@@ -106,51 +143,52 @@ unsigned long long CountPoints(QuonPointString& points)
     return count;
 }
 
-// The same points in the written form of one of the two classes.
-CString Rewrite(QuonPointString& points, bool sorted)
-{
-    points.RemovePoints(L"", sorted);
-    return points.GetText();
-}
-
 void PrintFact(const PointsOptions& options, const char* name, const Json& value, const std::wstring& text)
 {
     options.json ? PrintJson({{name, value}}) : PrintLine(text);
 }
 
-void PrintValidity(const PointsOptions& options)
+void PrintValidity(const std::wstring& list, const PointsOptions& options)
 {
-    if (options.hasRemove || options.unique)
+    if (options.remove || options.unique)
     {
-        throw CommandError(std::string("--valid looks at the list as it is: leave --remove and --unique out"));
+        throw CommandError(L"--valid checks the list as it is: leave --remove and --unique out");
     }
-    const bool isValid = QuonPointString(ToWide(options.list).c_str()).IsValid() != FALSE;
+    const bool isValid = QuonPointString(list.c_str()).IsValid() != FALSE;
     PrintFact(options, "valid", isValid, isValid ? L"valid" : L"invalid");
+    RequireValid(list);
 }
 
-QuonPointString ChangedPoints(const PointsOptions& options)
+// Rewrites the points by one of the library's operations, and checks that none was lost on the way.
+QuonPointString Rewritten(const std::wstring& list, const PointsOptions& options)
 {
-    QuonPointString points = CheckedPoints(options.list);
-    if (options.hasRemove)
+    const std::wstring removed = options.remove.value_or(L"");
+    RequireValid(removed);
+    RequireNoComparison(list, L" contains a comparison, which cannot be rewritten");
+    RequireNoComparison(removed, L" contains a comparison, which names no points to remove");
+    QuonPointString points(list.c_str());
+    QuonPointString removedPoints(removed.c_str());
+    const PointSet expected = Without(PointsOf(points), PointsOf(removedPoints));
+    if (options.remove || !options.unique)
     {
-        CheckedPoints(options.remove);
-        points.RemovePoints(ToWide(options.remove).c_str(), options.sorted);
+        points.RemovePoints(removed.c_str(), options.sorted);
     }
     if (options.unique)
     {
         points.RemoveDuplicates(options.sorted);
     }
+    if (!points.IsValid() || PointsOf(points) != expected)
+    {
+        throw CommandError(Shown(list) + L" cannot be rewritten: there is not enough memory for its numbers");
+    }
     return points;
 }
 
-void RunPoints(const PointsOptions& options)
+void PrintList(const std::wstring& list, const PointsOptions& options)
 {
-    if (options.valid)
-    {
-        PrintValidity(options);
-        return;
-    }
-    QuonPointString points = ChangedPoints(options);
+    const bool isWalk = options.count || options.ranges || options.walk || options.csv;
+    QuonPointString points =
+        isWalk && !options.remove && !options.unique ? QuonPointString(list.c_str()) : Rewritten(list, options);
     if (options.count)
     {
         const unsigned long long count = CountPoints(points);
@@ -160,15 +198,27 @@ void RunPoints(const PointsOptions& options)
     {
         PrintRanges(points, options);
     }
-    else if (options.walk || options.csv)
+    else if (isWalk)
     {
         PrintPoints(points, options);
     }
     else
     {
-        const CString text = Rewrite(points, options.sorted);
+        const CString text = points.GetText();
         PrintFact(options, "list", JsonText(text.GetString()), text.GetString());
     }
+}
+
+void RunPoints(const PointsOptions& options)
+{
+    const std::wstring list = ReadList(options.list);
+    if (options.valid)
+    {
+        PrintValidity(list, options);
+        return;
+    }
+    RequireValid(list);
+    PrintList(list, options);
 }
 
 }  // namespace
@@ -178,16 +228,16 @@ void AddPointsCommand(CLI::App& app)
     auto options = std::make_shared<PointsOptions>();
     CLI::App* command =
         app.add_subcommand("points", "Check, count, walk and rewrite a list of points (\"1-5, 9, 20-12\")");
-    command->add_option("list", options->list, "The list")->required();
-    auto* output = command->add_option_group("output", "What to print; without one of these the list as rewritten");
-    CLI::Option* const valid = output->add_flag("--valid", options->valid, "Whether the list is valid");
+    AddText(*command, "list", options->list, "The list, or - to read it from the standard input")->required();
+    auto* output = command->add_option_group("output", "What to print; without one of these the rewritten list");
+    CLI::Option* const valid =
+        output->add_flag("--valid", options->valid, "Whether the list is valid; exits with 1 if not");
     CLI::Option* const count =
         output->add_flag("--count", options->count, "How many points it names, descending ranges included");
     output->add_flag("--walk", options->walk, "Every point, one a line, in the order of the list");
     output->add_flag("--ranges", options->ranges, "The first and last point of every item");
     output->require_option(0, 1);
-    CLI::Option* const remove =
-        command->add_option("--remove", options->remove, "Take the points of this list out; the list is rewritten");
+    AddText(*command, "--remove", options->remove, "Take the points of this list out; the list is rewritten", "LIST");
     command->add_flag("--unique", options->unique, "Keep every point once; the list is rewritten");
     command->add_flag("--sorted,!--unsorted", options->sorted,
                       "Rewrite in ascending order (the default), or in list order");
@@ -195,10 +245,7 @@ void AddPointsCommand(CLI::App& app)
         "--csv", options->csv, "Print comma-separated values with a header: every point, or with --ranges first,last");
     csv->excludes(valid)->excludes(count);
     AddJsonFlag(*command, options->json)->excludes(csv);
-    command->callback([options, remove] {
-        options->hasRemove = remove->count() > 0;
-        RunPoints(*options);
-    });
+    command->callback([options] { RunPoints(*options); });
 }
 
 }  // namespace quonhost

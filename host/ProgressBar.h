@@ -1,10 +1,10 @@
-// The host's end of the library's progress facade: a bar on the terminal, and Ctrl+C as the wish to stop.
+// The host's end of the library's progress facade: a bar on the terminal, and Ctrl+C as the request to stop.
 #pragma once
 
 namespace quonhost
 {
 
-/// While it lives, the library's progress reports draw a bar on the standard error output, when that is wanted, and its
+/// While it lives, the library's progress reports draw a bar on the standard error output, if asked to, and its
 /// polls ask whether Ctrl+C was pressed.
 class ProgressBar
 {
@@ -15,10 +15,10 @@ public:
     ProgressBar& operator=(const ProgressBar&) = delete;
 };
 
-/// What the option --progress does.
-inline constexpr const char* kProgressHelp = "Show the progress on the error output even when that is no terminal";
+/// The description of the option --progress.
+inline constexpr const char* kProgressHelp = "Show the progress on the error output even when that is not a terminal";
 
-/// Whether somebody at a terminal sees the standard error output and nothing else is printed there.
+/// Returns whether somebody at a terminal sees the standard error output and nothing else is printed there.
 bool IsProgressVisible();
 
 }  // namespace quonhost

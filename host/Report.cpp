@@ -1,19 +1,17 @@
 #include "host/Report.h"
 
 #include "host/Console.h"
-
-#include <cstdio>
+#include "host/Streams.h"
 
 namespace quonhost
 {
 namespace
 {
 
-// What comes from a command line or a file may be no UTF-8; a report is all the same.
+// Text of a command line or a file may not be UTF-8; the report is printed all the same.
 void Print(const Json& report, int indent)
 {
-    const std::string text = report.dump(indent, ' ', false, Json::error_handler_t::replace) + '\n';
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    StandardOutput().Write(report.dump(indent, ' ', false, Json::error_handler_t::replace) + '\n');
 }
 
 }  // namespace
@@ -36,7 +34,7 @@ void PrintJson(const Json& report)
 void PrintJsonLine(const Json& report)
 {
     Print(report, -1);
-    std::fflush(stdout);
+    StandardOutput().Flush();
 }
 
 }  // namespace quonhost

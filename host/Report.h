@@ -13,16 +13,17 @@ namespace quonhost
 /// Members keep the order in which they were put in.
 using Json = nlohmann::ordered_json;
 
-/// Gives the command the option --json. @return it, for telling what it does not go with
+/// Gives the command the option --json. @return the option
 CLI::Option* AddJsonFlag(CLI::App& command, bool& isAsked);
 
-/// A text as a value.
+/// Returns a text as a value.
 Json JsonText(std::wstring_view text);
 
-/// Prints a report over several lines.
+/// Prints a report over several lines. @throws CommandError when it cannot be written
 void PrintJson(const Json& report);
 
-/// Prints a report on one line, at once, so that who reads a pipe sees it when it happens.
+/// Prints a report on one line, flushed, so that pipe readers see it at once.
+/// @throws CommandError when it cannot be written
 void PrintJsonLine(const Json& report);
 
 }  // namespace quonhost

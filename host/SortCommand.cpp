@@ -1,12 +1,12 @@
 #include "host/Commands.h"
 
 #include "host/Console.h"
+#include "host/Options.h"
 #include "host/Report.h"
+#include "host/Streams.h"
 #include "support/NaturalCompare.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -18,35 +18,34 @@ namespace
 
 struct SortOptions
 {
-    std::string file;
+    std::wstring file;
     bool ignoreCase = false;
     bool json = false;
 };
 
-std::vector<std::wstring> ReadLines(const std::string& name)
+// Sorting must give back every name as it was, so bytes that are not UTF-8 are refused rather than replaced.
+std::wstring LineOf(const std::string& utf8, const std::wstring& name, size_t number)
 {
-    std::ifstream file(std::filesystem::path(ToWide(name)), std::ios::binary);
-    if (!file)
+    std::wstring line = ToWide(utf8);
+    if (ToUtf8(line) != utf8)
     {
-        throw CommandError("\"" + name + "\" cannot be read");
+        throw CommandError(ShownInput(name) + L" line " + std::to_wstring(number) + L" is not UTF-8");
     }
+    return line;
+}
+
+std::vector<std::wstring> ReadLines(const std::wstring& name)
+{
+    std::string text = ReadWholeInput(name);
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    text.erase(0, text.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0 ? kByteOrderMark.size() : 0);
     std::vector<std::wstring> lines;
-    for (std::string line; std::getline(file, line);)
+    for (size_t begin = 0; begin < text.size();)
     {
-        if (!line.empty() && line.back() == '\r')
-        {
-            line.pop_back();
-        }
-        lines.push_back(ToWide(line));
-    }
-    if (file.bad())
-    {
-        throw CommandError("\"" + name + "\" cannot be read to its end");
-    }
-    constexpr wchar_t kByteOrderMark = 0xFEFF;
-    if (!lines.empty() && !lines.front().empty() && lines.front().front() == kByteOrderMark)
-    {
-        lines.front().erase(0, 1);
+        const size_t end = std::min(text.find('\n', begin), text.size());
+        const bool hasReturn = end > begin && text[end - 1] == '\r';
+        lines.push_back(LineOf(text.substr(begin, end - begin - (hasReturn ? 1 : 0)), name, lines.size() + 1));
+        begin = end + 1;
     }
     return lines;
 }
@@ -88,8 +87,8 @@ void AddSortCommand(CLI::App& app)
     auto options = std::make_shared<SortOptions>();
     CLI::App* command =
         app.add_subcommand("sort", "Print the lines of a text file in natural order: file2 before file10");
-    command->add_option("file", options->file, "A UTF-8 text file")->required();
-    command->add_flag("--ignore-case", options->ignoreCase, "Take upper and lower case for the same");
+    AddText(*command, "file", options->file, "A UTF-8 text file, or - for the standard input")->required();
+    command->add_flag("--ignore-case", options->ignoreCase, "Do not distinguish upper and lower case");
     AddJsonFlag(*command, options->json);
     command->callback([options] { PrintSorted(*options); });
 }

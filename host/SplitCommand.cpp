@@ -1,11 +1,13 @@
 #include "host/Commands.h"
 
 #include "host/Console.h"
+#include "host/Options.h"
 #include "host/Report.h"
 #include "paths/QuonPath.h"
 
 #include <list>
 #include <memory>
+#include <optional>
 
 namespace quonhost
 {
@@ -14,8 +16,8 @@ namespace
 
 struct SplitOptions
 {
-    std::string path;
-    std::string base;
+    std::wstring path;
+    std::optional<std::wstring> base;
     bool slashes = false;
     bool json = false;
 };
@@ -36,7 +38,7 @@ struct Parts
 Parts PartsOf(const SplitOptions& options)
 {
     const QuonPathFlags flags = options.slashes ? QuonPathForwardSlash : QuonPathBackslash;
-    QuonPath path(ToWide(options.path), flags);
+    QuonPath path(options.path.c_str(), flags);
     Parts parts;
     for (QuonPath* const part : {&parts.drive, &parts.directory, &parts.title, &parts.extension})
     {
@@ -46,11 +48,11 @@ Parts PartsOf(const SplitOptions& options)
     path.GetComponents(parts.components);
     path.Normalize();
     parts.normal = path;
-    if (!options.base.empty())
+    if (options.base)
     {
         // The shell, which finds the relative path, knows backslashes only.
         QuonPath target(path, QuonPathBackslash | QuonPathNormalize);
-        parts.relative = target.MakeRelativeTo(QuonPath(ToWide(options.base), QuonPathNormalize));
+        parts.relative = target.MakeRelativeTo(QuonPath(options.base->c_str(), QuonPathNormalize));
     }
     return parts;
 }
@@ -66,7 +68,7 @@ void PrintAsText(const SplitOptions& options, const Parts& parts)
         PrintNamed(L"component", component);
     }
     PrintNamed(L"normal", parts.normal);
-    if (!options.base.empty())
+    if (options.base)
     {
         PrintNamed(L"relative", parts.relative);
     }
@@ -82,7 +84,7 @@ void PrintAsJson(const SplitOptions& options, const Parts& parts)
     {
         report["components"].push_back(textOf(component));
     }
-    if (!options.base.empty())
+    if (options.base)
     {
         report["relative"] = textOf(parts.relative);
     }
@@ -100,10 +102,9 @@ void AddSplitCommand(CLI::App& app)
 {
     auto options = std::make_shared<SplitOptions>();
     CLI::App* command = app.add_subcommand("split", "Print the parts, components and normal form of a path");
-    command->add_option("path", options->path, "The path; it need not exist")->required();
-    command->add_option(
-        "--relative-to", options->base,
-        "Also print the path relative to the folder of this one (end it in a separator to name a folder)");
+    AddText(*command, "path", options->path, "The path; it need not exist")->required();
+    AddText(*command, "--relative-to", options->base,
+            "Also print the path relative to the folder of this one (end it in a separator to name a folder)", "PATH");
     command->add_flag("--slashes", options->slashes, "Write forward slashes");
     AddJsonFlag(*command, options->json);
     command->callback([options] { PrintParts(*options); });

@@ -15,11 +15,6 @@ namespace
 
 constexpr size_t kBlock = 64 * 1024;
 
-std::wstring Quoted(const std::wstring& name)
-{
-    return L"\"" + name + L"\"";
-}
-
 [[noreturn]] void FailToRead(const std::wstring& name, DWORD error)
 {
     throw CommandError(name + L" cannot be read: " + SystemErrorText(error));
@@ -114,19 +109,24 @@ OutputStream& StandardOutput()
     return output;
 }
 
+std::wstring ShownInput(const std::wstring& name)
+{
+    return name == kStandardStreamName ? L"the standard input" : InQuotes(name);
+}
+
 std::string ReadWholeInput(const std::wstring& name)
 {
     if (name == kStandardStreamName)
     {
-        return ReadToEnd(::GetStdHandle(STD_INPUT_HANDLE), L"the standard input");
+        return ReadToEnd(::GetStdHandle(STD_INPUT_HANDLE), ShownInput(name));
     }
     const FileHandle file = OwnFile(::CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                                   nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     if (!file)
     {
-        FailToRead(Quoted(name), ::GetLastError());
+        FailToRead(ShownInput(name), ::GetLastError());
     }
-    return ReadToEnd(file.get(), Quoted(name));
+    return ReadToEnd(file.get(), ShownInput(name));
 }
 
 }  // namespace quonhost

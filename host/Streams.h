@@ -45,6 +45,9 @@ OutputStream& StandardOutput();
 /// The name that means standard input, or standard output, in the place of a file's.
 inline constexpr std::wstring_view kStandardStreamName = L"-";
 
+/// Returns how errors name an input: in quotes, or "the standard input" for the name "-".
+std::wstring ShownInput(const std::wstring& name);
+
 /// Returns all bytes of a file, or of the standard input for the name "-".
 /// @throws CommandError with the system's text when it cannot be opened or read to its end
 std::string ReadWholeInput(const std::wstring& name);

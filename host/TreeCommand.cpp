@@ -1,8 +1,14 @@
 #include "host/Commands.h"
 
 #include "host/Console.h"
+#include "host/FileHandle.h"
+#include "host/FileIdentity.h"
+#include "host/FileSteps.h"
+#include "host/Options.h"
 #include "host/ProgressBar.h"
 #include "host/Report.h"
+#include "host/Stop.h"
+#include "host/Streams.h"
 #include "paths/QuonPath.h"
 #include "support/Progress.h"
 #include "support/QuonTimer.h"
@@ -16,12 +22,14 @@ namespace quonhost
 namespace
 {
 
+constexpr unsigned long kLargestFilter = 0xFFFF;
+
 struct TreeOptions
 {
-    std::string folder;
-    std::string pattern = "*";
+    std::wstring folder;
+    std::wstring pattern = L"*";
     std::string filter = "0x20";
-    std::string timerLog;
+    std::wstring timerLog;
     bool progress = false;
     bool files = false;
     bool depthFirst = false;
@@ -62,17 +70,14 @@ void ReportProgress(unsigned long long entries)
     {
         ProgressSetPosition(static_cast<UINT>(entries));
     }
-    if (ProgressPoll())
-    {
-        throw CommandError(std::string("stopped"));
-    }
+    StopIfAsked();
 }
 
 Totals Walk(const TreeOptions& options, const QuonPath& root, unsigned int filter)
 {
     Totals totals;
     const std::unique_ptr<QuonFileMatch> walk = MakeWalk(options);
-    for (walk->FindFirst(root, ToWide(options.pattern).c_str(), filter); walk->IsFound(); walk->FindNext())
+    for (walk->FindFirst(root, options.pattern.c_str(), filter); walk->IsFound(); walk->FindNext())
     {
         ReportProgress(++totals.entries);
         if (options.files && options.totalsOnly)
@@ -94,7 +99,7 @@ unsigned int CountEntries(const TreeOptions& options, const QuonPath& root, unsi
     const QuonProgressDisabler quiet;
     unsigned int count = 0;
     const std::unique_ptr<QuonFileMatch> walk = MakeWalk(options);
-    for (walk->FindFirst(root, ToWide(options.pattern).c_str(), filter); walk->IsFound(); walk->FindNext())
+    for (walk->FindFirst(root, options.pattern.c_str(), filter); walk->IsFound(); walk->FindNext())
     {
         ReportProgress(++count);
     }
@@ -105,30 +110,66 @@ Totals WalkWithProgress(const TreeOptions& options, const QuonPath& root, unsign
 {
     const bool isVisible = options.progress || IsProgressVisible();
     const ProgressBar bar(isVisible);
-    // A bar needs to know the whole, which is known only after a walk: there are two when somebody looks.
+    // A bar needs to know the whole, which takes a walk of its own.
     ProgressBegin(0, isVisible ? CountEntries(options, root, filter) : 0);
     const Totals totals = Walk(options, root, filter);
     ProgressSetPosition(static_cast<UINT>(totals.entries));
     return totals;
 }
 
-unsigned int ParseFilter(const std::string& text)
+// Returns why the text is not a filter code; empty when it is.
+std::string CheckFilter(const std::string& text)
 {
-    size_t read = 0;
-    unsigned long code = 0;
-    try
+    return ParseCode(text, kLargestFilter) ? "" : "\"" + text + "\" is not a number from 0 to 0xFFFF";
+}
+
+// The stopwatch of the library with its log, whose failures are not passed over here.
+class TimerLog : public QuonTimer
+{
+public:
+    explicit TimerLog(const std::wstring& path) : QuonTimer(path.c_str(), FALSE, FALSE), m_path(path)
     {
-        code = std::stoul(text, &read, 0);
+        if (!path.empty() && !m_isOpen)
+        {
+            // Opened again as it was, because the reason of the first failure is gone.
+            const FileHandle file = OwnFile(::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+            Fail(::GetLastError());
+        }
     }
-    catch (const std::logic_error&)
+
+    void WriteTime()
     {
-        read = 0;
+        AddLap();
+        WriteReport(L"tree", TRUE);
+        try
+        {
+            m_isOpen ? Flush() : void();
+        }
+        catch (CFileException* failure)
+        {
+            const auto error = static_cast<DWORD>(failure->m_lOsError);
+            failure->Delete();
+            Fail(error);
+        }
     }
-    if (read == 0 || read != text.size() || code > 0xFFFF)
+
+private:
+    [[noreturn]] void Fail(DWORD error) const
     {
-        throw CommandError("\"" + text + "\" is no filter code: give a number from 0 to 0xFFFF");
+        throw CommandError(InQuotes(m_path) + L" cannot be written: " + SystemErrorText(error));
     }
-    return static_cast<unsigned int>(code);
+
+    std::wstring m_path;
+};
+
+void RequireFolder(const QuonPath& path)
+{
+    if (path.Exists() && !IsFolder(path))
+    {
+        throw CommandError(InQuotes(path) + L" is not a folder");
+    }
+    RequireReadableFolder(path);
 }
 
 Json TotalsAsJson(const TreeOptions& options, const QuonPath& root, const Totals& totals)
@@ -147,26 +188,22 @@ Json TotalsAsJson(const TreeOptions& options, const QuonPath& root, const Totals
 
 void PrintTree(const TreeOptions& options)
 {
-    const unsigned int filter = ParseFilter(options.filter);
-    const QuonPath root(ToWide(options.folder), QuonPathNormalize);
-    const DWORD attributes = ::GetFileAttributesW(root);
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
-    {
-        throw CommandError("\"" + options.folder + "\" is no folder");
-    }
-    QuonTimer timer(ToWide(options.timerLog).c_str(), FALSE, FALSE);
+    const auto filter = static_cast<unsigned int>(ParseCode(options.filter, kLargestFilter).value_or(0));
+    const QuonPath root(options.folder.c_str(), QuonPathNormalize);
+    RequireFolder(root);
+    TimerLog timer(options.timerLog);
     timer.StartTimer();
     const Totals totals = WalkWithProgress(options, root, filter);
-    timer.AddLap();
-    timer.WriteReport(L"tree", TRUE);
+    timer.WriteTime();
     if (options.json)
     {
         PrintJson(TotalsAsJson(options, root, totals));
     }
     else if (options.totalsOnly)
     {
-        PrintLine(std::to_wstring(totals.entries) +
-                  (options.files ? L" files, " + std::to_wstring(totals.bytes) + L" bytes" : L" folders"));
+        PrintLine(options.files
+                      ? Counted(totals.entries, L"file", L"files") + L", " + Counted(totals.bytes, L"byte", L"bytes")
+                      : Counted(totals.entries, L"folder", L"folders"));
     }
 }
 
@@ -176,23 +213,24 @@ void AddTreeCommand(CLI::App& app)
 {
     auto options = std::make_shared<TreeOptions>();
     CLI::App* command = app.add_subcommand("tree", "Print the folders of a tree, or its files");
-    command->add_option("folder", options->folder, "Where to start")->required();
+    AddText(*command, "folder", options->folder, "Where to start")->required();
     command->add_flag("--files", options->files, "Print files instead of folders");
     command->add_flag("--depth-first", options->depthFirst, "Deepest first, a folder after all that is in it");
-    command
-        ->add_option("--pattern", options->pattern,
-                     "Wildcards for file names; for folders it restricts the first level, depth-first every level")
-        ->capture_default_str();
+    AddText(*command, "--pattern", options->pattern,
+            "Wildcards for file names; for folders it restricts the first level, depth-first every level", "WILDCARDS")
+        ->default_str("*");
     command
         ->add_option(
             "--filter", options->filter,
             "With --files, two bits for each attribute, 1 set, 2 clear: archive 0-1, compressed 2-3, directory "
             "4-5, hidden 6-7, normal 8-9, read-only 10-11, system 12-13, temporary 14-15")
+        ->check(CLI::Validator(&CheckFilter, ""))
+        ->type_name("CODE")
         ->capture_default_str();
     command->add_flag("--totals", options->totalsOnly, "Print only how much there is");
     AddJsonFlag(*command, options->json);
     command->add_flag("--progress", options->progress, kProgressHelp);
-    command->add_option("--timer", options->timerLog, "Append the time that the walk took to this file");
+    AddText(*command, "--timer", options->timerLog, "Append the time that the walk took to this file", "FILE");
     command->callback([options] { PrintTree(*options); });
 }
 

@@ -1,15 +1,19 @@
 #include "host/Commands.h"
 
 #include "host/Console.h"
+#include "host/FileIdentity.h"
+#include "host/Options.h"
 #include "host/ProgressBar.h"
 #include "host/Report.h"
+#include "host/Streams.h"
 #include "monitoring/QuonFileEventServer.h"
 #include "paths/QuonPath.h"
 #include "support/Progress.h"
-#include "support/StringHelpers.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <exception>
 #include <memory>
+#include <set>
 
 namespace quonhost
 {
@@ -29,9 +33,12 @@ constexpr EventName kEventNames[] = {
     {"write", FILE_NOTIFY_CHANGE_LAST_WRITE},      {"access", FILE_NOTIFY_CHANGE_LAST_ACCESS},
 };
 
+// What one thread of the system can wait for, besides its messages.
+constexpr size_t kMaxWatchedFolders = 63;
+
 struct WatchOptions
 {
-    std::vector<std::string> paths;
+    std::vector<std::wstring> paths;
     std::vector<std::string> events = {"size", "write"};
     double seconds = 0;
     bool hasEnd = false;
@@ -48,7 +55,7 @@ std::wstring LocalTime()
     return text.GetString();
 }
 
-// One path and what is heard of it.
+// Prints the events of one path.
 class Watch : public QuonFileEventSink
 {
 public:
@@ -66,9 +73,18 @@ public:
     Watch(const Watch&) = delete;
     Watch& operator=(const Watch&) = delete;
 
-    /// Why nothing is heard; empty while something may be.
+    /// Returns why the path cannot be watched; empty while it is.
     const std::wstring& Failure() const { return m_failure; }
     HRESULT Result() const { return m_result; }
+
+    /// @throws CommandError when a line could not be written
+    void RequireOutput() const
+    {
+        if (m_outputFailure)
+        {
+            std::rethrow_exception(m_outputFailure);
+        }
+    }
 
     void OnFileNameChanged(const QuonFileEventId*) override { Print(L"name"); }
     void OnFolderNameChanged(const QuonFileEventId*) override { Print(L"folder"); }
@@ -78,16 +94,27 @@ public:
     void OnLastAccessChanged(const QuonFileEventId*) override { Print(L"access"); }
     void OnWatchFailed(const QuonFileEventId*, const DWORD* error) override
     {
-        m_failure = L"\"" + std::wstring(m_path) + L"\" cannot be watched: " +
-                    CString(GetSystemErrorText(*error)).TrimRight().GetString() + L" (error " +
-                    std::to_wstring(*error) + L")";
+        m_failure = InQuotes(m_path) + L" cannot be watched: " + SystemErrorText(*error);
     }
     void OnReservedEvent1(const QuonFileEventId*) override {}
     void OnReservedEvent2(const QuonFileEventId*) override {}
 
 private:
-    // At once, so that who reads a pipe sees it when it happens.
-    void Print(std::wstring name) const
+    // The server drops what its sinks throw, so a line that cannot be written is kept until it returns.
+    void Print(const std::wstring& name)
+    {
+        try
+        {
+            PrintEvent(name);
+        }
+        catch (const CommandError&)
+        {
+            m_outputFailure = std::current_exception();
+        }
+    }
+
+    // Flushed, so that pipe readers see it at once.
+    void PrintEvent(std::wstring name) const
     {
         if (m_isJson)
         {
@@ -98,13 +125,14 @@ private:
         }
         name.resize(11, L' ');
         PrintLine(LocalTime() + L"  " + name + static_cast<const wchar_t*>(m_path));
-        std::fflush(stdout);
+        StandardOutput().Flush();
     }
 
     QuonPath m_path;
     bool m_isJson;
     QuonFileEventId m_id = 0;
     std::wstring m_failure;
+    std::exception_ptr m_outputFailure;
     HRESULT m_result;
 };
 
@@ -121,25 +149,47 @@ DWORD MaskOf(const std::vector<std::string>& events)
     return mask;
 }
 
+// A file is watched through its folder, several files of a folder through one. What is missing is refused one by one.
+void RequireFewFolders(const std::vector<std::wstring>& paths)
+{
+    std::set<std::wstring> folders;
+    for (const std::wstring& path : paths)
+    {
+        const QuonPath full(FullPath(path.c_str()).c_str(), QuonPathLowerCase);
+        if (full.Exists())
+        {
+            folders.insert(std::wstring(IsFolder(full) ? full : full.GetFolder()));
+        }
+    }
+    if (folders.size() > kMaxWatchedFolders)
+    {
+        throw CommandError(std::to_wstring(folders.size()) + L" folders are too many to watch: the limit is " +
+                           std::to_wstring(kMaxWatchedFolders));
+    }
+}
+
 std::vector<std::unique_ptr<Watch>> StartWatches(const WatchOptions& options)
 {
+    RequireFewFolders(options.paths);
     std::vector<std::unique_ptr<Watch>> watches;
-    for (const std::string& path : options.paths)
+    for (const std::wstring& path : options.paths)
     {
-        watches.push_back(std::make_unique<Watch>(FullPath(path), MaskOf(options.events), options.json));
+        watches.push_back(std::make_unique<Watch>(FullPath(path.c_str()), MaskOf(options.events), options.json));
         if (FAILED(watches.back()->Result()))
         {
-            throw CommandError("the watcher does not run");
+            throw CommandError(L"the watcher cannot be started: " +
+                               SystemErrorText(static_cast<DWORD>(watches.back()->Result())));
         }
     }
     return watches;
 }
 
-// Forgets the watches that have failed and tells why. The last failure of all ends the command.
+// Drops the watches that have failed and reports why. The failure of the last one ends the command.
 void ReportFailures(std::vector<std::unique_ptr<Watch>>& watches)
 {
     for (size_t index = 0; index < watches.size();)
     {
+        watches[index]->RequireOutput();
         const std::wstring failure = watches[index]->Failure();
         if (failure.empty())
         {
@@ -151,7 +201,7 @@ void ReportFailures(std::vector<std::unique_ptr<Watch>>& watches)
         {
             throw CommandError(failure);
         }
-        PrintError(ToUtf8(failure));
+        PrintError(failure);
     }
 }
 
@@ -185,23 +235,24 @@ void AddWatchCommand(CLI::App& app)
 {
     auto options = std::make_shared<WatchOptions>();
     CLI::App* command = app.add_subcommand("watch", "Print what happens to files and folders until Ctrl+C");
-    command->add_option("path", options->paths, "Files and folders")->required();
-    std::vector<std::string> names;
+    AddTexts(*command, "path", options->paths, "Files and folders; in at most 63 folders")->required();
+    Choices names;
     for (const EventName& event : kEventNames)
     {
         names.emplace_back(event.name);
     }
     command
         ->add_option("--events", options->events,
-                     "What to tell of, parted by commas. name, folder and attributes are told for every change in the "
-                     "folder, access only where the file system keeps that time")
+                     "What to report, separated by commas: name, folder, attributes, size, write, access. The first "
+                     "three are reported for every change in the folder, access only where the file system keeps that "
+                     "time")
         ->delimiter(',')
-        ->check(CLI::IsMember(names))
-        ->capture_default_str();
-    CLI::Option* const seconds = command->add_option("--seconds", options->seconds, "End after this time")
-                                     ->check(CLI::Range(0.0, 1e9).description(""))
-                                     ->type_name("SECONDS");
-    AddJsonFlag(*command, options->json)->description("Print a JSON object a line");
+        ->check(OneOf(names))
+        ->type_name("NAMES")
+        ->default_str("size,write");
+    CLI::Option* const seconds =
+        AddNumber(*command, "--seconds", options->seconds, 0, kLongestWait, "SECONDS", "End after this time");
+    AddJsonFlag(*command, options->json)->description("Print one JSON object a line");
     command->callback([options, seconds] {
         options->hasEnd = seconds->count() != 0;
         WatchPaths(*options);

@@ -4,9 +4,11 @@
 
 #include <afxwin.h>
 
+#include "host/CommandLine.h"
 #include "host/Console.h"
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 namespace
@@ -24,16 +26,25 @@ std::vector<std::string> ReversedArguments(int count, wchar_t** arguments)
     return result;
 }
 
+constexpr const char* kFooter =
+    "\"quonhost COMMAND --help\" describes a command and its options.\n"
+    "\n"
+    "Exit codes:\n"
+    "  0  done; also when Ctrl+C ends a watch\n"
+    "  1  the work failed, was stopped by Ctrl+C, or a list checked by points --valid is invalid; one line on the "
+    "error output says why\n"
+    "  2  the command line was not understood\n"
+    "\n"
+    "Text is UTF-8 on the command line, in files and in what is printed. The name - means the standard input.";
+
 int Run(int count, wchar_t** arguments)
 {
-    CLI::App app("Works on folders, paths, lists of points, names and angles with QuonWin32Utils.", "quonhost");
+    CLI::App app("Works on folders, paths, lists of points, names, angles and surveys with QuonWin32Utils.",
+                 "quonhost");
+    // Else "/site/survey.xml" would be taken for an option.
+    app.allow_windows_style_options(false);
+    app.set_version_flag("--version", "quonhost " QUONHOST_VERSION, "Print the version and exit");
     app.require_subcommand(1);
-    app.footer(
-        "Exit codes:\n"
-        "  0  done; also when Ctrl+C ends a watch\n"
-        "  1  the work failed or was stopped by Ctrl+C; one line on the error output tells why\n"
-        "  2  the command line was not understood\n"
-        "Names are UTF-8 on the command line, in files and in what is printed.");
     quonhost::AddFoldersCommand(app);
     quonhost::AddTreeCommand(app);
     quonhost::AddFileCommands(app);
@@ -45,43 +56,19 @@ int Run(int count, wchar_t** arguments)
     quonhost::AddWatchCommand(app);
     quonhost::AddModifiedCommand(app);
     quonhost::AddBrowseCommand(app);
-    try
-    {
-        app.parse(ReversedArguments(count, arguments));
-    }
-    catch (const CLI::Success& asked)
-    {
-        return app.exit(asked);
-    }
-    catch (const CLI::ParseError& error)
-    {
-        quonhost::PrintError(std::string(error.what()) + " (see --help)");
-        return quonhost::kUsage;
-    }
-    catch (const std::exception& error)
-    {
-        quonhost::PrintError(error.what());
-        return quonhost::kFailed;
-    }
-    catch (CException* error)
-    {
-        wchar_t text[256] = {};
-        error->GetErrorMessage(text, 256);
-        error->Delete();
-        quonhost::PrintError(quonhost::ToUtf8(text));
-        return quonhost::kFailed;
-    }
-    return quonhost::kSuccess;
+    // Last, because commands take over what their parent has by then.
+    app.footer(kFooter);
+    return quonhost::RunCommandLine(app, ReversedArguments(count, arguments));
 }
 
 }  // namespace
 
 int wmain(int count, wchar_t** arguments)
 {
-    quonhost::SetUpConsole();
+    const quonhost::ConsoleCodePages codePages;
     if (!AfxWinInit(::GetModuleHandleW(nullptr), nullptr, ::GetCommandLineW(), 0))
     {
-        quonhost::PrintError("the application framework could not be initialised");
+        quonhost::PrintError("the application framework could not be initialized");
         return quonhost::kFailed;
     }
     return Run(count, arguments);

@@ -3,7 +3,7 @@
 
 #include <afx.h>
 
-#include "host/Console.h"
+#include "host/Stop.h"
 #include "support/Progress.h"
 
 namespace quonhost
@@ -46,14 +46,7 @@ public:
         Report();
     }
 
-    /// @throws CommandError when the user wants to stop
-    static void StopIfAsked()
-    {
-        if (ProgressPoll())
-        {
-            throw CommandError(std::string("stopped"));
-        }
-    }
+    static void StopIfAsked() { quonhost::StopIfAsked(); }
 
 private:
     void Report() const

@@ -16,9 +16,9 @@ def text(data):
 class Running:
     """A program that was started. What it has printed so far can be read at any time."""
 
-    def __init__(self, command, **options):
+    def __init__(self, command, stdin=subprocess.DEVNULL, stdout=None, **options):
         self._files = tempfile.TemporaryFile(), tempfile.TemporaryFile()
-        self.process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=self._files[0], stderr=self._files[1],
+        self.process = subprocess.Popen(command, stdin=stdin, stdout=stdout or self._files[0], stderr=self._files[1],
                                         **options)
 
     def output(self):

@@ -6,13 +6,24 @@ import pty
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
+import captured
 import host_test
+import json_schema
 from host_test import PROGRAM, RUNNER, windows_path
 
 # Cyrillic, Chinese, a combining accent after its letter, a letter beyond the 16-bit plane, Arabic from right to left.
 NAMES = ["Съёмка.txt", "測量.txt", "e\u0301tude.txt", "\U00020BB7.txt", "مسح.txt"]
+
+SCHEMAS = json_schema.load()
+
+
+def usage_commands(lines):
+    """The names in the list of commands of the main help."""
+    listed = lines[lines.index("Subcommands:") + 1:]
+    return [line.split()[0] for line in listed[:listed.index("")] if line[2] != " "]
 
 
 class ReportTest(unittest.TestCase):
@@ -22,7 +33,28 @@ class ReportTest(unittest.TestCase):
     assert_fails = host_test.HostTest.assert_fails
 
     def report(self, *arguments):
-        return json.loads("\n".join(self.lines(*arguments, "--json")))
+        report = json.loads("\n".join(self.lines(*arguments, "--json")))
+        self.assert_as_documented(arguments, report)
+        return report
+
+    def assert_as_documented(self, arguments, report):
+        """The reports of LandXML files have their own section in the manual."""
+        if arguments[0] != "landxml":
+            self.assertEqual(json_schema.problems(report, SCHEMAS[arguments[0]]), [])
+
+    def test_every_command_that_reports_is_documented(self):
+        reporting = {name for name in usage_commands(self.lines("--help"))
+                     if any("--json" in line for line in self.lines(name, "--help"))}
+        self.assertEqual(reporting, set(SCHEMAS))
+
+    def test_the_check_of_reports_finds_what_differs(self):
+        schema = SCHEMAS["tree"]
+        good = {"root": "a", "count": 1, "files": ["x"]}
+        self.assertEqual(json_schema.problems(good, schema), [])
+        for bad in ({}, [], {**good, "count": "1"}, {**good, "count": -1}, {**good, "files": [1]}, {**good, "more": 1},
+                    {**good, "folders": []}, {**good, "count": True}, {"root": "a"}):
+            with self.subTest(bad):
+                self.assertNotEqual(json_schema.problems(bad, schema), [])
 
     def test_folders(self):
         folders = self.report("folders")
@@ -52,7 +84,7 @@ class ReportTest(unittest.TestCase):
                                   ([], {"list": "1-3,9"})):
             with self.subTest(options):
                 self.assertEqual(self.report("points", "3-1,9", *options), expected)
-        self.assertEqual(self.report("points", "1;2", "--valid"), {"valid": False})
+        self.assertEqual(json.loads(self.run_host("points", "1;2", "--valid", "--json").stdout), {"valid": False})
 
     def test_points_as_comma_separated_values(self):
         for options, expected in (([], ["point", "3", "2", "1", "9"]), (["--walk"], ["point", "3", "2", "1", "9"]),
@@ -80,22 +112,31 @@ class ReportTest(unittest.TestCase):
             {"number": 2, "northing": 4, "easting": 5, "elevation": None, "code": None}]})
         self.assert_fails(2, "", "landxml", "points", windows_path(file), "--points", "1", "--csv", "--json")
 
-    def test_modified_and_watch_print_an_object_a_line(self):
+    def test_modified_prints_an_object_a_line(self):
         file = self.folder / "a.txt"
         file.write_text("1")
         path = windows_path(file)
-        self.assertEqual([json.loads(line) for line in self.lines("modified", path, "--pause", "0", "--json")],
-                         [{"question": 1, "path": path, "modified": True}, {"question": 2, "path": path, "modified": False}])
-        # The shell changes the file while the host watches.
-        writer = subprocess.Popen(["sh", "-c", 'i=0; while [ $i -lt 60 ]; do echo "x$i" >>"$0"; i=$((i+1)); sleep 0.1; done',
-                                   str(file)])
-        self.addCleanup(writer.wait)
-        self.addCleanup(writer.kill)
-        events = [json.loads(line) for line in self.lines("watch", path, "--events", "size", "--seconds", "4", "--json")]
-        self.assertGreater(len(events), 0)
-        for event in events:
-            self.assertEqual((list(event), event["event"], event["path"]), (["time", "event", "path"], "size", path))
-            self.assertRegex(event["time"], r"\A\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}\Z")
+        answers = [json.loads(line) for line in self.lines("modified", path, "--pause", "0", "--json")]
+        self.assertEqual(answers, [{"question": 1, "path": path, "modified": True},
+                                   {"question": 2, "path": path, "modified": False}])
+        for answer in answers:
+            self.assert_as_documented(["modified"], answer)
+
+    def test_watch_prints_an_object_a_line(self):
+        file = self.folder / "a.txt"
+        file.write_text("1")
+        running = captured.Running([RUNNER, PROGRAM, "watch", windows_path(file), "--events", "size", "--json"])
+        self.addCleanup(running.end)
+        end = time.monotonic() + 60
+        while not running.lines():
+            self.assertLess(time.monotonic(), end, "nobody saw the change")
+            file.write_text(file.read_text() + "x")
+            time.sleep(0.1)
+        for line in running.lines():
+            event = json.loads(line)
+            self.assertEqual((list(event), event["event"], event["path"]),
+                             (["time", "event", "path"], "size", windows_path(file)))
+            self.assert_as_documented(["watch"], event)
 
     def test_names_of_any_script_come_through(self):
         for name in NAMES:

@@ -147,11 +147,6 @@ class WatchTest(unittest.TestCase):
             with self.subTest(arguments):
                 self.assert_fails(2, "", *arguments)
 
-    def test_help_is_everywhere(self):
-        for command in ("watch", "modified", "browse"):
-            with self.subTest(command):
-                self.assertTrue(any("Usage: " in line for line in self.lines(command, "--help")))
-
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])
