@@ -82,7 +82,7 @@ say "a site with an alignment: the survey, and the road's axis of a straight, tw
 python3 - "$scratch/site.xml" "$scratch/road.xml" <<'PYTHON'
 import math, sys
 text = open(sys.argv[1], encoding="utf-8").read()
-place, angle, pieces = [412302.0, 5321400.0], math.radians(84), []
+place, angle = [412302.0, 5321400.0], math.radians(78.7)
 def go(kind, length, first=0.0, last=0.0):
     """A piece whose curvature changes from `first` to `last`, walked in small steps."""
     global angle
@@ -106,10 +106,10 @@ def go(kind, length, first=0.0, last=0.0):
     radius = lambda curvature: f"{1 / curvature}" if curvature else "INF"
     return (f'<Spiral length="{length}" radiusStart="{radius(first)}" radiusEnd="{radius(last)}" rot="ccw" '
             f'spiType="clothoid">{ends.format(f"<PI>{at(meet)}</PI>")}</Spiral>')
-bend = 1 / 180
-axis = "".join([go("Line", 60), go("Spiral", 30, 0, bend), go("Curve", 20, bend, bend), go("Spiral", 30, bend, 0),
-                go("Line", 60)])
-alignments = f'<Alignments><Alignment name="Road axis" length="200" staStart="0"><CoordGeom>{axis}</CoordGeom></Alignment></Alignments>'
+bend = 1 / 195
+axis = "".join([go("Line", 40), go("Spiral", 50, 0, bend), go("Curve", 25, bend, bend), go("Spiral", 50, bend, 0),
+                go("Line", 40)])
+alignments = f'<Alignments><Alignment name="Road axis" length="205" staStart="0"><CoordGeom>{axis}</CoordGeom></Alignment></Alignments>'
 open(sys.argv[2], "w", encoding="utf-8").write(text.replace("</LandXML>", alignments + "</LandXML>"))
 PYTHON
 xmllint --noout "$scratch/road.xml" || die "xmllint does not read the document"
