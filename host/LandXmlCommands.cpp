@@ -24,7 +24,8 @@ void PrintWarnings(const std::wstring& name, const std::vector<LandXmlWarning>& 
     for (size_t index = 0; index < std::min(warnings.size(), kMostWarnings); ++index)
     {
         const LandXmlWarning& warning = warnings[index];
-        PrintError(std::wstring_view(L"warning: " + name + L" line " + std::to_wstring(warning.line) + L": " + warning.text));
+        PrintError(
+            std::wstring_view(L"warning: " + name + L" line " + std::to_wstring(warning.line) + L": " + warning.text));
     }
     if (warnings.size() > kMostWarnings)
     {

@@ -144,8 +144,7 @@ void AddLandXmlExport(CLI::App& parent)
             "Points: number,northing,easting,elevation,code,desc; a first line may name the columns; - for the "
             "standard input")
         ->required();
-    AddText(*command, "out.xml", options->output,
-            "The file to write or replace; - for the standard output")
+    AddText(*command, "out.xml", options->output, "The file to write or replace; - for the standard output")
         ->required();
     AddPointChoice(*command, options->choice, "Only these points (\"1-5, 9\")");
     AddText(*command, "--faces", options->faces,

@@ -28,7 +28,7 @@ struct PlotCommandOptions
     std::wstring title;
     double size = 1000;
     double contours = -1;  // below 0: a step that suits the surface
-    std::string labels;  // empty: numbers, unless there are too many points
+    std::string labels;    // empty: numbers, unless there are too many points
     PlotOptions plot;
 };
 

@@ -270,8 +270,7 @@ void CsvReader::RequireOneDecimalMark(std::string_view field, char mark, size_t 
     if (m_decimalMark != mark)
     {
         const std::wstring other = m_decimalMark == ',' ? L"a comma" : L"a point";
-        const std::wstring where =
-            m_decimalMarkLine == 0 ? L"" : L", as in line " + std::to_wstring(m_decimalMarkLine);
+        const std::wstring where = m_decimalMarkLine == 0 ? L"" : L", as in line " + std::to_wstring(m_decimalMarkLine);
         Fail(ToWide(m_columns[column].name) + L" does not have " + other + L" as its decimal mark" + where + L": " +
              Quoted(field));
     }

@@ -66,7 +66,8 @@ std::wstring DescribeNames(const std::vector<std::wstring>& names)
     {
         AddPart(text, Quoted(names[index]));
     }
-    return names.size() <= kMostListed ? text : text + L" and " + std::to_wstring(names.size() - kMostListed) + L" more";
+    return names.size() <= kMostListed ? text
+                                       : text + L" and " + std::to_wstring(names.size() - kMostListed) + L" more";
 }
 
 std::wstring DescribeCounts(const CountsByName& counts)

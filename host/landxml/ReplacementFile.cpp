@@ -192,8 +192,8 @@ void RequireOtherFile(const std::wstring& target, const std::wstring& input)
     const bool areFiles = target != kStandardStreamName && input != kStandardStreamName;
     if (areFiles && (IsSameName(target, input) || IsSameFile(target.c_str(), input.c_str())))
     {
-        throw CommandError(
-            std::wstring_view(L"\"" + target + L"\" is the same file as the input \"" + input + L"\": choose another name"));
+        throw CommandError(std::wstring_view(L"\"" + target + L"\" is the same file as the input \"" + input +
+                                             L"\": choose another name"));
     }
 }
 
