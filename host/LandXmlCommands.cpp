@@ -2,12 +2,11 @@
 
 #include "host/Commands.h"
 #include "host/Console.h"
+#include "host/Options.h"
 #include "host/ProgressBar.h"
 #include "host/Streams.h"
 #include "host/landxml/FileErrors.h"
 #include "host/landxml/LandXmlFile.h"
-#include "host/landxml/LandXmlInfoText.h"
-#include "host/landxml/NumberText.h"
 #include "xml/ComHelpers.h"
 
 #include <memory>
@@ -25,39 +24,17 @@ void PrintWarnings(const std::wstring& name, const std::vector<LandXmlWarning>& 
     for (size_t index = 0; index < std::min(warnings.size(), kMostWarnings); ++index)
     {
         const LandXmlWarning& warning = warnings[index];
-        PrintError(ToUtf8(L"warning: " + name + L" line " + std::to_wstring(warning.line) + L": " + warning.text));
+        PrintError(
+            std::wstring_view(L"warning: " + name + L" line " + std::to_wstring(warning.line) + L": " + warning.text));
     }
     if (warnings.size() > kMostWarnings)
     {
         PrintError(ToUtf8(L"warning: " + name + L": " +
-                          CountText(warnings.size() - kMostWarnings, L"more warning", L"more warnings")));
+                          Counted(warnings.size() - kMostWarnings, L"more warning", L"more warnings")));
     }
 }
 
 }  // namespace
-
-CLI::Option* AddText(CLI::App& command, const std::string& name, std::wstring& target, const std::string& help)
-{
-    return command
-        .add_option_function<std::string>(
-            name, [&target](const std::string& text) { target = ToWide(text); }, help)
-        ->type_name("TEXT");
-}
-
-CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::optional<double>& target, double least,
-                       double most, const std::string& help)
-{
-    const auto take = [&target, name, least, most](const std::string& text) {
-        const std::optional<double> number = ParseNumber(std::string_view(text));
-        if (!number || *number < least || *number > most)
-        {
-            throw CLI::ValidationError(name, "not a number from " + FormatNumber(least) + " to " + FormatNumber(most) +
-                                                 ": \"" + text + "\"");
-        }
-        target = *number;
-    };
-    return command.add_option_function<std::string>(name, take, help)->type_name("NUMBER");
-}
 
 PointFilter PointChoice::MakeFilter() const
 {
@@ -75,10 +52,7 @@ PointFilter PointChoice::MakeFilter() const
 
 void AddPointChoice(CLI::App& command, PointChoice& choice, const char* listHelp)
 {
-    command
-        .add_option_function<std::string>(
-            "--points", [&choice](const std::string& text) { choice.list = ToWide(text); }, listHelp)
-        ->type_name("LIST");
+    AddText(command, "--points", choice.list, listHelp, "LIST");
     command
         .add_option_function<std::vector<std::string>>(
             "--name",

@@ -19,13 +19,6 @@ namespace quonhost
 /// library become those of the host, and what was printed is flushed.
 void SetLandXmlWork(CLI::App& command, const std::function<void()>& run);
 
-/// Adds an option or argument whose text is wide in the program. `target` must outlive the command.
-CLI::Option* AddText(CLI::App& command, const std::string& name, std::wstring& target, const std::string& help);
-
-/// Adds an option for a finite number from `least` to `most`.
-CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::optional<double>& target, double least,
-                       double most, const std::string& help);
-
 /// Which points a command takes.
 struct PointChoice
 {

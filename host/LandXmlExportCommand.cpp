@@ -1,6 +1,7 @@
 #include "host/LandXmlCommands.h"
 
 #include "host/Console.h"
+#include "host/Options.h"
 #include "host/Streams.h"
 #include "host/landxml/FileErrors.h"
 #include "host/landxml/LandXmlWriter.h"
@@ -10,8 +11,6 @@
 #include "paths/QuonPath.h"
 
 #include <algorithm>
-#include <functional>
-#include <map>
 #include <memory>
 
 namespace quonhost
@@ -25,9 +24,26 @@ struct ExportOptions
     std::wstring output;
     std::wstring faces;
     PointChoice choice;
-    CsvFormat format;
+    std::string separator;  // empty: recognized
+    std::string decimal;    // empty: recognized
+    std::string units = "metric";
+    std::string version = "1.0";
     LandXmlHeader header;
 };
+
+CsvFormat FormatOf(const ExportOptions& options)
+{
+    CsvFormat format;
+    if (!options.separator.empty())
+    {
+        format.separator = options.separator == "tab" ? '\t' : options.separator == "comma" ? ',' : ';';
+    }
+    if (!options.decimal.empty())
+    {
+        format.decimalMark = options.decimal == "comma" ? ',' : '.';
+    }
+    return format;
+}
 
 void RequireXmlText(const std::wstring& text, const wchar_t* what)
 {
@@ -55,11 +71,11 @@ void RequireUsable(const ExportOptions& options)
 Survey Parse(const ExportOptions& options)
 {
     Survey survey;
-    survey.points = ParsePoints(ShownName(options.input), ReadWholeInput(options.input), options.format);
+    survey.points = ParsePoints(ShownName(options.input), ReadWholeInput(options.input), FormatOf(options));
     if (!options.faces.empty())
     {
         survey.faces =
-            ParseFaces(ShownName(options.faces), ReadWholeInput(options.faces), options.format, survey.points);
+            ParseFaces(ShownName(options.faces), ReadWholeInput(options.faces), FormatOf(options), survey.points);
     }
     return survey;
 }
@@ -82,6 +98,10 @@ void Choose(Survey& survey, const ExportOptions& options)
 LandXmlHeader HeaderOf(const ExportOptions& options)
 {
     LandXmlHeader header = options.header;
+    header.isVersion12 = options.version == "1.2";
+    header.units = options.units == "metric"   ? LandXmlUnits::kMetric
+                   : options.units == "usfoot" ? LandXmlUnits::kSurveyFoot
+                                               : LandXmlUnits::kFoot;
     if (header.project.empty() && options.output != kStandardStreamName)
     {
         header.project = QuonPath(options.output, QuonPathNormalize).GetFileTitle();
@@ -98,41 +118,20 @@ void Export(const ExportOptions& options)
     WriteWholeOutput(options.output, WriteLandXml(survey, HeaderOf(options)));
 }
 
-// An option whose value is one of some names.
-template <typename Value>
-void AddChoice(CLI::App& command, const std::string& name, const std::map<std::string, Value>& choices,
-               const std::function<void(Value)>& take, const std::string& help)
+void AddFormat(CLI::App& command, ExportOptions& options)
 {
-    command
-        .add_option_function<std::string>(
-            name, [choices, take](const std::string& text) { take(choices.at(text)); }, help)
-        ->check(CLI::IsMember(choices).description(""))
-        ->type_name("NAME");
+    AddChoice(command, "--separator", options.separator, {"comma", "semicolon", "tab"},
+              "What separates the columns; recognized by default");
+    AddChoice(command, "--decimal", options.decimal, {"point", "comma"}, "The decimal mark; recognized by default");
 }
 
-void AddFormat(CLI::App& command, CsvFormat& format)
+void AddHeader(CLI::App& command, ExportOptions& options)
 {
-    AddChoice<char>(command, "--separator", {{"comma", ','}, {"semicolon", ';'}, {"tab", '\t'}},
-                    [&format](char separator) { format.separator = separator; },
-                    "What separates the columns: comma, semicolon or tab; recognized by default");
-    AddChoice<char>(command, "--decimal", {{"point", '.'}, {"comma", ','}},
-                    [&format](char mark) { format.decimalMark = mark; },
-                    "The decimal mark: point or comma; recognized by default");
-}
-
-void AddHeader(CLI::App& command, LandXmlHeader& header)
-{
-    AddChoice<LandXmlUnits>(command, "--units",
-                            {{"metric", LandXmlUnits::kMetric},
-                             {"imperial", LandXmlUnits::kFoot},
-                             {"usfoot", LandXmlUnits::kSurveyFoot}},
-                            [&header](LandXmlUnits units) { header.units = units; },
-                            "metric (the default), imperial (international feet) or usfoot (US survey feet)");
-    AddChoice<bool>(command, "--version", {{"1.0", false}, {"1.2", true}},
-                    [&header](bool isVersion12) { header.isVersion12 = isVersion12; },
-                    "The LandXML version: 1.0 (the default) or 1.2");
-    AddText(command, "--project", header.project, "The project's name; that of the file by default");
-    AddText(command, "--surface", header.surface, "The surface's name; \"Ground\" by default");
+    AddChoice(command, "--units", options.units, {"metric", "imperial", "usfoot"},
+              "The unit of lengths: meters (the default), international feet or US survey feet");
+    AddChoice(command, "--version", options.version, {"1.0", "1.2"}, "The LandXML version; 1.0 by default");
+    AddText(command, "--project", options.header.project, "The project's name; that of the file by default", "TEXT");
+    AddText(command, "--surface", options.header.surface, "The surface's name; \"Ground\" by default", "TEXT");
 }
 
 }  // namespace
@@ -145,15 +144,13 @@ void AddLandXmlExport(CLI::App& parent)
             "Points: number,northing,easting,elevation,code,desc; a first line may name the columns; - for the "
             "standard input")
         ->required();
-    AddText(*command, "out.xml", options->output,
-            "The file to write or replace; - for the standard output")
+    AddText(*command, "out.xml", options->output, "The file to write or replace; - for the standard output")
         ->required();
     AddPointChoice(*command, options->choice, "Only these points (\"1-5, 9\")");
     AddText(*command, "--faces", options->faces,
-            "Triangles of a surface: point1,point2,point3; those without all their points are left out")
-        ->type_name("FILE");
-    AddFormat(*command, options->format);
-    AddHeader(*command, options->header);
+            "Triangles of a surface: point1,point2,point3; those without all their points are left out", "FILE");
+    AddFormat(*command, *options);
+    AddHeader(*command, *options);
     SetLandXmlWork(*command, [options] { Export(*options); });
 }
 

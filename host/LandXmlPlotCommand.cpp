@@ -1,6 +1,7 @@
 #include "host/LandXmlCommands.h"
 
 #include "host/Console.h"
+#include "host/Options.h"
 #include "host/Streams.h"
 #include "host/landxml/FileErrors.h"
 #include "host/landxml/LandXmlInfoText.h"
@@ -11,7 +12,6 @@
 #include "paths/QuonPath.h"
 
 #include <algorithm>
-#include <map>
 #include <memory>
 
 namespace quonhost
@@ -26,9 +26,27 @@ struct PlotCommandOptions
     PointChoice choice;
     std::optional<std::wstring> surface;
     std::wstring title;
-    std::optional<double> size;
+    double size = 1000;
+    double contours = -1;  // below 0: a step that suits the surface
+    std::string labels;    // empty: numbers, unless there are too many points
     PlotOptions plot;
 };
+
+std::optional<PlotLabels> LabelsOf(const std::string& name)
+{
+    constexpr std::pair<std::string_view, PlotLabels> kNames[] = {{"none", PlotLabels::kNone},
+                                                                  {"number", PlotLabels::kNumber},
+                                                                  {"elevation", PlotLabels::kElevation},
+                                                                  {"both", PlotLabels::kBoth}};
+    for (const auto& [known, labels] : kNames)
+    {
+        if (known == name)
+        {
+            return labels;
+        }
+    }
+    return std::nullopt;
+}
 
 // How the units that a document may name are written beside a number.
 std::wstring UnitOf(const LandXmlHeading& heading)
@@ -100,28 +118,24 @@ void Plot(const PlotCommandOptions& options)
         throw FileError(ShownName(options.input.file), L"there is nothing to draw; the file holds " + held);
     }
     PlotOptions plot = options.plot;
-    plot.size = options.size.value_or(plot.size);
+    plot.size = options.size;
+    plot.labels = LabelsOf(options.labels);
+    if (options.contours >= 0)
+    {
+        plot.contourStep = options.contours;
+    }
     WriteWholeOutput(options.output, DrawSurvey(model, plot));
 }
 
 void AddLookOptions(CLI::App& command, PlotCommandOptions& options)
 {
-    const std::map<std::string, PlotLabels> labels = {{"none", PlotLabels::kNone},
-                                                      {"number", PlotLabels::kNumber},
-                                                      {"elevation", PlotLabels::kElevation},
-                                                      {"both", PlotLabels::kBoth}};
-    AddNumber(command, "--contours", options.plot.contourStep, 0, 1e9,
+    AddNumber(command, "--contours", options.contours, 0, 1e9, "STEP",
               "The step between contours, 0 for none; by default a round step that gives at most 25");
-    command
-        .add_option(
-            "--labels", options.plot.labels,
-            "What to write beside points where there is room: number (the default up to 1500 points), elevation, "
-            "both, none")
-        ->transform(CLI::CheckedTransformer(labels).description(""))
-        ->type_name("KIND");
+    AddChoice(command, "--labels", options.labels, {"none", "number", "elevation", "both"},
+              "What to write beside points where there is room; numbers up to 1500 points by default");
     command.add_flag("--edges", options.plot.edges, "Draw the edges of the triangles");
-    AddNumber(command, "--size", options.size, 200, 20000,
-              "The longer side of the map in pixels, from 200 to 20000; 1000 by default");
+    AddNumber(command, "--size", options.size, 200, 20000, "PIXELS",
+              "The longer side of the map, from 200 to 20000; 1000 by default");
 }
 
 }  // namespace
@@ -135,12 +149,9 @@ void AddLandXmlPlot(CLI::App& parent)
     AddText(*command, "out.svg", options->output, "The file to write or replace; - for the standard output")
         ->required();
     AddPointChoice(*command, options->choice, "Draw only these points (\"1-5, 9\")");
-    command
-        ->add_option_function<std::string>(
-            "--surface", [options](const std::string& text) { options->surface = ToWide(text); },
-            "The surface to draw; by default the first with faces")
-        ->type_name("TEXT");
-    AddText(*command, "--title", options->title, "The title; by default the project's name, or that of the file");
+    AddText(*command, "--surface", options->surface, "The surface to draw; by default the first with faces", "TEXT");
+    AddText(*command, "--title", options->title, "The title; by default the project's name, or that of the file",
+            "TEXT");
     AddLookOptions(*command, *options);
     SetLandXmlWork(*command, [options] { Plot(*options); });
 }

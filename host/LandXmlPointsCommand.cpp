@@ -113,8 +113,9 @@ void AddLandXmlPoints(CLI::App& parent)
 {
     auto options = std::make_shared<PointsOptions>();
     CLI::App* const command =
-        parent.add_subcommand("points", "Print points of a LandXML file (1.0 to 1.2): number, northing, easting, "
-                                        "elevation, code, description");
+        parent.add_subcommand("points",
+                              "Print points of a LandXML file (1.0 to 1.2): number, northing, easting, "
+                              "elevation, code, description");
     AddInput(*command, options->input);
     AddPointChoice(*command, options->choice, "Only these (\"1-5, 9\"); all by default");
     CLI::Option* const csv = command->add_flag("--csv", options->csv, "Print them as export reads them");

@@ -107,7 +107,10 @@ bool CsvReader::NextLine()
         {
             ChooseSeparator(line);
         }
-        Split(line, m_separator);
+        if (const wchar_t* const complaint = Split(line, m_separator))
+        {
+            Fail(complaint);
+        }
         return true;
     }
     return false;
@@ -121,8 +124,8 @@ void CsvReader::ChooseSeparator(std::string_view line)
     m_separator = m_format.separator.value_or(',');
     for (const char separator : {'\t', ';', ','})
     {
-        Split(line, separator);
-        if (!m_format.separator && m_fields.size() >= required)
+        const bool isWhole = Split(line, separator) == nullptr;
+        if (!m_format.separator && isWhole && m_fields.size() >= required)
         {
             m_separator = separator;
             return;
@@ -130,7 +133,8 @@ void CsvReader::ChooseSeparator(std::string_view line)
     }
 }
 
-void CsvReader::Split(std::string_view line, char separator)
+// Splits a line into the fields. Returns what is wrong with it, or null.
+const wchar_t* CsvReader::Split(std::string_view line, char separator)
 {
     const std::string_view blanks = separator == '\t' ? " \r" : " \t\r";
     m_fields.clear();
@@ -152,16 +156,17 @@ void CsvReader::Split(std::string_view line, char separator)
         }
         if (at >= line.size())
         {
-            Fail(L"a quote is not closed");
+            return L"a quote is not closed";
         }
         m_fields.push_back(std::move(field));
         const size_t end = std::min(line.find(separator, at), line.size());
         if (!Trimmed(line.substr(at + 1, end - at - 1), blanks).empty())
         {
-            Fail(L"there is text after a closing quote");
+            return L"there is text after a closing quote";
         }
         at = end;
     }
+    return nullptr;
 }
 
 // One name will do, for the others may be misspelt; but a row may have such a word for its code, and then it has
@@ -265,8 +270,7 @@ void CsvReader::RequireOneDecimalMark(std::string_view field, char mark, size_t 
     if (m_decimalMark != mark)
     {
         const std::wstring other = m_decimalMark == ',' ? L"a comma" : L"a point";
-        const std::wstring where =
-            m_decimalMarkLine == 0 ? L"" : L", as in line " + std::to_wstring(m_decimalMarkLine);
+        const std::wstring where = m_decimalMarkLine == 0 ? L"" : L", as in line " + std::to_wstring(m_decimalMarkLine);
         Fail(ToWide(m_columns[column].name) + L" does not have " + other + L" as its decimal mark" + where + L": " +
              Quoted(field));
     }

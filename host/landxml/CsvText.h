@@ -57,7 +57,7 @@ public:
 
 private:
     bool NextLine();
-    void Split(std::string_view line, char separator);
+    const wchar_t* Split(std::string_view line, char separator);
     void ChooseSeparator(std::string_view line);
     bool IsHeader() const;
     void TakeHeader();

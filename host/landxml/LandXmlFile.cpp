@@ -73,9 +73,9 @@ LandXmlHeading ReadHeading(const XmlElement& root)
     if (const XmlElement system = root.Child("CoordinateSystem"))
     {
         heading.epsgCode = system.Attribute("epsgCode");
-        heading.coordinateSystem =
-            FirstOf({system.Attribute("name"), system.Attribute("desc"), system.Attribute("horizontalCoordinateSystemName"),
-                     system.Attribute("horizontalDatum"), system.Attribute("ogcWktCode")});
+        heading.coordinateSystem = FirstOf({system.Attribute("name"), system.Attribute("desc"),
+                                            system.Attribute("horizontalCoordinateSystemName"),
+                                            system.Attribute("horizontalDatum"), system.Attribute("ogcWktCode")});
     }
     return heading;
 }

@@ -109,10 +109,7 @@ using ReadPiece = std::optional<Places> (*)(const XmlElement& piece, PlacesByNam
 ReadPiece ReaderOf(const XmlElement& piece)
 {
     constexpr std::pair<std::string_view, ReadPiece> kReaders[] = {
-        {"Line", &ReadLine},
-        {"Curve", &ReadCurve},
-        {"Spiral", &ReadSpiral},
-        {"IrregularLine", &ReadIrregularLine},
+        {"Line", &ReadLine},   {"Curve", &ReadCurve}, {"Spiral", &ReadSpiral}, {"IrregularLine", &ReadIrregularLine},
         {"Chain", &ReadChain},
     };
     for (const auto& [name, reader] : kReaders)
@@ -149,7 +146,8 @@ std::optional<VxGePoint3d> ReadPlace(const XmlElement& element, PlacesByName& pl
     {
         return place;
     }
-    const VxGePoint3d* const found = element.HasAttribute("pntRef") ? places.Find(element.Attribute("pntRef")) : nullptr;
+    const VxGePoint3d* const found =
+        element.HasAttribute("pntRef") ? places.Find(element.Attribute("pntRef")) : nullptr;
     return found == nullptr ? std::nullopt : std::optional(*found);
 }
 
@@ -169,7 +167,8 @@ std::vector<Places> ReadGeometry(const XmlElement& geometry, PlacesByName& place
         }
         else
         {
-            Warn(contents, piece, L"<" + ToWide(piece.LocalName()) + L"> lacks a place, or has one that cannot be read");
+            Warn(contents, piece,
+                 L"<" + ToWide(piece.LocalName()) + L"> lacks a place, or has one that cannot be read");
         }
     }
     return lines;

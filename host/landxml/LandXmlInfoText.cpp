@@ -1,5 +1,6 @@
 #include "host/landxml/LandXmlInfoText.h"
 
+#include "host/Console.h"
 #include "host/landxml/NumberText.h"
 #include "host/landxml/PointSummary.h"
 
@@ -34,7 +35,7 @@ void AddCount(std::wstring& text, size_t count, const wchar_t* one, const wchar_
 {
     if (count > 0)
     {
-        AddPart(text, CountText(count, one, many));
+        AddPart(text, Counted(count, one, many));
     }
 }
 
@@ -65,7 +66,8 @@ std::wstring DescribeNames(const std::vector<std::wstring>& names)
     {
         AddPart(text, Quoted(names[index]));
     }
-    return names.size() <= kMostListed ? text : text + L" and " + std::to_wstring(names.size() - kMostListed) + L" more";
+    return names.size() <= kMostListed ? text
+                                       : text + L" and " + std::to_wstring(names.size() - kMostListed) + L" more";
 }
 
 std::wstring DescribeCounts(const CountsByName& counts)
@@ -141,9 +143,9 @@ std::wstring WithSpecial(const std::wstring& text, size_t special, const wchar_t
 std::wstring DescribeSurface(const LandXmlSurface& surface)
 {
     std::wstring text = surface.type;
-    AddPart(text, WithSpecial(CountText(surface.pointCount, L"point", L"points"),
+    AddPart(text, WithSpecial(Counted(surface.pointCount, L"point", L"points"),
                               surface.pointCount - surface.points.size(), L"without coordinates"));
-    AddPart(text, WithSpecial(CountText(surface.faceCount, L"face", L"faces"), surface.invisibleFaces, L"invisible"));
+    AddPart(text, WithSpecial(Counted(surface.faceCount, L"face", L"faces"), surface.invisibleFaces, L"invisible"));
     AddCount(text, surface.breaklines, L"breakline", L"breaklines");
     AddCount(text, surface.boundaries, L"boundary", L"boundaries");
     AddCount(text, surface.dataPoints, L"data point", L"data points");
@@ -190,11 +192,6 @@ void AddCounts(std::vector<std::wstring>& lines, const wchar_t* fact, const Coun
 
 }  // namespace
 
-std::wstring CountText(size_t count, const wchar_t* one, const wchar_t* many)
-{
-    return std::to_wstring(count) + L' ' + (count == 1 ? one : many);
-}
-
 std::vector<std::wstring> DescribeContents(const LandXmlContents& contents)
 {
     std::vector<std::wstring> lines;
@@ -214,8 +211,8 @@ std::vector<std::wstring> DescribeContents(const LandXmlContents& contents)
     for (const LandXmlPipeNetwork& network : contents.pipeNetworks)
     {
         lines.push_back(Fact(L"pipe network", Quoted(network.name) + L": " +
-                                                  CountText(network.structures, L"structure", L"structures") + L", " +
-                                                  CountText(network.pipes, L"pipe", L"pipes")));
+                                                  Counted(network.structures, L"structure", L"structures") + L", " +
+                                                  Counted(network.pipes, L"pipe", L"pipes")));
     }
     AddCounts(lines, L"observations", contents.observations);
     AddCounts(lines, L"not shown", contents.others);

@@ -89,11 +89,11 @@ void ReadPipeNetwork(const XmlElement& element, PlacesByName& places, LandXmlCon
     ForEachChild(element, "Pipes", [&](const XmlElement& list) {
         ForEachChild(list, "Pipe", [&](const XmlElement& pipe) {
             ++network.pipes;
-            const auto start = structures.find(pipe.Attribute("refStart")), end = structures.find(pipe.Attribute("refEnd"));
+            const auto start = structures.find(pipe.Attribute("refStart")),
+                       end = structures.find(pipe.Attribute("refEnd"));
             if (start != structures.end() && end != structures.end())
             {
-                contents.lines.push_back(
-                    {LineKind::kPipe, pipe.Attribute("name"), L"", {start->second, end->second}});
+                contents.lines.push_back({LineKind::kPipe, pipe.Attribute("name"), L"", {start->second, end->second}});
             }
         });
     });

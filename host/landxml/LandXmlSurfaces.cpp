@@ -135,7 +135,8 @@ private:
         }
         if (m_corners.size() < 3)
         {
-            Warn(m_contents, face, L"a face" + OfSurface() + L" has fewer than three corners: \"" + ToWide(text) + L"\"");
+            Warn(m_contents, face,
+                 L"a face" + OfSurface() + L" has fewer than three corners: \"" + ToWide(text) + L"\"");
             return;
         }
         for (size_t index = 2; index < m_corners.size(); ++index)
@@ -179,7 +180,8 @@ private:
         std::optional<std::vector<VxGePoint3d>> places = ParsePlaces(list.Text(), list.Is("PntList2D") ? 2 : 3);
         if (!places)
         {
-            Warn(m_contents, list, L"a list of places" + OfSurface() + L" holds what is not a number, or ends within a place");
+            Warn(m_contents, list,
+                 L"a list of places" + OfSurface() + L" holds what is not a number, or ends within a place");
         }
         return places;
     }

@@ -25,8 +25,8 @@ std::string Narrow(std::wstring_view text)
 
 std::string FormatNumber(double value)
 {
-    // The fixed form of the library writes all digits of a large number, although 17 distinguish it from its neighbours. Its
-    // scientific form has the fewest digits that do; they are put around the point here.
+    // The fixed form of the library writes all digits of a large number, although 17 distinguish it from its
+    // neighbours. Its scientific form has the fewest digits that do; they are put around the point here.
     char text[32] = {};
     const std::to_chars_result result = std::to_chars(text, text + sizeof(text), value, std::chars_format::scientific);
     const std::string_view scientific(text, static_cast<size_t>(result.ptr - text));

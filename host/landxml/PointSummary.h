@@ -16,8 +16,8 @@ struct PointSummary
 {
     size_t count = 0;
     std::vector<std::pair<unsigned long, unsigned long>> numbers;  ///< ranges, ascending
-    std::vector<std::wstring> names;  ///< identifiers that are not numbers, in their order
-    CountsByName codes;               ///< "" for points without one
+    std::vector<std::wstring> names;                               ///< identifiers that are not numbers, in their order
+    CountsByName codes;                                            ///< "" for points without one
     size_t descriptions = 0;
     size_t withoutElevation = 0;
     std::optional<SurveyExtents> extents;

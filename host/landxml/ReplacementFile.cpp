@@ -1,6 +1,7 @@
 #include "host/landxml/ReplacementFile.h"
 
 #include "host/Console.h"
+#include "host/FileIdentity.h"
 #include "host/Streams.h"
 #include "host/landxml/Steps.h"
 
@@ -31,34 +32,16 @@ FileHandle OpenForQuestions(const std::wstring& name)
         ::CreateFileW(name.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
 }
 
-bool IsFolder(const std::wstring& path)
-{
-    const DWORD attributes = ::GetFileAttributesW(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-}
-
 bool IsDevice(const std::wstring& path)
 {
     const FileHandle file = OpenForQuestions(path);
     return file && ::GetFileType(file.get()) != FILE_TYPE_DISK;
 }
 
-bool IsSameFile(const std::wstring& a, const std::wstring& b)
+// A name that no file has yet may still be the other's.
+bool IsSameName(const std::wstring& a, const std::wstring& b)
 {
-    // A name that no file has yet may still be the other's.
-    if (::CompareStringOrdinal(FullNameOf(a).c_str(), -1, FullNameOf(b).c_str(), -1, TRUE) == CSTR_EQUAL)
-    {
-        return true;
-    }
-    const FileHandle first = OpenForQuestions(a), second = OpenForQuestions(b);
-    BY_HANDLE_FILE_INFORMATION one = {}, other = {};
-    if (!first || !second || !::GetFileInformationByHandle(first.get(), &one) ||
-        !::GetFileInformationByHandle(second.get(), &other))
-    {
-        return false;
-    }
-    return one.dwVolumeSerialNumber == other.dwVolumeSerialNumber && one.nFileIndexHigh == other.nFileIndexHigh &&
-           one.nFileIndexLow == other.nFileIndexLow;
+    return ::CompareStringOrdinal(FullNameOf(a).c_str(), -1, FullNameOf(b).c_str(), -1, TRUE) == CSTR_EQUAL;
 }
 
 }  // namespace
@@ -66,7 +49,7 @@ bool IsSameFile(const std::wstring& a, const std::wstring& b)
 ReplacementFile::ReplacementFile(const std::wstring& target)
     : m_shownName(L"\"" + target + L"\""), m_target(FullNameOf(target))
 {
-    if (IsFolder(m_target))
+    if (IsFolder(m_target.c_str()))
     {
         Fail(L"it is a folder");
     }
@@ -206,10 +189,11 @@ void WriteWholeOutput(const std::wstring& target, std::string_view contents)
 
 void RequireOtherFile(const std::wstring& target, const std::wstring& input)
 {
-    if (target != kStandardStreamName && input != kStandardStreamName && IsSameFile(target, input))
+    const bool areFiles = target != kStandardStreamName && input != kStandardStreamName;
+    if (areFiles && (IsSameName(target, input) || IsSameFile(target.c_str(), input.c_str())))
     {
-        throw CommandError(
-            std::wstring_view(L"\"" + target + L"\" is the same file as the input \"" + input + L"\": choose another name"));
+        throw CommandError(std::wstring_view(L"\"" + target + L"\" is the same file as the input \"" + input +
+                                             L"\": choose another name"));
     }
 }
 

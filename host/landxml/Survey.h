@@ -35,7 +35,7 @@ inline bool IsSameInPlan(const VxGePoint3d& a, const VxGePoint3d& b)
 /// A point that was measured.
 struct SurveyPoint
 {
-    std::wstring identifier;  ///< a point number, or a name
+    std::wstring identifier;                   ///< a point number, or a name
     VxGePoint3d place = {0, 0, kNoElevation};  ///< x is the easting, y the northing, z the elevation
     std::wstring code;
     std::wstring description;

@@ -45,8 +45,8 @@ std::wstring IdentifierOf(const CsvReader& reader)
     const std::optional<unsigned long> number = ParsePointNumber(text);
     if (!number && (text.empty() || ParseNumber(text)))
     {
-        reader.Fail(L"a point number must be from 1 to " + std::to_wstring(kHighestPointNumber) +
-                    L", or a name: " + Quoted(text));
+        reader.Fail(L"a point number must be from 1 to " + std::to_wstring(kHighestPointNumber) + L", or a name: " +
+                    Quoted(text));
     }
     return number ? std::to_wstring(*number) : text;
 }

@@ -1,8 +1,8 @@
 // Survey points and faces as text with separators, in UTF-8 or UTF-16.
 //
 // Points: number, northing, easting, elevation, code, desc. Faces: point1, point2, point3. A first line with these
-// names, in any order, is a header; without one the columns are in the order given here. Elevation may be empty (a point
-// that is known in the plan only); code and desc may be empty or missing. A point number may be a name instead.
+// names, in any order, is a header; without one the columns are in the order given here. Elevation may be empty (a
+// point that is known in the plan only); code and desc may be empty or missing. A point number may be a name instead.
 #pragma once
 
 #include <afx.h>

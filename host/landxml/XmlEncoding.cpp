@@ -25,9 +25,20 @@ struct NamedCodePage
 };
 
 constexpr NamedCodePage kCodePages[] = {
-    {"utf-8", CP_UTF8},    {"us-ascii", CP_UTF8}, {"ascii", CP_UTF8}, {"latin1", 28591}, {"shift_jis", 932},
-    {"windows-31j", 932},  {"gb2312", 936},       {"gbk", 936},       {"gb18030", 54936}, {"euc-kr", 949},
-    {"ks_c_5601-1987", 949}, {"big5", 950},       {"euc-jp", 51932},  {"koi8-r", 20866},
+    {"utf-8", CP_UTF8},
+    {"us-ascii", CP_UTF8},
+    {"ascii", CP_UTF8},
+    {"latin1", 28591},
+    {"shift_jis", 932},
+    {"windows-31j", 932},
+    {"gb2312", 936},
+    {"gbk", 936},
+    {"gb18030", 54936},
+    {"euc-kr", 949},
+    {"ks_c_5601-1987", 949},
+    {"big5", 950},
+    {"euc-jp", 51932},
+    {"koi8-r", 20866},
     // A file that was converted keeps its declaration. Its bytes decide.
     {"utf-16", CP_UTF8},
 };
@@ -150,7 +161,8 @@ size_t CharacterLength(const std::string& text, size_t at)
 
 unsigned int LineAt(const std::string& text, size_t at)
 {
-    return 1 + static_cast<unsigned int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+    return 1 +
+           static_cast<unsigned int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
 }
 
 void RequireUtf8(const std::wstring& name, const std::string& text)

@@ -102,7 +102,8 @@ void XmlScanner::TakeCharacters(size_t end)
         if (first != std::string_view::npos)
         {
             CountLines(m_at + first);
-            Fail(m_records.empty() ? L"there is text before the first element" : L"there is text after the last element");
+            Fail(m_records.empty() ? L"there is text before the first element"
+                                   : L"there is text after the last element");
         }
     }
     if (text.find('&') != std::string_view::npos)
@@ -214,8 +215,7 @@ void XmlScanner::TakeEndTag()
     {
         Fail(L"the end tag </" + ToWide(name) + L"> has more than its name");
     }
-    m_records[m_open.back().index].contentEnd =
-        static_cast<std::uint32_t>(m_text.rfind('<', m_at));
+    m_records[m_open.back().index].contentEnd = static_cast<std::uint32_t>(m_text.rfind('<', m_at));
     ++m_at;
     End();
 }

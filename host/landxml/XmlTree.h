@@ -1,8 +1,8 @@
 // The elements of an XML file.
 //
 // The DOM takes about a kilobyte for an element and gives no line numbers. A survey of a million points needs both: a
-// record of a few bytes for each, and the place of a bad one. Documents are therefore read here, and written through the
-// library's DOM functions.
+// record of a few bytes for each, and the place of a bad one. Documents are therefore read here, and written through
+// the library's DOM functions.
 #pragma once
 
 #include <afx.h>

@@ -19,8 +19,7 @@ PixelLine::PixelLine(const PlotFrame& frame, const std::vector<VxGePoint3d>& lin
     for (const VxGePoint3d& point : line)
     {
         const VxGePoint3d place = {frame.ToX(point.x), frame.ToY(point.y), 0};
-        const double step =
-            m_places.empty() ? 0 : std::hypot(place.x - m_places.back().x, place.y - m_places.back().y);
+        const double step = m_places.empty() ? 0 : std::hypot(place.x - m_places.back().x, place.y - m_places.back().y);
         m_lengths.push_back(m_lengths.empty() ? 0 : m_lengths.back() + step);
         m_places.push_back(place);
     }

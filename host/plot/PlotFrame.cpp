@@ -17,7 +17,8 @@ constexpr double kMostSlender = 5;
 // The smallest length at which two coordinates of this size differ in a picture.
 double LeastSpan(const SurveyExtents& site)
 {
-    const double size = std::max({std::abs(site.lowest.x), std::abs(site.highest.x), std::abs(site.lowest.y), std::abs(site.highest.y)});
+    const double size = std::max(
+        {std::abs(site.lowest.x), std::abs(site.highest.x), std::abs(site.lowest.y), std::abs(site.highest.y)});
     return std::max(1e-3, size * 1e-9);
 }
 

@@ -36,9 +36,9 @@ struct LineStyle
     const wchar_t* name;      ///< of several, in the legend
     const wchar_t* singular;  ///< of one
     const char* colour;
-    int width;            ///< in tenths of a pixel
-    const char* dashes;   ///< in tenths of a pixel; "" for a line without gaps
-    bool isNamed;         ///< whether the names of the lines are written beside them
+    int width;           ///< in tenths of a pixel
+    const char* dashes;  ///< in tenths of a pixel; "" for a line without gaps
+    bool isNamed;        ///< whether the names of the lines are written beside them
 };
 
 /// Returns the styles in the order in which lines are drawn.

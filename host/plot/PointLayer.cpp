@@ -27,7 +27,8 @@ enum Shape : size_t
     kCross,
 };
 
-constexpr const char* kColours[] = {"#222222", "#1f4fa3", "#c62828", "#6a1b9a", "#00695c", "#d81b9c", "#0288d1", "#9a5200"};
+constexpr const char* kColours[] = {"#222222", "#1f4fa3", "#c62828", "#6a1b9a",
+                                    "#00695c", "#d81b9c", "#0288d1", "#9a5200"};
 constexpr size_t kColourCount = sizeof(kColours) / sizeof(kColours[0]);
 constexpr size_t kShapeOfRound[] = {kCircle, kSquare, kTriangle, kDiamond, kPlus, kCross};
 constexpr size_t kShapeCount = sizeof(kShapeOfRound) / sizeof(kShapeOfRound[0]);

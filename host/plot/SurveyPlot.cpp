@@ -1,7 +1,6 @@
 #include "host/plot/SurveyPlot.h"
 
 #include "host/Console.h"
-#include "host/landxml/LandXmlInfoText.h"
 #include "host/plot/NiceSteps.h"
 #include "host/plot/PlotLayers.h"
 
@@ -49,13 +48,13 @@ std::wstring SubtitleOf(const PlotModel& model, const PlotLevels* levels)
     std::vector<std::wstring> facts;
     if (!model.points.empty())
     {
-        facts.push_back(CountText(model.points.size(), L"point", L"points"));
+        facts.push_back(Counted(model.points.size(), L"point", L"points"));
     }
     if (levels != nullptr)
     {
         const SurveySurface& surface = model.surface;
         facts.push_back((surface.name.empty() ? L"" : L"surface \"" + surface.name + L"\": ") +
-                        CountText(surface.triangles.size(), L"triangle", L"triangles"));
+                        Counted(surface.triangles.size(), L"triangle", L"triangles"));
         facts.push_back(L"elevation " + FormatFixed(levels->low, 2) + L" to " + FormatFixed(levels->high, 2) +
                         (model.unit.empty() ? L"" : L' ' + model.unit));
     }
@@ -63,7 +62,7 @@ std::wstring SubtitleOf(const PlotModel& model, const PlotLevels* levels)
     {
         if (const size_t count = CountLines(model.lines, style.kind); count > 0)
         {
-            facts.push_back(CountText(count, style.singular, style.name));
+            facts.push_back(Counted(count, style.singular, style.name));
         }
     }
     std::wstring text;

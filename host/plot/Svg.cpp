@@ -90,7 +90,7 @@ void SvgPath::LineTo(double x, double y)
     }
     if (m_lines.empty())
     {
-        m_lines = "l";
+        m_lines += 'l';
     }
     Write(toX - m_x);
     Write(toY - m_y);

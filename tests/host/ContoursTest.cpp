@@ -147,11 +147,14 @@ TEST(TraceContours, OnRoughGroundEveryPieceIsInALineThatEndsAtTheBorder)
             crossed += ContourOfTriangle(CornersOf(surface, triangle), 5).empty() ? 0 : 1;
         }
         size_t pieces = 0;
-        const auto isAtBorder = [](const VxGePoint3d& p) { return p.x == 0 || p.y == 0 || p.x == kSize || p.y == kSize; };
+        const auto isAtBorder = [](const VxGePoint3d& p) {
+            return p.x == 0 || p.y == 0 || p.x == kSize || p.y == kSize;
+        };
         for (const ContourLine& line : TraceContours(surface, 5))
         {
             pieces += line.size() - 1;
-            EXPECT_TRUE(IsSameInPlan(line.front(), line.back()) || (isAtBorder(line.front()) && isAtBorder(line.back())));
+            EXPECT_TRUE(IsSameInPlan(line.front(), line.back()) ||
+                        (isAtBorder(line.front()) && isAtBorder(line.back())));
         }
         EXPECT_EQ(pieces, crossed);
     }

@@ -51,7 +51,8 @@ TEST(LandXmlFile, PointsAreReadWithTheirNamesCodesAndDescriptions)
 TEST(LandXmlFile, APointWithoutTextHasThePlaceOfTheOneThatItRefersTo)
 {
     const LandXmlContents contents = Read(
-        "<CgPoints>\n<CgPoint name='1' pntRef='2'/>\n<CgPoint name='2' pntRef='base'/>\n<CgPoint name='base'>1 2 3</CgPoint>\n"
+        "<CgPoints>\n<CgPoint name='1' pntRef='2'/>\n<CgPoint name='2' pntRef='base'/>\n<CgPoint name='base'>1 2 "
+        "3</CgPoint>\n"
         "<CgPoint name='4' pntRef='gone'/>\n<CgPoint name='5' pntRef='6'/>\n<CgPoint name='6' pntRef='5'/>\n"
         "<CgPoint name='7'/>\n<CgPoint name='8' pntRef='1'>9 9</CgPoint></CgPoints>");
     EXPECT_EQ(Describe(contents.points), "1,1,2,3,,|2,1,2,3,,|base,1,2,3,,|8,9,9,,,|");
@@ -84,7 +85,8 @@ TEST(LandXmlFile, FacesNameThePointsOfTheirSurface)
     const std::string points =
         "<P id='1'>0 0 1</P><P id='2'>0 1 2</P><P id='30000000'>1 1 3</P><P id='A'>1 0 4</P><P id='04'>2 2 2</P>";
     const LandXmlContents contents = Read(Surface(
-        points, "<F>1 2 30000000</F><F i='1'>1 2 A</F><F>1 2 30000000 A</F>\n<F>1 2 4</F>\n<F>1 2</F><F n='1 2'>A 04 2</F>"));
+        points,
+        "<F>1 2 30000000</F><F i='1'>1 2 A</F><F>1 2 30000000 A</F>\n<F>1 2 4</F>\n<F>1 2</F><F n='1 2'>A 04 2</F>"));
     const quonhost::LandXmlSurface& surface = contents.surfaces.at(0);
     EXPECT_EQ(surface.pointCount, 5U);
     EXPECT_EQ(surface.faceCount, 6U);
@@ -111,7 +113,8 @@ TEST(LandXmlFile, BadPointsOfSurfacesAreCountedAndWarnedOf)
 TEST(LandXmlFile, GeometriesBecomeLines)
 {
     const LandXmlContents contents = Read(
-        "<CgPoints><CgPoint name='P'>0 100</CgPoint></CgPoints><Alignments><Alignment name='A' staStart='5' length='300'>"
+        "<CgPoints><CgPoint name='P'>0 100</CgPoint></CgPoints><Alignments><Alignment name='A' staStart='5' "
+        "length='300'>"
         "<CoordGeom><Line><Start>0 0</Start><End pntRef='P'/></Line>"
         "<Curve rot='ccw'><Start>0 100</Start><Center>100 100</Center><End>100 200</End></Curve>\n"
         "<Line><Start>500 500</Start><End>600 500</End></Line>"
@@ -136,10 +139,11 @@ TEST(LandXmlFile, EveryElementIsReportedSomewhere)
     const LandXmlContents contents = Read(
         "<Units><Metric/></Units><Monuments><Monument/></Monuments><x:Own xmlns:x='u'><x:Inner/></x:Own><Roadways/>"
         "<Survey><InstrumentSetup/><ObservationGroup><RawObservation/><RawObservation><FieldNote/></RawObservation>"
-        "</ObservationGroup></Survey><Parcels><Parcel name='1'><Parcels><Parcel name='2'/></Parcels></Parcel></Parcels>");
+        "</ObservationGroup></Survey><Parcels><Parcel name='1'><Parcels><Parcel "
+        "name='2'/></Parcels></Parcel></Parcels>");
     EXPECT_EQ(contents.parcels, (std::vector<std::wstring>{L"1", L"2"}));
-    EXPECT_EQ(contents.observations, (quonhost::CountsByName{
-                                         {L"InstrumentSetup", 1}, {L"ObservationGroup", 1}, {L"RawObservation", 2}}));
+    EXPECT_EQ(contents.observations,
+              (quonhost::CountsByName{{L"InstrumentSetup", 1}, {L"ObservationGroup", 1}, {L"RawObservation", 2}}));
     EXPECT_EQ(contents.others,
               (quonhost::CountsByName{{L"FieldNote", 1}, {L"Monument", 1}, {L"Roadways", 1}, {L"x:Own", 1}}));
 }
@@ -156,7 +160,8 @@ TEST(LandXmlWriter, WhatIsWrittenReadsBackAsItWas)
     for (const bool isVersion12 : {false, true})
     {
         const LandXmlContents back = quonhost::ReadLandXmlBytes(
-            L"x", quonhost::WriteLandXml(survey, {L"P & \"Q\"", L"<top>", quonhost::LandXmlUnits::kSurveyFoot, isVersion12}));
+            L"x",
+            quonhost::WriteLandXml(survey, {L"P & \"Q\"", L"<top>", quonhost::LandXmlUnits::kSurveyFoot, isVersion12}));
         EXPECT_EQ(Describe(back.points), Describe(survey.points));
         EXPECT_EQ(back.heading.version, isVersion12 ? L"1.2" : L"1.0");
         EXPECT_EQ(back.heading.linearUnit, L"USSurveyFoot");

@@ -64,7 +64,8 @@ TEST(SpiralPlaces, ASpiralEndsWhereItShouldWithTheRightDirection)
         const double side = isClockwise ? -1 : 1;
         const VxGePoint3d start = {1000, 500, 0}, end = {1000 + x, 500 + side * y, 0};
         const VxGePoint3d intersection = {1000 + x - y / std::tan(angle), 500, 0};
-        const std::vector<VxGePoint3d> in = SpiralPlaces({start, end, intersection, length, kStraight, radius, isClockwise});
+        const std::vector<VxGePoint3d> in =
+            SpiralPlaces({start, end, intersection, length, kStraight, radius, isClockwise});
         EXPECT_NEAR(LengthOf(in), length, 0.01);
         EXPECT_EQ(in.back().x, end.x);
         EXPECT_EQ(in.back().y, end.y);
@@ -72,7 +73,8 @@ TEST(SpiralPlaces, ASpiralEndsWhereItShouldWithTheRightDirection)
         const VxGePoint3d& quarter = in[in.size() / 4];
         EXPECT_NEAR(side * (quarter.y - 500), std::pow(length / 4, 3) / (6 * radius * length), 0.01);
 
-        const std::vector<VxGePoint3d> out = SpiralPlaces({end, start, intersection, length, radius, kStraight, !isClockwise});
+        const std::vector<VxGePoint3d> out =
+            SpiralPlaces({end, start, intersection, length, radius, kStraight, !isClockwise});
         EXPECT_NEAR(LengthOf(out), length, 0.01);
         const VxGePoint3d& last = out[out.size() - 1 - out.size() / 4];
         EXPECT_NEAR(last.x, quarter.x, 0.05);
@@ -82,7 +84,8 @@ TEST(SpiralPlaces, ASpiralEndsWhereItShouldWithTheRightDirection)
 
 TEST(SpiralPlaces, NumbersThatMissTheEndAreSpread)
 {
-    const std::vector<VxGePoint3d> places = SpiralPlaces({{0, 0, 0}, {100, 20, 0}, {60, 0, 0}, 90, kStraight, 150, false});
+    const std::vector<VxGePoint3d> places =
+        SpiralPlaces({{0, 0, 0}, {100, 20, 0}, {60, 0, 0}, 90, kStraight, 150, false});
     EXPECT_EQ(places.back().x, 100);
     EXPECT_EQ(places.back().y, 20);
     for (size_t index = 1; index < places.size(); ++index)

@@ -264,16 +264,16 @@ TEST(DrawSurvey, ManyPointsAreNotLabelledUnlessThatIsAskedFor)
 TEST(DrawSurvey, LinesAreDrawnNamedAndExplained)
 {
     PlotModel model;
-    model.lines = {{LineKind::kAlignment, L"Main & side", L"", {{0, 0, 0}, {100, 0, 0}, {200, 50, 0}}},
-                   {LineKind::kAlignment, L"Main & side", L"", {{300, 0, 0}, {310, 0, 0}}},
-                   {LineKind::kParcel, L"LOT 1", L"", {{0, 100, 0}, {100, 100, 0}, {100, 200, 0}, {0, 200, 0}, {0, 100, 0}}},
-                   {LineKind::kBreakline, L"", L"S", {{0, 20, 0}, {200, 80, 0}}},
-                   {LineKind::kBreakline, L"", L"S", {{0, 30, 0}, {200, 90, 0}}},
-                   {LineKind::kPlanFeature, L"dot", L"", {{5, 5, 0}}}};
+    model.lines = {
+        {LineKind::kAlignment, L"Main & side", L"", {{0, 0, 0}, {100, 0, 0}, {200, 50, 0}}},
+        {LineKind::kAlignment, L"Main & side", L"", {{300, 0, 0}, {310, 0, 0}}},
+        {LineKind::kParcel, L"LOT 1", L"", {{0, 100, 0}, {100, 100, 0}, {100, 200, 0}, {0, 200, 0}, {0, 100, 0}}},
+        {LineKind::kBreakline, L"", L"S", {{0, 20, 0}, {200, 80, 0}}},
+        {LineKind::kBreakline, L"", L"S", {{0, 30, 0}, {200, 90, 0}}},
+        {LineKind::kPlanFeature, L"dot", L"", {{5, 5, 0}}}};
     const std::string text = DrawSurvey(model, {});
-    for (const char* const part :
-         {">alignments (1)<", ">parcels (1)<", ">breaklines (2)<", ">plan features (1)<", ">Main &amp; side<", ">LOT 1<",
-          "1 alignment", "2 breaklines", "stroke-dasharray"})
+    for (const char* const part : {">alignments (1)<", ">parcels (1)<", ">breaklines (2)<", ">plan features (1)<",
+                                   ">Main &amp; side<", ">LOT 1<", "1 alignment", "2 breaklines", "stroke-dasharray"})
     {
         EXPECT_NE(text.find(part), std::string::npos) << part;
     }

@@ -97,11 +97,24 @@ TEST(MatchesPattern, StarsAndQuestionMarks)
         const wchar_t *text, *pattern;
         bool matches;
     } rows[] = {
-        {L"", L"", true},          {L"", L"*", true},       {L"", L"?", false},       {L"a", L"", false},
-        {L"abc", L"ABC", true},    {L"abc", L"a*", true},   {L"abc", L"*c", true},    {L"abc", L"*b*", true},
-        {L"abc", L"a?c", true},    {L"abc", L"a?", false},  {L"abc", L"****", true},  {L"abab", L"*ab", true},
-        {L"aXbXc", L"a*X*c", true}, {L"ac", L"a*b*c", false}, {L"\u00C4", L"\u00E4", true}, {L"a.b", L"a?b", true},
-        {L"BP (NO.-4-10)", L"BP (NO.-4-*", true},           {L"BP (NO.-4-10)", L"*(NO.-?-10)", true},
+        {L"", L"", true},
+        {L"", L"*", true},
+        {L"", L"?", false},
+        {L"a", L"", false},
+        {L"abc", L"ABC", true},
+        {L"abc", L"a*", true},
+        {L"abc", L"*c", true},
+        {L"abc", L"*b*", true},
+        {L"abc", L"a?c", true},
+        {L"abc", L"a?", false},
+        {L"abc", L"****", true},
+        {L"abab", L"*ab", true},
+        {L"aXbXc", L"a*X*c", true},
+        {L"ac", L"a*b*c", false},
+        {L"\u00C4", L"\u00E4", true},
+        {L"a.b", L"a?b", true},
+        {L"BP (NO.-4-10)", L"BP (NO.-4-*", true},
+        {L"BP (NO.-4-10)", L"*(NO.-?-10)", true},
     };
     for (const auto& row : rows)
     {

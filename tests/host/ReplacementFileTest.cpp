@@ -74,7 +74,8 @@ TEST(ReplacementFile, AFileThatDoesNotHoldWhatWasWrittenReplacesNothing)
         SCOPED_TRACE(expected);
         ReplacementFile file(target);
         file.Write("new");
-        EXPECT_NE(ComplaintOf([&] { file.Commit(expected); }).find("does not hold what was written"), std::string::npos);
+        EXPECT_NE(ComplaintOf([&] { file.Commit(expected); }).find("does not hold what was written"),
+                  std::string::npos);
         EXPECT_EQ(folder.ReadFile(L"a.xml"), "old");
     }
     EXPECT_EQ(CountFiles(folder), 1);
@@ -83,8 +84,9 @@ TEST(ReplacementFile, AFileThatDoesNotHoldWhatWasWrittenReplacesNothing)
 TEST(ReplacementFile, WhereNoFileCanBeIsReportedAtOnceInTheWordsOfTheSystem)
 {
     const TemporaryFolder folder;
-    EXPECT_NE(ComplaintOf([&] { ReplacementFile(folder / L"missing\\a.xml"); }).find("cannot be written: Path not found."),
-              std::string::npos);
+    EXPECT_NE(
+        ComplaintOf([&] { ReplacementFile(folder / L"missing\\a.xml"); }).find("cannot be written: Path not found."),
+        std::string::npos);
     EXPECT_NE(ComplaintOf([&] { ReplacementFile(folder.Path()); }).find("it is a folder"), std::string::npos);
 }
 
@@ -132,8 +134,8 @@ BOOL WINAPI WriteAsFarAsThereIsRoom(HANDLE file, const void* data, DWORD size, D
     const DWORD part = std::min(size, room);
     room -= part;
     using Write = BOOL(WINAPI*)(HANDLE, const void*, DWORD, DWORD*, OVERLAPPED*);
-    const auto write =
-        reinterpret_cast<Write>(reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32"), "WriteFile")));
+    const auto write = reinterpret_cast<Write>(
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32"), "WriteFile")));
     return write(file, data, part, written, overlapped);
 }
 
@@ -175,12 +177,14 @@ TEST(ReplacementFile, WhatTheSystemLostOrCouldNotFlushReplacesNothing)
     const std::wstring target = folder.WriteFile(L"a.xml", "old");
     {
         const quon_test::ImportPatch<decltype(&::WriteFile)> patch(nullptr, "WriteFile", &LoseWhatIsWritten);
-        EXPECT_NE(ComplaintOf([&] { quonhost::WriteWholeOutput(target, "new"); }).find("does not hold what was written"),
-                  std::string::npos);
+        EXPECT_NE(
+            ComplaintOf([&] { quonhost::WriteWholeOutput(target, "new"); }).find("does not hold what was written"),
+            std::string::npos);
     }
     {
         const quon_test::ImportPatch<decltype(&::FlushFileBuffers)> patch(nullptr, "FlushFileBuffers", &FailToFlush);
-        EXPECT_NE(ComplaintOf([&] { quonhost::WriteWholeOutput(target, "new"); }).find("Disk full."), std::string::npos);
+        EXPECT_NE(ComplaintOf([&] { quonhost::WriteWholeOutput(target, "new"); }).find("Disk full."),
+                  std::string::npos);
     }
     EXPECT_EQ(folder.ReadFile(L"a.xml"), "old");
     EXPECT_EQ(CountFiles(folder), 1);

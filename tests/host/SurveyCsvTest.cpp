@@ -64,7 +64,13 @@ TEST(SurveyCsv, PointsAreReadWithAndWithoutAHeader)
          "1,2,3,4,A\r\n5,6,7,8,B\r\n",
          "1,2,3,4,A,|5,6,7,8,B,|"},
         {"\xEF\xBB\xBFnumber,northing,easting,elevation\r\n1,2,3,4", "1,2,3,4,,|"},
-        {std::string("\xFF\xFE" "1\0,\0" "2\0,\0" "3\0,\0" "4\0", 16), "1,2,3,4,,|"},
+        {std::string("\xFF\xFE"
+                     "1\0,\0"
+                     "2\0,\0"
+                     "3\0,\0"
+                     "4\0",
+                     16),
+         "1,2,3,4,,|"},
         {"\n\r\n  \n1,2,3,4,A\n\n2,3,4,5,B\n\n", "1,2,3,4,A,|2,3,4,5,B,|"},
         {"code,elevation,easting,northing,number\nA,4,3,2,1", "1,2,3,4,A,|"},
         {"Name,description,northing,easting,elevation\nP7,by hand,2,3,4", "P7,2,3,4,,by hand|"},
@@ -117,9 +123,13 @@ TEST(SurveyCsv, SeparatorsAndDecimalMarksCanBeNamed)
 {
     EXPECT_EQ(Describe(ParsePoints("1,2,3,4,a;b;c;d;e\n", {',', std::nullopt})), "1,2,3,4,\"a;b;c;d;e\",|");
     EXPECT_EQ(Describe(ParsePoints("1;2,5;3;4\n", {';', ','})), "1,2.5,3,4,,|");
-    EXPECT_EQ(ComplaintOf([] { ParsePoints("1;2,5;3;4\n", {';', '.'}); }),
+    EXPECT_EQ(ComplaintOf([] {
+                  ParsePoints("1;2,5;3;4\n", {';', '.'});
+              }),
               "p.csv line 1: northing does not have a point as its decimal mark: \"2,5\"");
-    EXPECT_EQ(ComplaintOf([] { ParsePoints("1;2;3;4\n", {',', std::nullopt}); }),
+    EXPECT_EQ(ComplaintOf([] {
+                  ParsePoints("1;2;3;4\n", {',', std::nullopt});
+              }),
               "p.csv line 1: the column \"northing\" is missing");
 }
 
@@ -127,7 +137,8 @@ TEST(SurveyCsv, TwoDecimalMarksInOneFileAreRefused)
 {
     EXPECT_EQ(ComplaintOf([] { ParsePoints("1;2,5;3;4\n2;3;4;1.234\n"); }),
               "p.csv line 2: elevation does not have a comma as its decimal mark, as in line 1: \"1.234\"");
-    EXPECT_EQ(ComplaintOf([] { ParsePoints("1;1.234,5;3;4\n"); }), "p.csv line 1: northing is not a number: \"1.234,5\"");
+    EXPECT_EQ(ComplaintOf([] { ParsePoints("1;1.234,5;3;4\n"); }),
+              "p.csv line 1: northing is not a number: \"1.234,5\"");
 }
 
 TEST(SurveyCsv, BadPointsAreReportedWithTheirLine)

@@ -187,7 +187,8 @@ TEST(XmlEncoding, BytesBecomeUtf8)
          "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xC3\xA4</a>"},
         {"<?xml version=\"1.0\" encoding=\"windows-1252\"?><a>\x80</a>",
          "<?xml version=\"1.0\" encoding=\"windows-1252\"?><a>\xE2\x82\xAC</a>"},
-        {"<?xml version='1.0' encoding='utf-8'?><a>\xC3\xA4</a>", "<?xml version='1.0' encoding='utf-8'?><a>\xC3\xA4</a>"},
+        {"<?xml version='1.0' encoding='utf-8'?><a>\xC3\xA4</a>",
+         "<?xml version='1.0' encoding='utf-8'?><a>\xC3\xA4</a>"},
     };
     for (const auto& row : rows)
     {

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """Runs the plot command of the console host and looks at the pictures that it writes: plot_test.py RUNNER PROGRAM"""
+import random
 import re
 import struct
 import subprocess
@@ -127,7 +128,8 @@ class PlotTest(unittest.TestCase):
                                   windows_path(target), *options)
                 self.assertEqual(target.read_text(), "old")
         self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["out.svg", "site.xml"])
-        self.assert_fails(1, "cannot be written: Path not found.", "landxml", "plot", windows_path(self.folder / "site.xml"),
+        self.assert_fails(1, "cannot be written: Path not found.", "landxml", "plot",
+                          windows_path(self.document("<CgPoint name='1'>1 2</CgPoint>")),
                           windows_path(self.folder / "none/out.svg"))
 
     def test_a_large_site_is_drawn_without_labels(self):
@@ -171,11 +173,12 @@ class PlotTest(unittest.TestCase):
     # Pixels.
 
     def pixels(self, source, *options):
-        """The picture as rows of (red, green, blue), and a function from places of the ground to pixels."""
+        """The picture as rows of (red, green, blue), and its elements."""
         root = self.plot(source, *options)
         png = subprocess.run(["rsvg-convert", str(self.folder / "out.svg")], capture_output=True, check=True).stdout
         width, height, data = read_png(png)
-        self.assertEqual((width, height), tuple(round(float(root.get(side))) for side in ("width", "height")))
+        for painted, side in ((width, "width"), (height, "height")):
+            self.assertAlmostEqual(painted, float(root.get(side)), delta=1)
         return [[tuple(data[y * width + x]) for x in range(width)] for y in range(height)], root
 
     def count(self, rows, colour, slack=40):
@@ -187,7 +190,7 @@ class PlotTest(unittest.TestCase):
             self.assertGreater(self.count(rows, colour), 300, colour)
 
     def test_every_code_of_a_dense_site_shows_in_the_pixels(self):
-        chance = __import__("random").Random(5)
+        chance = random.Random(5)
         codes = ["GR"] * 200 + ["EP", "CL", "TR"]
         points = "".join(f'<CgPoint name="{n}" code="{chance.choice(codes)}">{chance.random() * 800:.2f} '
                          f'{chance.random() * 1000:.2f}</CgPoint>' for n in range(100000))
@@ -195,11 +198,9 @@ class PlotTest(unittest.TestCase):
         rows, root = self.pixels(self.document(points))
         texts = self.texts(root)
         self.assertTrue(any(text.startswith("ONE (1)") for text in texts))
-        kinds = {path.get("fill") for path in root.iter(SVG + "path")} - {"none", "#fff", None}
         map_pixels = [row[34:1034] for row in rows[62:]]
         for colour in ((0x22, 0x22, 0x22), (0x1f, 0x4f, 0xa3), (0xc6, 0x28, 0x28), (0x6a, 0x1b, 0x9a)):
             self.assertGreater(self.count(map_pixels, colour), 100, colour)
-        self.assertGreaterEqual(len(kinds), 4)
         # Halos do not cover the points: much of the map is dark, and the rare code shows though there is one of it.
         self.assertGreater(self.count(map_pixels, (0x22, 0x22, 0x22), 60), 30000)
         self.assertGreater(self.count(map_pixels, (0, 0x69, 0x5c), 60), 3)

@@ -109,8 +109,8 @@ class ReportTest(unittest.TestCase):
         file.write_text('<LandXML version="1.2"><CgPoints><CgPoint name="1" code="EP">0.1 2 3</CgPoint>'
                         '<CgPoint name="2">4 5</CgPoint></CgPoints></LandXML>')
         self.assertEqual(self.report("landxml", "points", windows_path(file), "--points", "1-9"), {"points": [
-            {"number": 1, "northing": 0.1, "easting": 2, "elevation": 3, "code": "EP"},
-            {"number": 2, "northing": 4, "easting": 5, "elevation": None, "code": None}]})
+            {"number": 1, "name": "1", "northing": 0.1, "easting": 2, "elevation": 3, "code": "EP", "desc": None},
+            {"number": 2, "name": "2", "northing": 4, "easting": 5, "elevation": None, "code": None, "desc": None}]})
         self.assert_fails(2, "", "landxml", "points", windows_path(file), "--points", "1", "--csv", "--json")
 
     def test_modified_prints_an_object_a_line(self):
@@ -164,7 +164,7 @@ class ReportTest(unittest.TestCase):
                 source, target = windows_path(self.folder / "p.csv"), windows_path(self.folder / name)
                 self.assertEqual(self.lines("landxml", "export", source, target), [])
                 self.assertEqual(self.report("landxml", "info", target)["project"], name[:-4])
-                self.assertIn(f'project     "{name}"', self.lines("landxml", "export", source, target, "--project", name) +
+                self.assertIn(f'project       "{name}"', self.lines("landxml", "export", source, target, "--project", name) +
                               self.lines("landxml", "info", target))
 
     def test_a_pipe_gets_no_progress_bar(self):

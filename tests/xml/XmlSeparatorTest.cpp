@@ -60,12 +60,12 @@ TEST_F(XmlValues, OnlyASeparatorThatDiffersIsTouched)
                                                                changes.push_back({type, text});
                                                                return ::SetLocaleInfoW(locale, type, text);
                                                            });
-    const ImportPatch<decltype(&::GetLocaleInfoW)> reading(
-        kLibrary, "GetLocaleInfoW", [](LCID locale, LCTYPE type, LPWSTR text, int size) -> int {
-            EXPECT_EQ(locale, LCID{LOCALE_USER_DEFAULT});
-            reads.emplace_back(type, size);
-            return ::GetLocaleInfoW(locale, type, text, size);
-        });
+    const ImportPatch<decltype(&::GetLocaleInfoW)> reading(kLibrary, "GetLocaleInfoW",
+                                                           [](LCID locale, LCTYPE type, LPWSTR text, int size) -> int {
+                                                               EXPECT_EQ(locale, LCID{LOCALE_USER_DEFAULT});
+                                                               reads.emplace_back(type, size);
+                                                               return ::GetLocaleInfoW(locale, type, text, size);
+                                                           });
     EXPECT_EQ(GetXmlDouble(RootWith(L"2.5"), L"v"), 2.5);
     EXPECT_EQ(reads, (std::vector<std::pair<LCTYPE, int>>{{LOCALE_SDECIMAL, 4}, {LOCALE_STHOUSAND, 4}}));
     EXPECT_EQ(changes, (std::vector<Change>{{LOCALE_SDECIMAL, L"."}, {LOCALE_SDECIMAL, L","}}));
@@ -107,8 +107,8 @@ TEST_F(XmlValues, ASeparatorThatCannotBeReadIsLeftAlone)
 {
     SetSeparators(L",", L".");
     {
-        const ImportPatch<decltype(&::GetLocaleInfoW)> reading(
-            kLibrary, "GetLocaleInfoW", [](LCID, LCTYPE, LPWSTR, int) -> int { return 0; });
+        const ImportPatch<decltype(&::GetLocaleInfoW)> reading(kLibrary, "GetLocaleInfoW",
+                                                               [](LCID, LCTYPE, LPWSTR, int) -> int { return 0; });
         EXPECT_EQ(GetXmlDouble(RootWith(L"7"), L"v"), 7.0);
     }
     EXPECT_EQ(Separator(LOCALE_SDECIMAL), L",");
@@ -119,8 +119,8 @@ TEST_F(XmlValues, ASeparatorThatCannotBeSetStaysInForce)
 {
     SetSeparators(L",", L".");
     {
-        const ImportPatch<decltype(&::SetLocaleInfoW)> writing(
-            kLibrary, "SetLocaleInfoW", [](LCID, LCTYPE, LPCWSTR) -> BOOL { return FALSE; });
+        const ImportPatch<decltype(&::SetLocaleInfoW)> writing(kLibrary, "SetLocaleInfoW",
+                                                               [](LCID, LCTYPE, LPCWSTR) -> BOOL { return FALSE; });
         EXPECT_EQ(GetXmlDouble(RootWith(L"7"), L"v"), 7.0);
     }
     EXPECT_EQ(Separator(LOCALE_SDECIMAL), L",");
