@@ -1,4 +1,4 @@
-# The libraries of host and tests, as targets that are the same everywhere: quon_cli11, quon_json, quon_csv and
+# The libraries of host and tests, as targets that are the same everywhere: quon_cli11, quon_json and
 # quon_googletest. With MSVC they are CMake packages, which vcpkg installs from the manifest vcpkg.json. Elsewhere they are
 # Debian's packages: headers for the build machine and sources, of which only what is named here may be used when
 # compiling for Windows.
@@ -42,9 +42,6 @@ endfunction()
 if(QUON_BUILD_HOST)
   quon_find_headers(quon_cli11 HEADER CLI/CLI.hpp PACKAGE CLI11 IMPORTED CLI11::CLI11)
   quon_find_headers(quon_json HEADER nlohmann/json.hpp PACKAGE nlohmann_json IMPORTED nlohmann_json::nlohmann_json)
-  find_package(FastCppCsvParser MODULE REQUIRED)
-  add_library(quon_csv INTERFACE)
-  target_link_libraries(quon_csv INTERFACE FastCppCsvParser::FastCppCsvParser)
 endif()
 if(BUILD_TESTING)
   add_library(quon_googletest INTERFACE)

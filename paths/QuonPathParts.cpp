@@ -3,6 +3,9 @@
 #include "paths/PathTextInternal.h"
 #include "paths/QuonPath.h"
 
+// <windows.h> makes a macro of this name.
+#undef GetFileTitle
+
 using QuonPathText::JoinString;
 using QuonPathText::MakeString;
 using QuonPathText::SetText;

@@ -32,7 +32,7 @@ def sources(build):
 
 def options(build):
     """What the sources around the library are compiled with, beside the options of all."""
-    folders = [build / "headers" / name for name in ("quon_cli11", "quon_json", "csv")]
+    folders = [build / "headers" / name for name in ("quon_cli11", "quon_json")]
     folders += [GOOGLETEST / name / "include" for name in ("googletest", "googlemock")]
     folders += [benchmark_folder(build)] if benchmark_folder(build) else []
     return ["-U_AFXEXT", '-DQUON_PROJECT_VERSION=L"0.0.0"', f"-I{TOP / 'tests'}",

@@ -77,13 +77,6 @@ _bstr_t& _bstr_t::operator=(const _bstr_t& other) noexcept
     return *this;
 }
 
-BSTR* _bstr_t::GetAddress()
-{
-    *this = _bstr_t();
-    m_Data = new Data_t;
-    return &m_Data->text;
-}
-
 _bstr_t::operator const wchar_t*() const noexcept
 {
     return m_Data ? m_Data->text : nullptr;

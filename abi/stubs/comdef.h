@@ -21,7 +21,6 @@ public:
     _bstr_t(BSTR, bool);
     ~_bstr_t() noexcept;
     _bstr_t& operator=(const _bstr_t&) noexcept;
-    BSTR* GetAddress();
     operator const wchar_t*() const noexcept;
     operator wchar_t*() const noexcept;
     operator const char*() const;

@@ -13,9 +13,6 @@
 #include "afxver_.h"
 #include "afxstr.h"
 
-// As in the framework: <windows.h> makes a macro of this name, which would rename members of classes.
-#undef GetFileTitle
-
 // Diagnostics. As in the framework, all but VERIFY's expression vanishes unless _DEBUG is defined.
 
 /// Reports a failed assertion to the debugger and breaks into it. @return TRUE when the caller shall break itself

@@ -11,7 +11,7 @@ WINDOWS = (TOP / ".github/workflows/windows.yml").read_text()
 PRESETS = json.loads((TOP / "CMakePresets.json").read_text())
 MANIFEST = json.loads((TOP / "vcpkg.json").read_text())
 # The port of vcpkg that brings a package of CMake, or the header that a find module looks for.
-PORTS = {"CLI11": "cli11", "nlohmann_json": "nlohmann-json", "FastCppCsvParser": "fast-cpp-csv-parser", "GTest": "gtest"}
+PORTS = {"CLI11": "cli11", "nlohmann_json": "nlohmann-json", "GTest": "gtest"}
 
 
 class Workflows(unittest.TestCase):

@@ -1,1 +1,0 @@
-// Found by cmake/FindFastCppCsvParser.cmake; nothing is compiled against it.
