@@ -1,7 +1,7 @@
 // A text of more characters than 32 bits count, in little memory.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 #include <algorithm>
 #include <cstddef>

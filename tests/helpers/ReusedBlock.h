@@ -8,6 +8,7 @@
 #include <mutex>
 
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
 
 namespace quon_test
 {
@@ -40,7 +41,7 @@ public:
     void* Address() const { return m_block; }
 
     /// Waits until the library has freed the block. @return whether it has
-    bool WaitUntilFree() const { return ::WaitForSingleObject(m_freed, 20000) == WAIT_OBJECT_0; }
+    bool WaitUntilFree() const { return ::WaitForSingleObject(m_freed, 60000) == WAIT_OBJECT_0; }
 
     /// How often the block was given out again.
     int Reuses() const { return m_reuses; }
@@ -102,10 +103,10 @@ private:
     bool m_isFree = false;
     int m_reuses = 0;
     // The allocator's calls may be in either module.
-    ImportPatch<void*(__cdecl*)(std::size_t)> m_libraryMalloc{L"QuonWin32Utils.dll", "malloc", &Allocate};
-    ImportPatch<void(__cdecl*)(void*)> m_libraryFree{L"QuonWin32Utils.dll", "free", &Free};
-    ImportPatch<void*(__cdecl*)(std::size_t)> m_frameworkMalloc{L"QuonFramework.dll", "malloc", &Allocate};
-    ImportPatch<void(__cdecl*)(void*)> m_frameworkFree{L"QuonFramework.dll", "free", &Free};
+    ImportPatch<void*(__cdecl*)(std::size_t)> m_libraryMalloc{kLibraryModule, "malloc", &Allocate};
+    ImportPatch<void(__cdecl*)(void*)> m_libraryFree{kLibraryModule, "free", &Free};
+    ImportPatch<void*(__cdecl*)(std::size_t)> m_frameworkMalloc{kFrameworkModule, "malloc", &Allocate};
+    ImportPatch<void(__cdecl*)(void*)> m_frameworkFree{kFrameworkModule, "free", &Free};
 };
 
 }  // namespace quon_test

@@ -1,15 +1,16 @@
 #!/usr/bin/env python3
 """Gives the commands of the console host disks that are full, targets that are their sources and files that refuse:
 failure_test.py RUNNER PROGRAM"""
+import itertools
 import os
 import sys
 import tempfile
-import time
 import unittest
 from pathlib import Path
 
 import captured
 import host_test
+from held import wait_until
 from host_test import PROGRAM, RUNNER, windows_path
 
 # A sentence of the system: Windows and Wine have different ones.
@@ -82,11 +83,13 @@ class OutputTest(FailureTest):
         with open("/dev/full", "wb") as full:
             running = captured.Running([RUNNER, PROGRAM, "watch", windows_path(file)], stdout=full)
         self.addCleanup(running.end)
-        end = time.monotonic() + 60
-        while running.process.poll() is None:
-            self.assertLess(time.monotonic(), end, "the watch still runs")
-            file.write_text("x" * int((time.monotonic() % 1000) * 10 + 1))
-            time.sleep(0.1)
+        sizes = itertools.count(100)
+
+        def has_ended():
+            file.write_text("x" * next(sizes))
+            return running.process.poll() is not None
+
+        wait_until(has_ended, "the watch ends", pause=0.2)
         self.assertEqual(running.process.returncode, 1)
         self.assertRegex(running.errors(), r"\Aquonhost: the output cannot be written: " + REASON)
 

@@ -5,6 +5,7 @@
 #include "messaging/MessagingTestSupport.h"
 #include "helpers/ChildProcess.h"
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -302,7 +303,7 @@ TEST(Part, DISABLED_Cleared)
     // They stay until the process has gone. The allocator's call may be in either module.
     new Patch<decltype(&::UnregisterClassW)>(kLibrary, "UnregisterClassW", &NotingUnregisterClass);
     new Patch<void(__cdecl*)(void*)>(kLibrary, "free", &WatchingFree);
-    new Patch<void(__cdecl*)(void*)>(L"QuonFramework.dll", "free", &WatchingFree);
+    new Patch<void(__cdecl*)(void*)>(quon_test::kFrameworkModule, "free", &WatchingFree);
 }
 
 TEST(WndMsgServerCreation, ForgetsItsWindowAndClassBeforeItsRegistrations)

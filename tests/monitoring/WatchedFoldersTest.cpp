@@ -237,7 +237,7 @@ TEST_F(WatchedFolders, AreAllAddedWhenManyRequestsComeAtOnce)
         watch.Subscribe(path, 0x1);
     }
     go.Set();
-    EXPECT_TRUE(PumpUntil([this] { return folders.OpenCount() == 4; }, 5000));
+    EXPECT_TRUE(PumpUntil([this] { return folders.OpenCount() == 4; }));
     EXPECT_TRUE(watch.Barrier());
     folders.onRead = nullptr;
 }

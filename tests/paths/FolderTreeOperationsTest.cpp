@@ -385,11 +385,14 @@ TEST(MoveFolderTree, MovesRandomTreesWhole)
 TEST(MoveFolderTree, LosesEmptyFoldersThatAreTooDeepInTheDestination)
 {
     const TemporaryFolder root;
+    // As long as the temporary folder's own path allows: "deep" is within the cut, a name of 60 characters beyond it.
     const std::wstring name(100, L'n');
     const std::wstring from = root / L"from";
-    const std::wstring to = root / (L"to" + std::wstring(98, L'x')).c_str();
+    ASSERT_LT(root.Path().size(), 110u) << "the temporary folder is too deep for this test";
+    const std::wstring to = root / (L"to" + std::wstring(118 - root.Path().size(), L'x')).c_str();
     root.MakeFolder((L"from\\" + name + L"\\deep").c_str());
-    ASSERT_GT((to + L"\\" + name + L"\\deep").size() + 60, 263u) << "deep enough with one more name";
+    ASSERT_LE((to + L"\\" + name + L"\\deep\\").size(), 263u);
+    ASSERT_GT((to + L"\\" + name + L"\\").size() + 60, 2 + 263u);
     root.MakeFolder((L"from\\" + name + L"\\" + std::wstring(60, L'e')).c_str());
     EXPECT_EQ(MoveFolderTree(from.c_str(), to.c_str(), TRUE), 0u);
     EXPECT_FALSE(root.Exists(L"from"));

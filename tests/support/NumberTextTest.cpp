@@ -18,6 +18,7 @@
 #include "support/RandomText.h"
 #include "support/Wide.h"
 #include "helpers/Thorough.h"
+#include "helpers/ModuleNames.h"
 
 namespace
 {
@@ -145,7 +146,7 @@ TEST(ParseDouble, UsesTheDecimalPointOfTheCLocale)
 // What a text may look like is the run-time's affair: "inf", "nan" and hexadecimal numbers are numbers for some only.
 TEST(ParseDouble, ReadsWhatTheRunTimeOfTheLibraryReads)
 {
-    const HMODULE runtime = ::GetModuleHandleW(L"msvcrt.dll");
+    const HMODULE runtime = ::GetModuleHandleW(quon_test::kRunTimeModule);
     ASSERT_NE(runtime, nullptr);
     const auto wcstodOfRuntime =
         reinterpret_cast<decltype(&std::wcstod)>(reinterpret_cast<void*>(::GetProcAddress(runtime, "wcstod")));

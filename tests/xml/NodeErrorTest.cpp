@@ -1,5 +1,6 @@
 // The status texts for calls that fail, and the errors that pass through.
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
 #include "xml/NodeFailureTestSupport.h"
 
 #include "base/QuonEllipsis.h"
@@ -33,7 +34,7 @@ public:
     }
 
 private:
-    ImportPatch<void* (*)(size_t)> m_patch{L"QuonFramework.dll", "malloc", &FailOnce};
+    ImportPatch<void* (*)(size_t)> m_patch{quon_test::kFrameworkModule, "malloc", &FailOnce};
 };
 
 TEST_F(XmlNodesFailure, ListsThatCannotBeRead)

@@ -1,10 +1,12 @@
 // The version of the system, and 64-bit values on systems that have no variant for them.
 #include "helpers/ImportPatch.h"
+#include "helpers/ModuleNames.h"
 #include "xml/DomFakes.h"
 #include "xml/XmlTestSupport.h"
 #include "xml/XmlValues.h"
 
 #include <cstdint>
+#include <cwchar>
 #include <limits>
 
 namespace
@@ -77,9 +79,14 @@ constexpr wchar_t kBeyondInt64[] = L"99999999999999999999";
 
 std::int64_t ReadByTheRunTime(const wchar_t* text)
 {
+#if defined(_MSC_VER)
+    // Newer run-times export no such function: it is the program's own there, and the same one.
+    const auto scan = &std::swscanf;
+#else
     using Scan = int(__cdecl*)(const wchar_t*, const wchar_t*, ...);
-    const auto scan =
-        reinterpret_cast<Scan>(reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"msvcrt.dll"), "swscanf")));
+    const auto scan = reinterpret_cast<Scan>(
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(quon_test::kRunTimeModule), "swscanf")));
+#endif
     std::int64_t value = 0;
     return scan(text, L"%I64d", &value) == 1 ? value : 0;
 }

@@ -37,6 +37,8 @@ inline MSXML2::IXMLDOMDocumentPtr EmptyDocument()
 {
     MSXML2::IXMLDOMDocumentPtr document;
     EXPECT_HRESULT_SUCCEEDED(document.CreateInstance(MSXML2::CLSID_DOMDocument));
+    // By itself a document loads in the background.
+    document->Putasync(VARIANT_FALSE);
     return document;
 }
 
