@@ -23,6 +23,7 @@
 #include "support/QuonTimer.h"
 #include "traversal/QuonFileTrees.h"
 #include "xml/QuonFileStream.h"
+#include "xml/NodeArray.h"
 #include "xml/QuonXml.h"
 #include "xml/XmlNodes.h"
 

@@ -32,6 +32,17 @@ bool IsSame(const BY_HANDLE_FILE_INFORMATION& a, const BY_HANDLE_FILE_INFORMATIO
            a.nFileIndexLow == b.nFileIndexLow;
 }
 
+std::optional<BY_HANDLE_FILE_INFORMATION> IdentityOfStandard(DWORD standardHandle)
+{
+    const HANDLE file = ::GetStdHandle(standardHandle);
+    BY_HANDLE_FILE_INFORMATION information = {};
+    if (::GetFileType(file) != FILE_TYPE_DISK || !::GetFileInformationByHandle(file, &information))
+    {
+        return std::nullopt;
+    }
+    return information;
+}
+
 // The folder of a full path; empty for a root.
 std::wstring ParentOf(std::wstring path)
 {
@@ -56,6 +67,13 @@ bool IsSameFile(const wchar_t* path, const wchar_t* other)
     const std::optional<BY_HANDLE_FILE_INFORMATION> identity = IdentityOf(path);
     const std::optional<BY_HANDLE_FILE_INFORMATION> otherIdentity = IdentityOf(other);
     return identity && otherIdentity && IsSame(*identity, *otherIdentity);
+}
+
+bool IsRedirectedTo(DWORD standardHandle, const wchar_t* path)
+{
+    const std::optional<BY_HANDLE_FILE_INFORMATION> identity = IdentityOfStandard(standardHandle);
+    const std::optional<BY_HANDLE_FILE_INFORMATION> other = IdentityOf(path);
+    return identity && other && IsSame(*identity, *other);
 }
 
 bool IsInside(const wchar_t* path, const wchar_t* folder)

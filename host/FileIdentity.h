@@ -13,6 +13,9 @@ bool IsFolder(const wchar_t* path);
 /// Two names that cannot be opened are not the same.
 bool IsSameFile(const wchar_t* path, const wchar_t* other);
 
+/// Returns whether a standard handle, STD_INPUT_HANDLE or STD_OUTPUT_HANDLE, was redirected to the file of this name.
+bool IsRedirectedTo(DWORD standardHandle, const wchar_t* path);
+
 /// Returns whether `path`, which need not exist, is `folder` or would be below it.
 bool IsInside(const wchar_t* path, const wchar_t* folder);
 

@@ -187,10 +187,27 @@ void WriteWholeOutput(const std::wstring& target, std::string_view contents)
     file.Commit(contents);
 }
 
+namespace
+{
+
+bool AreOneFile(const std::wstring& target, const std::wstring& input)
+{
+    const bool isToStandard = target == kStandardStreamName;
+    const bool isFromStandard = input == kStandardStreamName;
+    if (isToStandard || isFromStandard)
+    {
+        // Redirected from one name to the other, the file would be written while it is read.
+        return isToStandard != isFromStandard && (isToStandard ? IsRedirectedTo(STD_OUTPUT_HANDLE, input.c_str())
+                                                               : IsRedirectedTo(STD_INPUT_HANDLE, target.c_str()));
+    }
+    return IsSameName(target, input) || IsSameFile(target.c_str(), input.c_str());
+}
+
+}  // namespace
+
 void RequireOtherFile(const std::wstring& target, const std::wstring& input)
 {
-    const bool areFiles = target != kStandardStreamName && input != kStandardStreamName;
-    if (areFiles && (IsSameName(target, input) || IsSameFile(target.c_str(), input.c_str())))
+    if (AreOneFile(target, input))
     {
         throw CommandError(std::wstring_view(L"\"" + target + L"\" is the same file as the input \"" + input +
                                              L"\": choose another name"));

@@ -1,6 +1,7 @@
 #include "host/plot/PlotLevels.h"
 
 #include "host/Console.h"
+#include "host/landxml/NumberText.h"
 #include "host/plot/NiceSteps.h"
 
 #include <algorithm>
@@ -21,8 +22,8 @@ std::vector<double> ContoursOf(const PlotLevels& levels)
     const std::vector<double> contours = MultiplesWithin(levels.low, levels.high, levels.step, kMostContours);
     if (contours.empty() && levels.high - levels.low >= levels.step)
     {
-        throw CommandError(std::wstring_view(L"contours every " + FormatFixed(levels.step, DecimalsOf(levels.step)) +
-                                             L" would be more than " + std::to_wstring(kMostContours)));
+        throw CommandError(std::wstring_view(L"contours every " + NumberText(levels.step) + L" would be more than " +
+                                             std::to_wstring(kMostContours)));
     }
     return contours;
 }

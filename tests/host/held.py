@@ -40,10 +40,7 @@ class Held(captured.Running):
         """What the test has read from the pipe."""
         return captured.text(self._shown[self._filling:])
 
-    def read_until(self, reached):
-        """Lets the program go on until `reached(what it has shown)`. It may be ahead by what its own buffer and the pipe
-        hold."""
-        def has_reached():
+    def has_reached():
             self._read(64)
             return reached(self.shown())
 
