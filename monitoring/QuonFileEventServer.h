@@ -98,7 +98,8 @@ public:
     virtual HRESULT Subscribe(const wchar_t* path, DWORD mask, QuonFileEventSink* sink, QuonFileEventId* id) = 0;
 
     /// Removes a subscription. Its sink is not called any more, not even for events that are on their way.
-    /// @param id given out by Subscribe; one that is unknown, or removed already, is ignored
+    /// @param id given out by Subscribe; one that is unknown, or removed already, is ignored; a removed one may name a
+    /// later subscription by then
     /// @return S_OK, also when the server does not run or the identifier is unknown; E_FAIL when something was thrown
     virtual HRESULT Unsubscribe(QuonFileEventId id) = 0;
 

@@ -43,7 +43,9 @@ public:
 
     /// Reads the file's time of modification, in seconds, and compares it with the *first* one that was remembered
     /// for it: once a file has changed it counts as modified for ever, unless it gets its first time back.
-    /// @param path the full path: a file is found again by this text, without regard to case
+    /// @param path the full path: a file is found again by this text, without regard to case as
+    /// CString::CompareNoCase compares: by the C run-time's locale, so only A to Z in a program that never calls
+    /// setlocale()
     /// @return true when the time is another one, when the file is asked for the first time, and when it cannot be
     /// read; in the first two cases its state is remembered, in the last it is not
     static bool IsFileModified(CString path);

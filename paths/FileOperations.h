@@ -53,9 +53,9 @@ QUON_API unsigned int CopyFolderTree(const wchar_t* source, const wchar_t* desti
 
 /// Removes `folder` with everything in it, read-only files included.
 ///
-/// If the process's current folder begins with the text of `folder`, in whatever case, the parent of `folder` becomes
-/// the current folder first; all threads share the current folder. A file that cannot be deleted shows only as the
-/// failure of the folders above it.
+/// If the process's current folder begins with the text of `folder`, in any case, by the user's locale, the parent of
+/// `folder` becomes the current folder first; all threads share the current folder. A file that cannot be deleted shows
+/// only as the failure of the folders above it.
 /// @return 0 when the folder is gone or never was, 1 when any folder could not be removed
 QUON_API unsigned int RemoveFolderTree(const wchar_t* folder);
 

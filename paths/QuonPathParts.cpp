@@ -3,7 +3,7 @@
 #include "paths/PathTextInternal.h"
 #include "paths/QuonPath.h"
 
-// <windows.h> makes a macro of this name.
+// <commdlg.h> makes a macro of this name.
 #undef GetFileTitle
 
 using QuonPathText::JoinString;

@@ -47,7 +47,8 @@ std::uint32_t& PagesInUse(const void* page)
     return g_pool.lastRegion->second;
 }
 
-/// Without memory the list of free pages simply stays empty.
+/// Adds the pages of a new region to the free pages. Without a region from the system the list stays empty. Without
+/// memory for the region's record operator new's exception passes through, and the region is given back.
 void AddRegion()
 {
     // Executable, so that owners may put code into their elements.

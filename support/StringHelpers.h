@@ -2,9 +2,9 @@
 /// Helpers on wide strings: case, numbers, tokens, separated lists, error texts. Natural-order comparison is in
 /// NaturalCompare.h.
 ///
-/// All functions work on their arguments alone and hold no state; any thread may call them. Case and character classes
-/// follow the user's locale (`CharUpperBuffW`, `CharLowerBuffW`, `iswdigit`, `iswspace`). Texts are searched up to
-/// their first zero character. Nothing but lack of memory throws.
+/// All functions work on their arguments alone and hold no state; any thread may call them. Case follows the user's
+/// locale (`CharUpperBuffW`, `CharLowerBuffW`); digits and white space are what `iswdigit` and `iswspace` report. Texts
+/// are searched up to their first zero character. Nothing but lack of memory throws.
 #pragma once
 
 #include <afx.h>
