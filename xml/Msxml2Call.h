@@ -52,6 +52,16 @@ HRESULT Do(Interface* object, HRESULT (STDMETHODCALLTYPE Interface::*method)(Par
     return RaiseFailed((object->*method)(arguments...), object);
 }
 
+/// Calls a method whose last parameter receives a variant. By itself, so that the variant is returned without a copy.
+template <typename Interface, typename... Parameters, typename... Arguments>
+_variant_t GetVariant(Interface* object, HRESULT (STDMETHODCALLTYPE Interface::*method)(Parameters...),
+                      const Arguments&... arguments)
+{
+    _variant_t result;
+    RaiseFailed((object->*method)(arguments..., &result), object);
+    return result;
+}
+
 /// Calls a method whose last parameter receives the result. @return that result; the caller owns it
 template <typename Result, typename Interface, typename... Parameters, typename... Arguments>
 Result Get(Interface* object, HRESULT (STDMETHODCALLTYPE Interface::*method)(Parameters...),
@@ -65,9 +75,7 @@ Result Get(Interface* object, HRESULT (STDMETHODCALLTYPE Interface::*method)(Par
     }
     else if constexpr (std::is_same_v<Result, _variant_t>)
     {
-        _variant_t result;
-        RaiseFailed((object->*method)(arguments..., &result), object);
-        return result;
+        return GetVariant(object, method, arguments...);
     }
     else if constexpr (std::is_class_v<Result>)
     {

@@ -40,13 +40,6 @@ class Held(captured.Running):
         """What the test has read from the pipe."""
         return captured.text(self._shown[self._filling:])
 
-    def has_reached():
-            self._read(64)
-            return reached(self.shown())
-
-        wait_until(lambda: has_reached() or self.process.poll() is not None, "the program has shown enough")
-        assert reached(self.shown()), "the program ended with " + repr(self.shown()[-200:])
-
     def wait_until_held(self):
         wait_until(lambda: self._is_held() or self.process.poll() is not None, "the program waits in a write")
         assert self.process.poll() is None, "the program was done before it could be held"

@@ -27,7 +27,9 @@ def preset_variables():
 
 def configure():
     shutil.rmtree(BUILD, ignore_errors=True)
-    variables = {**preset_variables(), "CMAKE_CONFIGURATION_TYPES": ";".join(CONFIGURATIONS),
+    # vcpkg's own variables are for its toolchain file, which is not here.
+    preset = {name: value for name, value in preset_variables().items() if not name.startswith("VCPKG_")}
+    variables = {**preset, "CMAKE_CONFIGURATION_TYPES": ";".join(CONFIGURATIONS),
                  "CMAKE_TOOLCHAIN_FILE": HERE / "toolchain.cmake", "CMAKE_PREFIX_PATH": HERE / "packages"}
     return subprocess.run(["cmake", "-S", TOP, "-B", BUILD, "-G", "Ninja Multi-Config",
                            *(f"-D{name}={value}" for name, value in variables.items())], capture_output=True, text=True)

@@ -93,19 +93,23 @@ TEST(AllocationFailureMonitoring, SubscribingAndUnsubscribing)
             QuonFileEventId id = 0;
             const HRESULT result = server->Subscribe(path.c_str(), FILE_NOTIFY_CHANGE_FILE_NAME, &sink, &id);
             const QuonFileEventId posted = traffic.TakePosted();
-            if (result == E_OUTOFMEMORY)
+            if (result != S_OK)
             {
+                // Neither a watch without a record nor one without a sink is on its way.
+                EXPECT_TRUE(result == E_OUTOFMEMORY || result == E_FAIL);
                 EXPECT_EQ(posted, 0u);
+                EXPECT_EQ(id, 0u);
                 return;
             }
-            // The watch is on its way when its sink cannot be remembered: the test knows its identifier all the same.
-            EXPECT_TRUE(result == S_OK ? id == posted : result == E_FAIL && id == 0);
+            EXPECT_EQ(id, posted);
             const int before = sink.m_calls;
             QuonWndMsgServer::GetWndMsgServer()->SendToWindow(0x8800, FILE_NOTIFY_CHANGE_FILE_NAME,
                                                               static_cast<LPARAM>(posted));
-            EXPECT_EQ(sink.m_calls, before + (result == S_OK ? 1 : 0));
+            EXPECT_EQ(sink.m_calls, before + 1);
             EXPECT_EQ(server->Unsubscribe(posted), S_OK);
             EXPECT_TRUE(traffic.WaitForRemoval());
+            // The acknowledgement ends the identifier's reservation.
+            QuonWndMsgServer::GetWndMsgServer()->SendToWindow(kMsgRemoved, 0, static_cast<LPARAM>(posted));
         },
         kReturned);
     // The record, its path, and the sink's entry.

@@ -22,14 +22,14 @@ USED = re.compile(r"[A-Z0-9_]+|__uuidof|__int64|assert")
 # Names that a macro renames all the same, with the reason why that does no harm.
 EXCEPTIONS = {
     "CLSID_DOMDocument",  # <msxml2.h>; a constant of the header alone, renamed where it is used as well
-    "GetFirstChild",  # <windowsx.h>; an inline function of the header alone
-    "GetNextSibling",  # the same
 }
 NAME = re.compile(r"\b[A-Za-z_]\w*")
 
 
 def plain(text):
     """A header's text without comments, literals and directives."""
+    # Properties of the DOM's interfaces, which only one compiler has.
+    text = re.sub(r"__declspec\(property\([^;]*;", " ", text)
     text = re.sub(r'//[^\n]*|/\*.*?\*/|R"\((?:.*?)\)"|"(?:[^"\\\n]|\\.)*"|\'(?:[^\'\\\n]|\\.)*\'', " ", text, flags=re.S)
     return re.sub(r"^[ \t]*#(?:[^\n]*\\\n)*[^\n]*", " ", text, flags=re.M)
 

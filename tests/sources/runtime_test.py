@@ -41,6 +41,7 @@ IN_LIBRARY = {
 DRAWS = "geometry of a drawing, written with one decimal"
 IN_HOST = IN_LIBRARY | {
     "atan2": DRAWS,
+    "cabs": DRAWS,
     "cos": DRAWS,
     "fmod": DRAWS,
     "hypot": DRAWS,
