@@ -10,6 +10,8 @@ import abi
 
 TOP = abi.TOP
 FOLDERS = ("framework/new", "host", "examples", "tests")
+# Wine's header of the later DOM, which this test compares with, cannot be read in that mode: its interfaces are not in order.
+NOT_READ = (TOP / "tests/xml/Msxml2SlotsTest.cpp",)
 BENCHMARK_SUPPORT = TOP / "benchmarks/BenchmarkSupport.cpp"
 GOOGLETEST = Path("/usr/src/googletest")
 # Sources of the library that a test compiles for itself, with a host's point array in the place of the library's.
@@ -26,7 +28,8 @@ def benchmark_folder(build):
 
 
 def sources(build):
-    found = [source for folder in FOLDERS for source in sorted((TOP / folder).rglob("*.cpp"))]
+    found = [source for folder in FOLDERS for source in sorted((TOP / folder).rglob("*.cpp"))
+             if source not in NOT_READ]
     return found + ([BENCHMARK_SUPPORT] if benchmark_folder(build) else [])
 
 
@@ -35,7 +38,7 @@ def options(build):
     folders = [build / "headers" / name for name in ("quon_cli11", "quon_json")]
     folders += [GOOGLETEST / name / "include" for name in ("googletest", "googlemock")]
     folders += [benchmark_folder(build)] if benchmark_folder(build) else []
-    return ["-U_AFXEXT", '-DQUON_PROJECT_VERSION=L"0.0.0"', f"-I{TOP / 'tests'}",
+    return ["-U_AFXEXT", '-DQUON_PROJECT_VERSION=L"0.0.0"', '-DQUONHOST_VERSION="0.0.0"', f"-I{TOP / 'tests'}",
             *(f"-isystem{folder}" for folder in folders)]
 
 
