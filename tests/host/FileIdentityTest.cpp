@@ -82,4 +82,24 @@ TEST_F(FileIdentity, DistinguishesFoldersFromFiles)
     EXPECT_FALSE(IsFolder((m_folder / L"missing").c_str()));
 }
 
+// The handles that Wine makes of redirected Unix files have no identity, so the test opens the file by itself.
+TEST_F(FileIdentity, AStandardHandleIsTheFileThatItWasRedirectedTo)
+{
+    for (const DWORD standard : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE})
+    {
+        const HANDLE before = ::GetStdHandle(standard);
+        const HANDLE file = ::CreateFileW((m_folder / L"x.txt").c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
+                                          nullptr, OPEN_EXISTING, 0, nullptr);
+        ::SetStdHandle(standard, file);
+        const bool isSame = IsRedirectedTo(standard, (m_folder / L"X.TXT").c_str());
+        const bool isOther = IsRedirectedTo(standard, (m_folder / L"y.txt").c_str());
+        const bool isMissing = IsRedirectedTo(standard, (m_folder / L"none.txt").c_str());
+        ::SetStdHandle(standard, before);
+        ::CloseHandle(file);
+        EXPECT_TRUE(isSame);
+        EXPECT_FALSE(isOther);
+        EXPECT_FALSE(isMissing);
+    }
+}
+
 }  // namespace

@@ -281,18 +281,6 @@ class LandXmlTest(unittest.TestCase):
         self.assertEqual(sorted(path.name for path in self.folder.iterdir()),
                          ["faces.csv", "folder", "out.xml", "points.csv"])
 
-    def test_a_redirected_input_is_not_destroyed(self):
-        points = self.write("points.csv", "1,0,0,4\n")
-        for part in ("standard input", "standard output"):
-            with self.subTest(part), open(points, "rb") as reading, open(points, "ab") as writing:
-                source, target = ("-", points) if part == "standard input" else (points, "-")
-                names = [name if name == "-" else windows_path(name) for name in (source, target)]
-                streams = {"stdin": reading} if source == "-" else {"stdout": writing}
-                done = captured.run([RUNNER, PROGRAM, "landxml", "export", *names], **streams)
-                self.assertEqual(done.returncode, 1)
-                self.assertIn("is the same file as the input", done.stderr)
-                self.assertEqual(points.read_text(), "1,0,0,4\n")
-
     def test_file_names_of_any_script_and_with_signs(self):
         for name in ("Vermessung Ж山.xml", "a b.xml", "a#1.xml", "50%25.xml", "a&b;c.xml"):
             with self.subTest(name):

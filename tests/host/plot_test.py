@@ -121,7 +121,7 @@ class PlotTest(unittest.TestCase):
                 (("", ""), (), "there is nothing to draw; the file holds nothing"),
                 (("", self.surface("S")), ("--surface", "T"), 'there is no surface "T"'),
                 (("", self.surface("S")), ("--contours", "0.001"), "contours every 0.001 would be more than 500"),
-                (("", self.surface("S")), ("--contours", "1e-9"), "contours every 1e-09 would be more than 500"),
+                (("", self.surface("S")), ("--contours", "1e-9"), "contours every 0.000000001 would be more than 500"),
                 (("", self.surface("S", 0, "<F>1 2 9</F>")), ("--strict",), 'names point "9"'),
                 (("<CgPoint name='1'>x</CgPoint>", ""), ("--strict",), 'point "1" has no coordinates')):
             with self.subTest(complaint):

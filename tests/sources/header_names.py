@@ -21,6 +21,7 @@ LEFT_OUT = set("_cygwin.h adogpool.h adogpool_backcompat.h mspbase.h routprot.h 
 USED = re.compile(r"[A-Z0-9_]+|__uuidof|__int64|assert")
 # Names that a macro renames all the same, with the reason why that does no harm.
 EXCEPTIONS = {
+    "DOMDocument",  # <msxml2.h> of some toolchains; a class of the header alone, renamed where it is used as well
     "CLSID_DOMDocument",  # <msxml2.h>; a constant of the header alone, renamed where it is used as well
 }
 NAME = re.compile(r"\b[A-Za-z_]\w*")
@@ -28,8 +29,8 @@ NAME = re.compile(r"\b[A-Za-z_]\w*")
 
 def plain(text):
     """A header's text without comments, literals and directives."""
-    # Properties of the DOM's interfaces, which only one compiler has.
-    text = re.sub(r"__declspec\(property\([^;]*;", " ", text)
+    # Properties and identifiers of the DOM's interfaces, written so for one compiler alone.
+    text = re.sub(r"__declspec\(property\([^;]*;|__declspec\(uuid\([^)]*\)\)", " ", text)
     text = re.sub(r'//[^\n]*|/\*.*?\*/|R"\((?:.*?)\)"|"(?:[^"\\\n]|\\.)*"|\'(?:[^\'\\\n]|\\.)*\'', " ", text, flags=re.S)
     return re.sub(r"^[ \t]*#(?:[^\n]*\\\n)*[^\n]*", " ", text, flags=re.M)
 
