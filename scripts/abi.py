@@ -7,6 +7,8 @@
   abi.py names BUILD      the decorated names of the exports are those of module/QuonWin32Utils.msvc.def, and number and
                           signature of each are those of module/QuonWin32Utils.def; with --write the list is written anew
   abi.py run BUILD        the library links by that list, and a host in MSVC's ABI calls it under Wine
+  abi.py behaviour BUILD [PROGRAM...]
+                          the test programs pass in that ABI, with LLVM's standard library (scripts/abi-sources.sh)
 
 BUILD is the build tree; the objects are kept in its folder abi/ and made anew when something they read has changed.
 """
@@ -477,6 +479,12 @@ def run(arguments):
     finish(faults, "a host in MSVC's ABI calls the library by numbers alone")
 
 
+def behaviour(arguments):
+    import abi_behaviour
+
+    finish(abi_behaviour.behaviour(arguments.build.resolve(), arguments.programs), "the test programs pass in MSVC's ABI")
+
+
 def finish(faults, success):
     if faults:
         sys.exit("\n".join(faults))
@@ -486,11 +494,14 @@ def finish(faults, success):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     commands = parser.add_subparsers(required=True)
-    for name, function in (("parse", parse), ("layout", layout), ("names", check_names), ("run", run)):
+    for name, function in (("parse", parse), ("layout", layout), ("names", check_names), ("run", run),
+                           ("behaviour", behaviour)):
         command = commands.add_parser(name)
         if name == "names":
             command.add_argument("--write", action="store_true", help="write the list anew")
         command.add_argument("build", type=Path)
+        if name == "behaviour":
+            command.add_argument("programs", nargs="*", help="the programs to run; without any, all")
         command.set_defaults(function=function)
     arguments = parser.parse_args()
     arguments.function(arguments)

@@ -1,15 +1,16 @@
 #!/usr/bin/env bash
-# The long checks, hours of them: thorough.sh [PHASE...]; test.sh --thorough runs it behind the usual tests. Phases: guard,
-# models, sanitize, soak; without any, all of them.
+# The long checks, hours of them: thorough.sh [PHASE...]; test.sh --thorough runs it after the usual tests. Phases: guard,
+# models, sanitize, soak, abi; without any, all of them.
 #
 #   guard     every test with guard pages behind the library's own blocks
 #   models    the comparisons with models, QUON_TEST_CASES (1000000) rounds each
 #   sanitize  every test in a build that ends at undefined behaviour
 #   soak      QUON_SOAK_SECONDS (600) of each soak, all of them at once
+#   abi       the test programs in MSVC's ABI, with LLVM's standard library (fetches 130 MB of sources)
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-[ $# -gt 0 ] || set -- guard models sanitize soak
+[ $# -gt 0 ] || set -- guard models sanitize soak abi
 logs=$top/build/thorough
 mkdir -p "$logs"
 failed=()
@@ -88,6 +89,13 @@ for phase in "$@"; do
     soak)
       build mingw-debug all
       QUON_SOAK_SECONDS=${QUON_SOAK_SECONDS:-600} run_soaks mingw-debug
+      ;;
+    abi)
+      build mingw-debug all
+      "$top/scripts/abi-sources.sh"
+      "$top/scripts/wine-prefix.sh"
+      "$top/scripts/abi.py" behaviour "$top/build/mingw-debug" >"$logs/abi-behaviour.log" 2>&1 || failed+=("abi: behaviour")
+      tail -n 1 "$logs/abi-behaviour.log"
       ;;
     *) die "no such phase: $phase" ;;
   esac

@@ -27,7 +27,7 @@ __declspec(allocate(".CRT$XCZ")) Function g_lastInitialiser = nullptr;
 namespace
 {
 
-constexpr int kMaxAtExit = 256;
+constexpr int kMaxAtExit = 4096;
 Function g_atExit[kMaxAtExit];
 int g_atExitCount = 0;
 
@@ -84,12 +84,17 @@ extern "C" BOOL WINAPI Start(HINSTANCE instance, DWORD reason, LPVOID reserved)
 
 #else
 
-int main();
+// The parameters are the caller's to remove: a main without any is called in the same way.
+int Main(int, char**) __asm__("main");
+extern "C" __declspec(dllimport) int __cdecl _configure_narrow_argv(int);
+extern "C" __declspec(dllimport) int* __cdecl __p___argc();
+extern "C" __declspec(dllimport) char*** __cdecl __p___argv();
 
 extern "C" void Start()
 {
+    _configure_narrow_argv(1);
     RunInitialisers();
-    const int result = main();
+    const int result = Main(*__p___argc(), *__p___argv());
     RunAtExit();
     ::ExitProcess(static_cast<UINT>(result));
 }
@@ -155,6 +160,8 @@ const char* exception::what() const
 bad_alloc::bad_alloc() noexcept {}
 bad_array_new_length::bad_array_new_length() noexcept {}
 
+#if !defined(QUON_ABI_WHOLE_STANDARD_LIBRARY)
+
 // What LLVM's standard library keeps in its binary.
 
 template class basic_string<wchar_t>;
@@ -174,5 +181,7 @@ size_t __next_prime(size_t number)
         }
     }
 }
+
+#endif
 
 }  // namespace std

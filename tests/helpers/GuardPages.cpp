@@ -12,6 +12,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <initializer_list>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
