@@ -28,7 +28,6 @@ extern "C"
     __declspec(dllimport) int __cdecl ___mb_cur_max_l_func(_locale_t);
     __declspec(dllimport) errno_t __cdecl wcrtomb_s(size_t*, char*, size_t, wchar_t, mbstate_t*);
     __declspec(dllimport) int* __cdecl __sys_nerr(void);
-    __declspec(dllimport) double __cdecl nan(const char*);
     __declspec(dllimport) unsigned __cdecl _set_abort_behavior(unsigned, unsigned);
 
     // A long double is a double in this ABI.

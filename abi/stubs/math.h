@@ -4,7 +4,7 @@
 
 #include_next <math.h>
 
-double nan(const char*);
+extern "C" double nan(const char*);
 
 long double acosl(long double);
 long double asinl(long double);
