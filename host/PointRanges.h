@@ -41,7 +41,7 @@ struct ListItem
 /// Returns the first item that is not valid.
 std::optional<ListItem> FindInvalidItem(std::wstring_view list);
 
-/// Returns the first item that is a comparison, such as "<5". It is valid, but stands for the number 0, which no
+/// Returns the first item that is a comparison, such as "<5". It is valid, but means the number 0, which no
 /// rewritten list can contain.
 std::optional<ListItem> FindComparison(std::wstring_view list);
 

@@ -66,7 +66,7 @@ void RequireValid(const std::wstring& list)
     }
 }
 
-// A comparison stands for the number 0: written into a list it would end the list there, and removing it does nothing.
+// A comparison means the number 0: written into a list it would end the list there, and removing it does nothing.
 void RequireNoComparison(const std::wstring& list, const wchar_t* problem)
 {
     if (const std::optional<ListItem> item = FindComparison(list))

@@ -62,7 +62,7 @@ struct QuonFileInfo
 ///
 /// **Texts.** Where a `const wchar_t*` is taken, null counts as the empty text. A `std::wstring` is taken up to its
 /// first zero character. A `CString` is taken whole: what is read through `const wchar_t*` ends at a zero inside it,
-/// while joining, splitting and components go on behind the zero. Arguments may point into the text of the object that
+/// while joining, splitting and components use all of it. Arguments may point into the text of the object that
 /// is called. There is no limit on the length of a text as such, but the parts given by SplitPlain() and Split(), and
 /// all that is built from them (the `Get...` and `Set...` functions for parts, GetComponents(), MakeRelativeTo()), are
 /// cut at 263 characters each.

@@ -116,7 +116,7 @@ public:
     int value;
 };
 
-// Messages go to this thread; an event tells that there is one.
+// Messages go to this thread; an event reports each.
 void CheckQueue()
 {
     HANDLE thread = nullptr;
